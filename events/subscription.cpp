@@ -1,0 +1,92 @@
+#include "subscriptionprivate.h"
+
+#include <zintar/base.h>
+
+namespace zt::detail
+{
+ZTHandlerBase::~ZTHandlerBase() = default;
+
+void DescribedHandler::operator delete(DescribedHandler* handler, std::destroying_delete_t)
+{
+    if (handler->m_running > 0) {
+        handler->m_deleted = true;
+        return;
+    }
+    void* block = dynamic_cast<void*>(handler);
+    handler->~DescribedHandler();
+    ::operator delete(block);
+}
+
+std::string_view DescribedHandler::typeName() const { return m_name; }
+
+unsigned int DescribedHandler::parameterCount() const { return m_count; }
+
+const ZTMetaType& DescribedHandler::parameterMetaType(unsigned int index) const
+{
+    return m_types[index]();
+}
+} // namespace zt::detail
+
+ZTSubscriptionPrivate::~ZTSubscriptionPrivate() { delete ownedHandler(); }
+
+bool ZTSubscriptionPrivate::hasSameHandler(const ZTSubscriptionPrivate& other) const
+{
+    return handler == other.handler;
+}
+
+namespace
+{
+bool isNull(const ZTSubscriptionPrivate::Handler& handler)
+{
+    return std::visit([](auto* pointer) { return pointer == nullptr; }, handler);
+}
+
+bool fits(const ZTSubscriptionPrivate& subscription, const ZTSubscriptionPrivate& pattern)
+{
+    if (isNull(pattern.handler))
+        return true;
+    if (void* const* key = std::get_if<void*>(&pattern.handler)) {
+        const zt::detail::ZTHandlerBase* handler = subscription.ownedHandler();
+        return handler && handler->isComparable() && handler->equals(*key);
+    }
+    return subscription.hasSameHandler(pattern);
+}
+} // namespace
+
+bool ZTSubscriptionPrivate::matches(const ZTSubscriptionPrivate& pattern) const
+{
+    if (this == &pattern)
+        return true;
+    return (!pattern.sender || pattern.sender == sender) &&
+           (!pattern.subscriber || pattern.subscriber == subscriber) &&
+           (!pattern.event || pattern.event == event) && fits(*this, pattern);
+}
+
+ZTSubscription::operator bool() const noexcept
+{
+    auto record = m_record.lock();
+    return record && record->active;
+}
+
+bool ZTSubscription::operator==(const ZTSubscription& other) const noexcept
+{
+    auto a = m_record.lock();
+    auto b = other.m_record.lock();
+    if (a == b)
+        return true;
+    return a && b && a->sender == b->sender && a->event == b->event &&
+           a->subscriber == b->subscriber && a->hasSameHandler(*b);
+}
+
+ZTScopedSubscription& ZTScopedSubscription::operator=(ZTScopedSubscription&& other) noexcept
+{
+    if (this != &other) {
+        reset();
+        m_subscription = other.release();
+    }
+    return *this;
+}
+
+ZTScopedSubscription::~ZTScopedSubscription() { reset(); }
+
+void ZTScopedSubscription::reset() { ZTBase::unsubscribe(release()); }

@@ -1,0 +1,310 @@
+#include "eventslot.h"
+
+#include <zintar/log.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+using zt::detail::ZTHandlerBase;
+
+// Subscribing.
+
+namespace
+{
+/// A handler as the checks see it: an invokable, or what the host's templates made.
+struct HandlerView {
+    const ZTMetaInvokable* invokable = nullptr;
+    const ZTHandlerBase* handler = nullptr;
+
+    [[nodiscard]] unsigned int parameterCount() const
+    {
+        return handler ? handler->parameterCount() : invokable->parameterCount();
+    }
+    [[nodiscard]] const ZTMetaType& parameterMetaType(unsigned int index) const
+    {
+        return handler ? handler->parameterMetaType(index) : invokable->parameterMetaType(index);
+    }
+    [[nodiscard]] std::string title() const
+    {
+        return handler ? "handler type " + std::string(handler->typeName())
+                       : "handler " + std::string(invokable->name());
+    }
+};
+
+bool fail(const ZTMetaInvokable& event, const std::string& reason)
+{
+    ztLog("Zintar: Subscription failed with event " + std::string(event.name()) + " and " + reason,
+          ZTLogType::Warning);
+    return false;
+}
+
+std::string quoted(const ZTMetaType& type) { return "\"" + type.name() + "\""; }
+
+/// How many values an event hands over: those that an argument array can carry.
+unsigned int suppliedCount(const ZTMetaInvokable& event)
+{
+    return std::min(event.parameterCount(), ZTMetaInvokable::MaxParamCount);
+}
+
+bool failForCount(const ZTMetaInvokable& event, const HandlerView& handler)
+{
+    return fail(event, handler.title() + ". Handler requires more parameters than event supplies");
+}
+
+bool checkParameters(const ZTMetaInvokable& event, const HandlerView& handler)
+{
+    if (handler.parameterCount() > suppliedCount(event))
+        return failForCount(event, handler);
+    for (unsigned int i = 0; i < handler.parameterCount(); ++i) {
+        const ZTMetaType& taken = handler.parameterMetaType(i);
+        const ZTMetaType& supplied = event.parameterMetaType(i);
+        std::string place = " at position " + std::to_string(i) + ". Event parameter type ";
+        if (handler.handler && !taken)
+            return fail(event, handler.title() + ". Parameter type not registered" + place +
+                                   quoted(supplied) + ".");
+        if (!taken || taken != supplied)
+            return fail(event, handler.title() + ". Parameter type mismatch" + place +
+                                   quoted(supplied) + ", handler type " + quoted(taken) + ".");
+    }
+    return true;
+}
+
+/// An event of another class has an index that means something else to this sender, or nothing.
+bool checkClass(const ZTBase& sender, const ZTMetaInvokable& event, const HandlerView& handler)
+{
+    int index = event.index();
+    const ZTMetaInvokable* own =
+        index < 0 ? nullptr : sender.metaClass()->invokable(static_cast<unsigned int>(index));
+    if (own == &event)
+        return true;
+    bool equal = own && own->isEvent() && own->name() == event.name() &&
+                 own->parameterCount() == event.parameterCount();
+    for (unsigned int i = 0; equal && i < event.parameterCount(); ++i)
+        equal = own->parameterMetaType(i) == event.parameterMetaType(i);
+    return equal || fail(event, handler.title() + ". The class " +
+                                    std::string(sender.metaClass()->typeName()) +
+                                    " of the sender does not have the event");
+}
+
+bool canBeSubscribedTo(const ZTBase* sender, const ZTMetaInvokable* event)
+{
+    return ZTBasePrivate::of(sender) && event && event->isEvent();
+}
+
+std::shared_ptr<ZTSubscriptionPrivate>
+makeRecord(const ZTBase* sender, const ZTMetaInvokable& event, const ZTBase* subscriber,
+           ZTSubscriptionPrivate::Handler handler, unsigned int parameterCount)
+{
+    auto record = std::make_shared<ZTSubscriptionPrivate>();
+    record->sender = ZTBasePrivate::of(sender);
+    record->subscriber = ZTBasePrivate::of(subscriber);
+    record->event = &event;
+    record->handler = handler;
+    record->active = true;
+    record->eventIndex = event.index();
+    record->parameterCount = parameterCount;
+    return record;
+}
+} // namespace
+
+ZTSubscription ZTBase::subscribe(const ZTBase* sender, const ZTMetaInvokable* event,
+                                 const ZTBase* subscriber, const ZTMetaInvokable* handler)
+{
+    if (!canBeSubscribedTo(sender, event) || !handler)
+        return {};
+    HandlerView view{handler, nullptr};
+    if (!ZTBasePrivate::of(subscriber)) {
+        failForCount(*event, view);
+        return {};
+    }
+    if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
+        return {};
+    return sender->priv->addSubscription(
+        makeRecord(sender, *event, subscriber, handler, handler->parameterCount()));
+}
+
+ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
+                                     const ZTBase* subscriber, ZTHandlerBase* handler)
+{
+    std::unique_ptr<ZTHandlerBase> owned(handler);
+    if (!canBeSubscribedTo(sender, event) || !handler)
+        return {};
+    HandlerView view{nullptr, handler};
+    if (!ZTBasePrivate::of(subscriber) && handler->isMemberFunction()) {
+        fail(*event, "handler. The handler is a member function, but the subscriber was null");
+        return {};
+    }
+    if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
+        return {};
+    auto record = makeRecord(sender, *event, subscriber, handler, handler->parameterCount());
+    owned.release();
+    return sender->priv->addSubscription(std::move(record));
+}
+
+ZTSubscription ZTBasePrivate::addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record)
+{
+    ZTBasePrivate* subscriber = record->subscriber;
+    if (isEnding || (subscriber && subscriber->isEnding))
+        return {};
+    ZTSubscription handle(record);
+    if (subscriber) {
+        record->next = subscriber->senders;
+        if (record->next)
+            record->next->previous = record.get();
+        subscriber->senders = record.get();
+        ++subscriber->senderCount;
+    }
+    eventSlot(record->eventIndex).add(std::move(record));
+    return handle;
+}
+
+namespace zt::detail
+{
+void warnUnknownEvent(const ZTMetaClass& metaClass)
+{
+    ztLog("Zintar: Subscription failed. The member function is not an event of class " +
+              std::string(metaClass.typeName()),
+          ZTLogType::Warning);
+}
+} // namespace zt::detail
+
+// Ending subscriptions. Records are taken out of both lists first; what the host's code does when
+// a record goes finds the lists in order.
+
+namespace
+{
+using Ended = std::vector<std::shared_ptr<ZTSubscriptionPrivate>>;
+
+void unlinkFromSubscriber(ZTSubscriptionPrivate& record)
+{
+    ZTBasePrivate* subscriber = record.subscriber;
+    if (!subscriber)
+        return;
+    (record.previous ? record.previous->next : subscriber->senders) = record.next;
+    if (record.next)
+        record.next->previous = record.previous;
+    record.previous = nullptr;
+    record.next = nullptr;
+    --subscriber->senderCount;
+}
+
+std::shared_ptr<ZTSubscriptionPrivate> takeOut(ZTSubscriptionPrivate& record)
+{
+    unlinkFromSubscriber(record);
+    return record.sender->findSlot(record.eventIndex)->take(record);
+}
+
+void takeMatching(ZTEventSlot& slot, const ZTSubscriptionPrivate& pattern, Ended& ended)
+{
+    // From the end, as taking the last entry shortens the vector; a compaction moves entries to
+    // lower positions only after more than half of them are gone, so the walk is over a copy.
+    std::vector<ZTSubscriptionPrivate*> matching;
+    for (const auto& entry : slot.subscriptions)
+        if (entry && entry->matches(pattern))
+            matching.push_back(entry.get());
+    for (ZTSubscriptionPrivate* record : matching)
+        ended.push_back(takeOut(*record));
+}
+
+void takeMatching(ZTBasePrivate& subscriber, const ZTSubscriptionPrivate& pattern, Ended& ended)
+{
+    ZTSubscriptionPrivate* next = nullptr;
+    for (ZTSubscriptionPrivate* record = subscriber.senders; record; record = next) {
+        next = record->next;
+        if (record->matches(pattern))
+            ended.push_back(takeOut(*record));
+    }
+}
+} // namespace
+
+bool ZTBasePrivate::removeSubscriptions(const ZTSubscriptionPrivate& pattern)
+{
+    std::size_t own = 0;
+    for (const auto& slot : eventSlots)
+        own += slot ? slot->listed : 0;
+    Ended ended;
+    // The shorter of the two lists that hold whatever matches.
+    if (pattern.subscriber && pattern.subscriber->senderCount < own) {
+        takeMatching(*pattern.subscriber, pattern, ended);
+    } else {
+        for (const auto& slot : eventSlots)
+            if (slot)
+                takeMatching(*slot, pattern, ended);
+    }
+    return !ended.empty();
+}
+
+bool ZTBase::unsubscribe(const ZTBase* subscriber) const
+{
+    return unsubscribe(this, nullptr, subscriber, nullptr);
+}
+
+bool ZTBase::unsubscribe(const ZTSubscription& subscription)
+{
+    auto record = subscription.m_record.lock();
+    if (!record || !record->active)
+        return false;
+    // A handler that is owned is this subscription's alone: nothing else can match.
+    if (record->ownedHandler()) {
+        takeOut(*record);
+        return true;
+    }
+    return record->sender->removeSubscriptions(*record);
+}
+
+namespace
+{
+bool removeByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBase* subscriber,
+                     ZTSubscriptionPrivate::Handler handler, bool hasHandler)
+{
+    if (!ZTBasePrivate::of(sender) || (event && !event->isEvent()) || (hasHandler && !subscriber))
+        return false;
+    if (subscriber && !ZTBasePrivate::of(subscriber))
+        return false;
+    ZTSubscriptionPrivate pattern;
+    pattern.sender = ZTBasePrivate::of(sender);
+    pattern.event = event;
+    pattern.subscriber = ZTBasePrivate::of(subscriber);
+    pattern.handler = handler;
+    return pattern.sender->removeSubscriptions(pattern);
+}
+} // namespace
+
+bool ZTBase::unsubscribe(const ZTBase* sender, const ZTMetaInvokable* event,
+                         const ZTBase* subscriber, const ZTMetaInvokable* handler)
+{
+    return removeByPattern(sender, event, subscriber, handler, handler != nullptr);
+}
+
+bool ZTBase::unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
+                             const ZTBase* subscriber, void* key)
+{
+    return removeByPattern(sender, event, subscriber, key, key != nullptr);
+}
+
+void ZTBasePrivate::endReceived()
+{
+    while (senders)
+        takeOut(*senders);
+}
+
+void ZTBasePrivate::endSent()
+{
+    Ended ended;
+    for (const auto& slot : eventSlots) {
+        if (!slot)
+            continue;
+        while (slot->dispatching)
+            slot->dispatching = slot->dispatching->senderDied();
+        for (auto& entry : slot->subscriptions) {
+            if (!entry)
+                continue;
+            unlinkFromSubscriber(*entry);
+            entry->active = false;
+            ended.push_back(std::move(entry));
+        }
+        slot->subscriptions.clear();
+        slot->listed = 0;
+    }
+}

@@ -1,0 +1,365 @@
+#pragma once
+
+#include <zintar/detail/handlers.h>
+#include <zintar/export.h>
+#include <zintar/fwd.h>
+#include <zintar/metaclass.h>
+#include <zintar/subscription.h>
+#include <zintar/typedvalue.h>
+#include <zintar/variant.h>
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zt::detail
+{
+class ClassTable;
+struct ClassAccess;
+
+/// Boxes the arguments of a typed event for the handlers that take variants.
+using PackFunction = void (*)(void* const* arguments, ZTArgumentArray& packed);
+
+template <auto Event, class Params>
+struct TypedEvent;
+
+/// Logs that a member function that was to be subscribed to is no invokable of its class.
+ZT_EXPORT void warnUnknownEvent(const ZTMetaClass& metaClass);
+} // namespace zt::detail
+
+/// The root of every object that the library reflects.
+///
+/// An object has a parent that deletes it, named properties, events that others can subscribe to,
+/// and a class that tells all of it at run time. Derive from it, or from `ZTDynamicBase` for an
+/// object whose class is chosen at run time, and declare the class with `declare.h`:
+///
+///     class Lamp : public ZTBase {
+///         ZT_OBJECT(Lamp, ZTBase)
+///     ...
+///
+///     auto* lamp = new Lamp(&room);        // the room deletes it
+///     lamp->setProperty("on", true);
+///     ZTBase::subscribe(lamp, &Lamp::switched, &journal, &Journal::note);
+///
+/// `ZTBase` must be the first of an object's bases that has virtual functions, and is not to be
+/// inherited virtually.
+///
+/// Moving hands over everything that an object is: its place in the tree, its children,
+/// subscriptions in both directions, references to it. The moved-from object can only be destroyed
+/// or assigned to. Objects are not copied.
+///
+/// Threads: an object, its tree and whatever is subscribed to it belong to one thread at a time.
+struct ZT_EXPORT ZTBase {
+public:
+    /// @param parent  takes the object as its child, as `setParent` does; null for a root object
+    explicit ZTBase(ZTBase* parent = nullptr);
+    ZTBase(ZTBase&& other) noexcept;
+    /// The object becomes what `other` was. Its children are destroyed and it leaves its parent;
+    /// `destroyed` is not sent.
+    ZTBase& operator=(ZTBase&& other);
+
+    [[nodiscard]] virtual const ZTMetaClass* metaClass() const;
+    /// Sends `destroyed`, ends all subscriptions, leaves the parent, and deletes the children from
+    /// first to last. A handler that throws meanwhile ends the process.
+    virtual ~ZTBase();
+
+    [[nodiscard]] static const ZTMetaClass& typeMetaClass();
+
+    /// Moves the object to the end of the children of another parent, which deletes it from then
+    /// on; null makes it a root object that nobody deletes.
+    ///
+    /// `childRemoved` of the old parent comes first, then `childAdded` of the new one. A call on
+    /// the same object from a handler of that `childRemoved` does nothing: the outer call's
+    /// parent stands. An object as its own parent is refused with an error line.
+    void setParent(ZTBase* parent);
+    /// The children in the order of their joining. Good as long as the object; shows later
+    /// changes. While the object is being destroyed, a child that is gone reads null.
+    [[nodiscard]] const std::vector<ZTBase*>& children() const;
+
+    /// The value of a property of the class, or else of a dynamic property of this object; an
+    /// invalid variant when there is none. Logs nothing.
+    [[nodiscard]] ZTVariant property(std::string_view name) const;
+    /// The same as a `T`; a default value, with a warning, where it is none.
+    template <class T>
+    [[nodiscard]] T property(std::string_view name) const
+    {
+        return ztVariantValue<T>(property(name));
+    }
+
+    /// Sets a property of the class, or else a dynamic property of this object.
+    ///
+    /// Nothing is converted on the way; what a setter cannot take is told in the log and leaves
+    /// the property as it was. A property that the class declares without a setter stays
+    /// unchanged and still answers true. A dynamic property that changes sends
+    /// `dynamicPropertyChanged`.
+    /// @param createDynamic  store the value under a name that the class does not know; also
+    ///                       needed to write an existing dynamic property
+    /// @return false when the class does not know the name and `createDynamic` is false
+    bool setProperty(std::string_view name, const ZTVariant& value, bool createDynamic = false);
+    template <zt::detail::VariantValue T>
+    bool setProperty(std::string_view name, T&& value, bool createDynamic = false)
+    {
+        return setProperty(name, ZTVariant(std::forward<T>(value)), createDynamic);
+    }
+    /// The names of the dynamic properties, in no order. The views stay good as long as the object.
+    [[nodiscard]] std::vector<std::string_view> dynamicProperties() const;
+
+    // Events. Each of these raises the event of its name on this object.
+    /// Sent by the destructor, when the object is a plain `ZTBase` already.
+    void destroyed(ZTBase* object);
+    void dynamicPropertyChanged(const std::string& name, const ZTVariant& value);
+    void childAdded(ZTBase* child);
+    void childRemoved(ZTBase* child);
+
+    [[nodiscard]] bool isBlockingSentEvents() const;
+    [[nodiscard]] bool isBlockingReceivedEvents() const;
+
+    /// Subscribes an invokable of the subscriber to an event of the sender.
+    ///
+    /// The handler's parameters must be the event's leading ones, type by type. The subscription
+    /// ends with either object. What is subscribed while the event is being delivered takes part
+    /// from the next send on.
+    /// @return an empty handle when it is refused; mismatches are told in the log, a null sender
+    ///         or event, or an event that is a method, are not
+    /// Cost: does not depend on how many others are subscribed.
+    static ZTSubscription subscribe(const ZTBase* sender, const ZTMetaInvokable* event,
+                                    const ZTBase* subscriber, const ZTMetaInvokable* handler);
+
+    /// The same with a member function as the event, or with a member function of the receiver or
+    /// a callable as the handler:
+    ///
+    ///     ZTBase::subscribe(lamp, &Lamp::switched, journal, &Journal::note);
+    ///     ZTBase::subscribe(lamp, &Lamp::switched, journal, [=](bool on) { ... });
+    ///
+    /// A callable lives until the subscription ends, so at most as long as the receiver. Whatever
+    /// the compiler can see to be wrong does not compile.
+    template <class Sender, class Event, class Receiver, class Handler>
+        requires(!(zt::detail::isInvokablePointer<Event> &&
+                   zt::detail::isInvokablePointer<Handler>))
+    static ZTSubscription subscribe(Sender* sender, Event event, Receiver* receiver,
+                                    Handler handler)
+    {
+        static_assert(std::is_base_of_v<ZTBase, Receiver>, "The receiver must be an object.");
+        const ZTMetaInvokable* descriptor = eventOf(sender, event);
+        if constexpr (zt::detail::isInvokablePointer<Handler>)
+            return subscribe(sender, descriptor, receiver, handler);
+        else
+            return subscribeImpl(sender, descriptor, receiver,
+                                 zt::detail::makeHandler<Receiver, EventParams<Event>>(handler));
+    }
+
+    /// Subscribes a function, or a callable without captures, that no object's life bounds.
+    template <class Sender, class Event, class Handler>
+        requires(std::is_empty_v<Handler> || std::is_pointer_v<Handler>)
+    static ZTSubscription subscribe(Sender* sender, Event event, Handler handler)
+    {
+        return subscribeImpl(sender, eventOf(sender, event), nullptr,
+                             zt::detail::makeHandler<ZTBase, EventParams<Event>>(handler));
+    }
+    /// A callable with captures and without a receiver: what it captured is safe only as long as
+    /// somebody holds the result.
+    template <class Sender, class Event, class Handler>
+        requires(!std::is_empty_v<Handler> && !std::is_pointer_v<Handler> &&
+                 !std::is_member_pointer_v<Handler>)
+    static ZTScopedSubscription subscribe(Sender* sender, Event event, Handler handler)
+    {
+        return ZTScopedSubscription(
+            subscribeImpl(sender, eventOf(sender, event), nullptr,
+                          zt::detail::makeHandler<ZTBase, EventParams<Event>>(std::move(handler))));
+    }
+
+    // Unsubscribing. Each form ends every subscription that fits, at once, also while the event is
+    // being delivered: what is ended is not called any more. Each answers whether anything ended,
+    // and logs nothing. Cost: what ends, not what the sender has.
+
+    /// Everything that `subscriber` has on this object; null means everybody.
+    bool unsubscribe(const ZTBase* subscriber) const;
+    /// The subscription of the handle, and with it every other one of the same invokable by the
+    /// same subscriber to the same event.
+    static bool unsubscribe(const ZTSubscription& subscription);
+    /// Null for the event, the subscriber or the handler means any. A handler without a subscriber
+    /// ends nothing.
+    static bool unsubscribe(const ZTBase* sender, const ZTMetaInvokable* event,
+                            const ZTBase* subscriber, const ZTMetaInvokable* handler);
+    /// The same with member functions. A callable cannot be found again by its value: end its
+    /// subscription through the handle.
+    template <class Sender, class Event, class Handler>
+        requires(!(zt::detail::isInvokablePointer<Event> || std::is_null_pointer_v<Event>) ||
+                 zt::detail::isMemberPointer<Handler>)
+    static bool unsubscribe(Sender* sender, Event event, const ZTBase* receiver, Handler handler)
+    {
+        const ZTMetaInvokable* descriptor = nullptr;
+        if constexpr (!std::is_null_pointer_v<Event>) {
+            descriptor = eventOf(sender, event);
+            if (!descriptor)
+                return false;
+        }
+        if constexpr (zt::detail::isInvokablePointer<Handler> || std::is_null_pointer_v<Handler>) {
+            return unsubscribe(sender, descriptor, receiver, handler);
+        } else {
+            static_assert(zt::detail::isMemberPointer<Handler> || std::is_pointer_v<Handler>,
+                          "A callable cannot be found by its value: keep the ZTSubscription and "
+                          "end it through that.");
+            zt::detail::HandlerKey key{typeid(Handler), &handler};
+            return unsubscribeImpl(sender, descriptor, receiver, &key);
+        }
+    }
+
+protected:
+    /// Raises the event with that class-wide index, with its values in the leading elements.
+    ///
+    /// The receivers are called in the order of their subscribing, on this thread. An index that
+    /// the class does not have is told in the log, and nothing is delivered. What a handler throws
+    /// passes through; the receivers behind it are not called.
+    void sendEvent(int index, const ZTArgumentArray& arguments) const;
+
+    /// Raises `Event`, a member function of the class that is declared as an event:
+    ///
+    ///     void targetChanged(double celsius) { sendEvent<&Self::targetChanged>(celsius); }
+    ///
+    /// The values are copied once, and only when somebody listens.
+    template <auto Event, class... Arguments>
+    void sendEvent(Arguments&&... arguments) const
+    {
+        using Traits = zt::detail::MemberTraits<decltype(Event)>;
+        zt::detail::TypedEvent<Event, typename Traits::Params>::send(
+            *this, std::forward<Arguments>(arguments)...);
+    }
+
+    // The event that is being delivered to this object: for handlers. Outside of a delivery null,
+    // -1 and null; the sender is null as well when it has died meanwhile.
+    [[nodiscard]] const ZTMetaInvokable* activeEvent() const;
+    [[nodiscard]] int activeEventIndex() const;
+    [[nodiscard]] ZTBase* eventSender() const;
+
+private:
+    friend struct ZTBasePrivate;
+    friend struct zt::detail::ClassAccess;
+    template <auto Event, class Params>
+    friend struct zt::detail::TypedEvent;
+
+    template <class Event>
+    static auto eventParameters()
+    {
+        if constexpr (zt::detail::isMemberPointer<Event>)
+            return typename zt::detail::MemberTraits<Event>::Params{};
+        else
+            return zt::detail::UnknownParameters{};
+    }
+    template <class Event>
+    using EventParams = decltype(eventParameters<Event>());
+
+    template <class Sender, class Event>
+    static const ZTMetaInvokable* eventOf(Sender*, Event event)
+    {
+        static_assert(std::is_base_of_v<ZTBase, Sender>, "The sender must be an object.");
+        if constexpr (zt::detail::isMemberPointer<Event>) {
+            using Class = typename zt::detail::MemberTraits<Event>::Class;
+            static_assert(std::is_base_of_v<Class, Sender>,
+                          "The event is a member function of another class than the sender's.");
+            const ZTMetaInvokable* found = Class::typeMetaClass().invokable(&event);
+            if (!found)
+                zt::detail::warnUnknownEvent(Class::typeMetaClass());
+            return found;
+        } else {
+            static_assert(zt::detail::isInvokablePointer<Event>,
+                          "An event is given as a member function or as a descriptor.");
+            return event;
+        }
+    }
+
+    static ZTSubscription subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
+                                        const ZTBase* subscriber,
+                                        zt::detail::ZTHandlerBase* handler);
+    static bool unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
+                                const ZTBase* subscriber, void* key);
+
+    /// Whether a send of that event would reach anybody; reports an index out of range.
+    [[nodiscard]] bool isHeard(int index) const;
+    void sendValues(int index, void** values, zt::detail::PackFunction pack) const;
+
+    static zt::detail::ClassTable& ztTable();
+
+    ZTBasePrivate* priv;
+};
+
+/// Prints the address.
+ZT_EXPORT std::ostream& operator<<(std::ostream& stream, const ZTBase* object);
+
+namespace zt::detail
+{
+/// One declared event, with its index and the way to send it from typed values.
+template <auto Event, class... P>
+struct TypedEvent<Event, Parameters<P...>> {
+    static_assert(sizeof...(P) <= maxParamCount,
+                  "An event carries at most ZTMetaInvokable::MaxParamCount parameters.");
+
+    static int index()
+    {
+        using Class = typename MemberTraits<decltype(Event)>::Class;
+        static const int found = find(Class::typeMetaClass());
+        return found;
+    }
+
+    template <class... Arguments>
+    static void send(const ZTBase& sender, Arguments&&... arguments)
+    {
+        static_assert(sizeof...(Arguments) == sizeof...(P),
+                      "sendEvent takes the parameters of the event, no more and no fewer.");
+        if constexpr (sizeof...(Arguments) == sizeof...(P)) {
+            static_assert((std::is_convertible_v<Arguments, Held<P>> && ...),
+                          "sendEvent takes what converts to the parameters of the event.");
+            int event = index();
+            if (!sender.isHeard(event))
+                return;
+            // Copies: a handler may change what the arguments refer to.
+            std::tuple<Held<P>...> values(hold<P>(std::forward<Arguments>(arguments))...);
+            std::apply(
+                [&](auto&... value) {
+                    void* addresses[maxParamCount] = {&value...};
+                    sender.sendValues(event, addresses, &pack);
+                },
+                values);
+        }
+    }
+
+private:
+    static int find(const ZTMetaClass& metaClass)
+    {
+        int byFunction = metaClass.indexOfInvokable(memberKey<Event>());
+        // A plugin may have a copy of an inline member at another address.
+        return byFunction >= 0
+                   ? byFunction
+                   : metaClass.template indexOfInvokable<void(P...)>(valueName<Event>());
+    }
+
+    template <class Parameter, class Argument>
+    static Held<Parameter> hold(Argument&& argument)
+    {
+        if constexpr (std::is_pointer_v<std::decay_t<Argument>> &&
+                      std::is_same_v<Held<Parameter>, std::string>) {
+            const char* text = argument;
+            return text ? text : "";
+        } else {
+            return static_cast<Held<Parameter>>(std::forward<Argument>(argument));
+        }
+    }
+
+    static void pack(void* const* values, ZTArgumentArray& packed)
+    {
+        std::size_t i = 0;
+        ((packed[i] = boxed<Held<P>>(values[i]), ++i), ...);
+        (void)values;
+        (void)packed;
+        (void)i;
+    }
+
+    template <class Value>
+    static ZTVariant boxed(const void* value)
+    {
+        return ZTVariant(*static_cast<const Value*>(value));
+    }
+};
+} // namespace zt::detail

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <zintar/base.h>
+#include <zintar/detail/members.h>
+#include <zintar/dynamicbase.h>
+
+/// @file
+/// The kit for declaring classes: one line in the class, one list of its members, one line in the
+/// file that implements it.
+///
+///     // thermostat.h
+///     class Thermostat : public ZTBase {
+///         ZT_OBJECT(Thermostat, ZTBase)
+///     public:
+///         double target() const;
+///         void setTarget(double celsius);
+///         bool boost(int minutes, double level);
+///         void targetChanged(double celsius) { sendEvent<&Self::targetChanged>(celsius); }
+///         enum class Mode { Off, Heat, Cool };
+///
+///     private:
+///         static constexpr auto members()
+///         {
+///             return zt::members(
+///                 zt::info("category", "climate"),
+///                 zt::enumeration<Mode>(zt::enumerators<Mode::Off, Mode::Heat, Mode::Cool>),
+///                 zt::event<&Self::targetChanged>(),
+///                 zt::property<&Self::target, &Self::setTarget>()
+///                     .notify<&Self::targetChanged>()
+///                     .info("unit", "celsius"),
+///                 zt::method<&Self::boost>());
+///         }
+///     };
+///
+///     // thermostat.cpp
+///     ZT_CLASS(Thermostat)
+///
+/// Names come from the members; `.as("name")` gives another, for overloads or where stored data
+/// must survive a rename. Private members may be listed, and data members may be properties.
+/// Overloads are told apart by a cast. A class that lists nothing returns `zt::members()`.
+
+#if defined(__clang__)
+#    define ZT_DETAIL_NO_OVERRIDE_WARNING                                                          \
+        _Pragma("clang diagnostic ignored \"-Winconsistent-missing-override\"")                    \
+            _Pragma("clang diagnostic ignored \"-Wsuggest-override\"")
+#else
+#    define ZT_DETAIL_NO_OVERRIDE_WARNING _Pragma("GCC diagnostic ignored \"-Wsuggest-override\"")
+#endif
+
+/// The first line of an object class: `ZT_OBJECT(Thermostat, ZTBase)`. It names the class `Self`
+/// and declares its descriptor; what follows is private, as in a class that starts without it.
+// Without `override`: below ZTDynamicBase it is baseMetaClass() that overrides, elsewhere it is
+// not.
+#define ZT_OBJECT(Class, Super)                                                                    \
+public:                                                                                            \
+    using Self = Class;                                                                            \
+    using ZtSuper = Super;                                                                         \
+    static_assert(::zt::detail::isObjectClass<Super>,                                              \
+                  "ZT_OBJECT: the super class of an object class must be ZTBase or derived from "  \
+                  "it.");                                                                          \
+    _Pragma("GCC diagnostic push") ZT_DETAIL_NO_OVERRIDE_WARNING [[nodiscard]] const ZTMetaClass*  \
+    metaClass() const;                                                                             \
+    [[nodiscard]] const ZTMetaClass* baseMetaClass() const;                                        \
+    _Pragma("GCC diagnostic pop") [[nodiscard]] static const ZTMetaClass& typeMetaClass();         \
+                                                                                                   \
+private:                                                                                           \
+    friend struct ::zt::detail::ClassAccess;                                                       \
+    static ::zt::detail::ClassTable& ztTable();
+
+#define ZT_DETAIL_JOIN(a, b) a##b
+#define ZT_DETAIL_UNIQUE(name, number) ZT_DETAIL_JOIN(name, number)
+
+/// Defines the descriptor of a class, once, in the file that implements the class; outside of any
+/// namespace, with the qualified name. The class and its pointer types are registered when that
+/// file's program or plugin is loaded. A plugin that declares classes stays loaded for the life of
+/// the process.
+#define ZT_CLASS(Class)                                                                            \
+    ::zt::detail::ClassTable& Class::ztTable() { return ::zt::detail::declaredTable<Class>(); }    \
+    const ZTMetaClass& Class::typeMetaClass() { return ztTable().complete(); }                     \
+    const ZTMetaClass* Class::metaClass() const { return ::zt::detail::classOfObject(*this); }     \
+    const ZTMetaClass* Class::baseMetaClass() const { return &typeMetaClass(); }                   \
+    [[maybe_unused]] static const bool ZT_DETAIL_UNIQUE(ztClassIsReady, __COUNTER__) =             \
+        Class::typeMetaClass().isDynamic();

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <zintar/detail/signature.h>
+#include <zintar/staticmetaclass.h>
+
+#include <cstddef>
+#include <string_view>
+#include <typeindex>
+#include <vector>
+
+/// @file
+/// The table of a declared class, made from the list of its members. The list is constant data;
+/// everything that works on it is compiled once, in the library.
+
+namespace zt::detail
+{
+enum class MemberKind : unsigned char { Info, Enumeration, Property, Method, Event };
+
+/// A key and a value, as constant data.
+struct InfoText {
+    std::string_view key;
+    std::string_view value;
+};
+
+/// One member as the class declares it. What does not apply to its kind is empty.
+struct MemberSpec {
+    MemberKind kind = MemberKind::Info;
+    std::string_view name;  ///< the key of an annotation
+    std::string_view value; ///< of an annotation
+    /// The variable that holds the pointer to the member; tells members apart.
+    const void* key = nullptr;
+
+    // Enumerations.
+    const std::string_view* enumerators = nullptr;
+    const int* values = nullptr;
+    unsigned int count = 0; ///< of enumerators, annotations of a property, or parameters
+
+    // Properties.
+    ZTStaticMetaPropertyData::Getter getter = nullptr;
+    ZTStaticMetaPropertyData::Setter setter = nullptr;
+    const void* changeEvent = nullptr; ///< the key of the event
+    bool changeEventIsOwn = false;
+    std::size_t firstInfo = 0; ///< where its annotations begin in the list's texts
+
+    // Properties and invokables.
+    TypeGetter type = nullptr; ///< of the property, or of the result
+    const TypeGetter* parameterTypes = nullptr;
+    std::type_index (*signature)() = nullptr;
+    ZTStaticMetaInvokableData::Function function = nullptr;
+    ZTAccessSpecifier access = ZTAccessSpecifier::Public;
+    bool isConst = false;
+};
+
+/// What a class table is made from.
+struct ClassSpec {
+    std::string_view typeName;
+    const MemberSpec* members = nullptr;
+    std::size_t memberCount = 0;
+    const InfoText* infos = nullptr;
+    /// The super class, of which at least the counts are final; null for the root.
+    const ZTMetaClass& (*linkedSuperClass)() = nullptr;
+    /// The super class with everything in place; null for the root.
+    const ZTMetaClass& (*superClass)() = nullptr;
+    /// Registers the types of pointers to the class and gives the one without `const`.
+    const ZTMetaType& (*registerPointers)(const ZTMetaClass* metaClass) = nullptr;
+};
+
+/// The table of a declared class and its descriptor. It becomes complete in two steps, because
+/// classes name each other in the types of their members, in any order and in circles:
+///
+/// 1. `link` needs the super class's counts alone and registers the pointer types of the class.
+/// 2. `complete` fills in the types of the members, which may complete other classes on the way;
+///    one that comes back here finds a class that is linked.
+class ZT_EXPORT ClassTable : private ZTStaticMetaClassData
+{
+public:
+    explicit ClassTable(const ClassSpec& spec);
+    ClassTable(const ClassTable&) = delete;
+    ClassTable& operator=(const ClassTable&) = delete;
+    ~ClassTable();
+
+    const ZTMetaClass& link();
+    const ZTMetaClass& complete()
+    {
+        if (!m_typed)
+            fillTypes();
+        return *m_descriptor;
+    }
+
+private:
+    void fillTypes();
+    void addMembers();
+    void linkChangeEvents();
+
+    static const ClassTable& of(const ZTMetaClass* self);
+    static int positionByFunction(const ZTMetaClass* self, void* function);
+    static int positionBySignature(const ZTMetaClass* self, std::string_view name, bool isConst,
+                                   const std::type_index& signature);
+
+    ClassSpec m_spec;
+    bool m_linked = false;
+    bool m_typed = false;
+
+    std::vector<ZTStaticMetaClassInfoData> m_classInfos;
+    std::vector<ZTStaticMetaEnumData> m_enums;
+    std::vector<ZTStaticMetaPropertyData> m_properties;
+    std::vector<ZTStaticMetaInvokableData> m_invokables;
+    std::vector<ZTPropertyInfo> m_propertyInfos;
+    std::vector<const ZTMetaType*> m_parameterTypes;
+
+    // The specs of properties and invokables, in the order of the records.
+    std::vector<const MemberSpec*> m_propertySpecs;
+    std::vector<const MemberSpec*> m_invokableSpecs;
+
+    // What the class data points to.
+    std::vector<const ZTStaticMetaClassInfoData*> m_classInfoList;
+    std::vector<const ZTStaticMetaEnumData*> m_enumList;
+    std::vector<const ZTStaticMetaPropertyData*> m_propertyList;
+    std::vector<const ZTStaticMetaInvokableData*> m_invokableList;
+
+    std::unique_ptr<ZTMetaClass> m_descriptor;
+};
+} // namespace zt::detail

@@ -1,0 +1,229 @@
+#pragma once
+
+#include <zintar/detail/signature.h>
+#include <zintar/subscription.h>
+
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+
+/// @file
+/// The handlers that the subscribe templates make: a member function on its receiver, or a
+/// callable.
+///
+/// 1. A handler is deleted by the library when its subscription ends, which the handler itself may
+///    bring about while it runs.
+/// 2. What it called stays alive until the call returns: the deletion of a running handler is put
+///    off to the end of the outermost call.
+
+namespace zt::detail
+{
+/// Denotes a handler in an unsubscribe: the type of a function pointer, and one of that type.
+struct HandlerKey {
+    const std::type_info& type;
+    const void* function;
+};
+
+/// A handler that knows its parameters from a table, and can be deleted while it runs.
+struct ZT_EXPORT DescribedHandler : ZTHandlerBase {
+    DescribedHandler(std::string_view name, unsigned int count, const TypeGetter* types) noexcept
+        : m_name(name), m_types(types), m_count(count)
+    {}
+    /// Puts the deletion of a running handler off.
+    void operator delete(DescribedHandler* handler, std::destroying_delete_t);
+
+    [[nodiscard]] std::string_view typeName() const final;
+    [[nodiscard]] unsigned int parameterCount() const final;
+    [[nodiscard]] const ZTMetaType& parameterMetaType(unsigned int index) const final;
+
+protected:
+    /// Marks the handler as running.
+    class Call
+    {
+    public:
+        explicit Call(DescribedHandler& handler) noexcept : m_handler(handler)
+        {
+            ++handler.m_running;
+        }
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+        ~Call()
+        {
+            if (--m_handler.m_running == 0 && m_handler.m_deleted)
+                delete &m_handler;
+        }
+
+    private:
+        DescribedHandler& m_handler;
+    };
+
+private:
+    std::string_view m_name;
+    const TypeGetter* m_types;
+    unsigned int m_count;
+    unsigned int m_running = 0;
+    bool m_deleted = false;
+};
+
+/// What a handler gets where the sender gave no fitting value.
+template <class T>
+const T& defaultValue()
+{
+    static const T value{};
+    return value;
+}
+
+template <class P>
+const Held<P>& argumentAt(void* address)
+{
+    if constexpr (std::is_default_constructible_v<Held<P>>)
+        return address ? *static_cast<const Held<P>*>(address) : defaultValue<Held<P>>();
+    else
+        return *static_cast<const Held<P>*>(address);
+}
+
+/// Calls `call` with the arguments at the addresses. Without a value for a parameter that has no
+/// default there is no call.
+template <class Call, class... P, std::size_t... I>
+void callWith(const Call& call, void** arguments, Parameters<P...>, std::index_sequence<I...>)
+{
+    bool complete = ((std::is_default_constructible_v<Held<P>> || arguments[I]) && ...);
+    if (complete)
+        call(passAs<P>(argumentAt<P>(arguments[I]))...);
+}
+
+template <class Receiver, class Method>
+class MemberHandler final : public DescribedHandler
+{
+    using Params = typename MemberTraits<Method>::Params;
+
+public:
+    explicit MemberHandler(Method method) noexcept
+        : DescribedHandler(ztTypeName<Method>(), Params::count, Params::types), m_method(method)
+    {}
+    bool isMemberFunction() const override { return true; }
+    bool isComparable() const override { return true; }
+    bool equals(void* key) const override
+    {
+        const auto* other = static_cast<const HandlerKey*>(key);
+        return other->type == typeid(Method) &&
+               *static_cast<const Method*>(other->function) == m_method;
+    }
+    void invoke(const ZTBase* subscriber, void*, void** arguments) override
+    {
+        // Nothing of the handler is used behind the call, so it may be deleted meanwhile.
+        Method method = m_method;
+        auto* receiver = static_cast<Receiver*>(const_cast<ZTBase*>(subscriber));
+        callWith([&](const auto&... values) { (receiver->*method)(values...); }, arguments,
+                 Params{}, std::make_index_sequence<Params::count>());
+    }
+
+private:
+    Method m_method;
+};
+
+template <class Callable, class Params>
+class CallableHandler final : public DescribedHandler
+{
+public:
+    explicit CallableHandler(Callable callable)
+        : DescribedHandler(ztTypeName<Callable>(), Params::count, Params::types),
+          m_callable(std::move(callable))
+    {}
+    bool isMemberFunction() const override { return false; }
+    bool isComparable() const override { return std::is_pointer_v<Callable>; }
+    bool equals(void* key) const override
+    {
+        if constexpr (std::is_pointer_v<Callable>) {
+            const auto* other = static_cast<const HandlerKey*>(key);
+            return other->type == typeid(Callable) &&
+                   *static_cast<const Callable*>(other->function) == m_callable;
+        } else {
+            (void)key;
+            return false;
+        }
+    }
+    void invoke(const ZTBase*, void*, void** arguments) override
+    {
+        Call running(*this);
+        callWith([&](const auto&... values) { m_callable(values...); }, arguments, Params{},
+                 std::make_index_sequence<Params::count>());
+    }
+
+private:
+    Callable m_callable;
+};
+
+template <class F>
+inline constexpr bool isMemberPointer = std::is_member_function_pointer_v<F>;
+
+template <class F>
+inline constexpr bool isInvokablePointer =
+    std::is_pointer_v<F>&& std::is_convertible_v<F, const ZTMetaInvokable*>;
+
+/// A callable whose call operator is a template or an overload takes as many of the event's
+/// parameters as it can.
+template <class F, class... Taken>
+struct LeadingParameters;
+template <class F, class... Taken>
+struct LeadingParameters<F, Parameters<Taken...>, Parameters<>> {
+    using type = std::conditional_t<std::is_invocable_v<F&, const Held<Taken>&...>,
+                                    Parameters<Taken...>, void>;
+};
+template <class F, class... Taken, class Next, class... Rest>
+struct LeadingParameters<F, Parameters<Taken...>, Parameters<Next, Rest...>> {
+    using Longer =
+        typename LeadingParameters<F, Parameters<Taken..., Next>, Parameters<Rest...>>::type;
+    using type =
+        std::conditional_t<!std::is_void_v<Longer>, Longer,
+                           std::conditional_t<std::is_invocable_v<F&, const Held<Taken>&...>,
+                                              Parameters<Taken...>, void>>;
+};
+
+/// Stands for the parameters of an event that is known at run time only.
+struct UnknownParameters {};
+
+template <class F, class EventParams>
+constexpr auto handlerParameters()
+{
+    if constexpr (isMemberPointer<F>) {
+        return typename MemberTraits<F>::Params{};
+    } else if constexpr (PlainCallable<F>) {
+        return typename CallableTraits<F>::Params{};
+    } else if constexpr (!std::is_same_v<EventParams, UnknownParameters>) {
+        using Leading = typename LeadingParameters<F, Parameters<>, EventParams>::type;
+        static_assert(!std::is_void_v<Leading>,
+                      "A handler takes the leading parameters of the event, of the same types.");
+        return Leading{};
+    } else {
+        static_assert(PlainCallable<F>,
+                      "The parameters of a generic callable cannot be known for an event that is "
+                      "given by its descriptor: write them out.");
+    }
+}
+
+/// Makes the handler for what a host wrote, with the mistakes that the compiler can see told in
+/// one sentence each.
+template <class Receiver, class EventParams, class F>
+ZTHandlerBase* makeHandler(F handler)
+{
+    using Params = decltype(handlerParameters<F, EventParams>());
+    static_assert(Params::plain, "The parameters of a handler are values or references to const.");
+    if constexpr (!std::is_same_v<EventParams, UnknownParameters>)
+        static_assert(Params::lead(EventParams{}),
+                      "A handler takes the leading parameters of the event, of the same types.");
+    if constexpr (isMemberPointer<F>) {
+        static_assert(std::is_base_of_v<typename MemberTraits<F>::Class, Receiver>,
+                      "The handler is a member function of another class than the receiver's.");
+        return handler ? new MemberHandler<Receiver, F>(handler) : nullptr;
+    } else {
+        if constexpr (std::is_pointer_v<F>)
+            if (!handler)
+                return nullptr;
+        return new CallableHandler<F, Params>(std::move(handler));
+    }
+}
+} // namespace zt::detail

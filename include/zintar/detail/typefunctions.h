@@ -1,0 +1,249 @@
+#pragma once
+
+#include <zintar/datastream.h>
+#include <zintar/metatype.h>
+
+#include <concepts>
+#include <cstdint>
+#include <functional>
+#include <ostream>
+#include <type_traits>
+#include <utility>
+
+/// @file
+/// What the library can do with values of a C++ type, turned into the functions of a meta type.
+/// A function that the type cannot have is a null pointer.
+
+namespace zt::detail
+{
+template <class T>
+concept Complete = requires
+{
+    sizeof(T);
+};
+
+template <class T>
+concept HasElements = requires
+{
+    typename T::value_type;
+}
+&&!std::same_as<std::remove_cvref_t<typename T::value_type>, T>;
+
+template <class T>
+concept IsPair = requires
+{
+    typename T::first_type;
+    typename T::second_type;
+};
+
+/// Whether `Test` holds for `T` and for what it contains. The standard containers answer for
+/// themselves alone: a vector claims to be comparable and to be copyable whatever is in it.
+template <template <class> class Test, class T>
+constexpr bool holdsThroughout()
+{
+    if constexpr (!Test<T>::value)
+        return false;
+    else if constexpr (IsPair<T>)
+        return holdsThroughout<Test, std::remove_cv_t<typename T::first_type>>() &&
+               holdsThroughout<Test, std::remove_cv_t<typename T::second_type>>();
+    else if constexpr (HasElements<T>)
+        return holdsThroughout<Test, std::remove_cvref_t<typename T::value_type>>();
+    else
+        return true;
+}
+
+template <class T>
+    struct TestEqual : std::bool_constant < requires(const T& a, const T& b) {
+    {
+        a == b
+        } -> std::convertible_to<bool>;
+} > {};
+template <class T>
+    struct TestLess : std::bool_constant < requires(const T& a, const T& b) {
+    {
+        a < b
+        } -> std::convertible_to<bool>;
+} > {};
+template <class T>
+struct TestCopy : std::is_copy_constructible<T> {};
+
+template <class T>
+inline constexpr bool isCopyable = holdsThroughout<TestCopy, T>();
+
+template <class T>
+inline constexpr bool isDataPointer =
+    std::is_pointer_v<T> && !std::is_function_v<std::remove_pointer_t<T>>;
+
+/// An integer on the stream that has the size and the sign of `T`, an enumeration's type.
+template <class T>
+using StreamInteger = std::conditional_t<
+    sizeof(T) == 1, std::conditional_t<std::is_signed_v<T>, signed char, unsigned char>,
+    std::conditional_t<
+        sizeof(T) == 2, std::conditional_t<std::is_signed_v<T>, short, unsigned short>,
+        std::conditional_t<
+            sizeof(T) == 4, std::conditional_t<std::is_signed_v<T>, int, unsigned int>,
+            std::conditional_t<std::is_signed_v<T>, long long, unsigned long long>>>>;
+
+template <class T>
+concept OwnInsertion = requires(ZTDataStream& stream, const T& value)
+{
+    {
+        stream << value
+        } -> std::convertible_to<ZTDataStream&>;
+};
+template <class T>
+concept OwnExtraction = requires(ZTDataStream& stream, T& value)
+{
+    {
+        stream >> value
+        } -> std::convertible_to<ZTDataStream&>;
+};
+template <class T>
+concept Printable = requires(std::ostream& stream, const T& value)
+{
+    stream << value;
+};
+
+/// The functions of the meta type of `T`, and the blocks in which a variant holds its values.
+template <class T>
+struct TypeFunctions {
+    template <class... Arguments>
+    static void* make(Arguments&&... arguments)
+    {
+        return new T(std::forward<Arguments>(arguments)...);
+    }
+    static void* makeCopy(const void* source) { return make(*static_cast<const T*>(source)); }
+    static void* makeDefault() { return new T(); }
+    static void destroyBlock(void* block) { delete static_cast<T*>(block); }
+
+    static ZTPartialOrdering compareValues(const void* left, const void* right)
+    {
+        const T& a = *static_cast<const T*>(left);
+        const T& b = *static_cast<const T*>(right);
+        if constexpr (isDataPointer<T>) {
+            auto addressA = reinterpret_cast<std::uintptr_t>(a);
+            auto addressB = reinterpret_cast<std::uintptr_t>(b);
+            return addressA == addressB  ? ZTPartialOrdering::Equivalent
+                   : addressA < addressB ? ZTPartialOrdering::Less
+                                         : ZTPartialOrdering::Greater;
+        } else if constexpr (holdsThroughout<TestLess, T>()) {
+            return a == b  ? ZTPartialOrdering::Equivalent
+                   : a < b ? ZTPartialOrdering::Less
+                           : ZTPartialOrdering::Greater;
+        } else {
+            return a == b ? ZTPartialOrdering::Equivalent : ZTPartialOrdering::Unordered;
+        }
+    }
+
+    static void write(ZTDataStream& stream, const void* source)
+    {
+        const T& value = *static_cast<const T*>(source);
+        if constexpr (std::is_pointer_v<T>)
+            stream << (value != nullptr);
+        else if constexpr (std::is_enum_v<T>)
+            stream << static_cast<StreamInteger<std::underlying_type_t<T>>>(value);
+        else
+            stream << value;
+    }
+
+    static void read(ZTDataStream& stream, void* target)
+    {
+        T& value = *static_cast<T*>(target);
+        if constexpr (std::is_enum_v<T>) {
+            auto number = static_cast<StreamInteger<std::underlying_type_t<T>>>(value);
+            stream >> number;
+            value = static_cast<T>(static_cast<std::underlying_type_t<T>>(number));
+        } else {
+            stream >> value;
+        }
+    }
+
+    static void printValue(std::ostream& stream, const void* source)
+    {
+        const T& value = *static_cast<const T*>(source);
+        if constexpr (isDataPointer<T>)
+            stream << static_cast<const void*>(value);
+        else
+            stream << value;
+    }
+
+    static constexpr CreateFunction create()
+    {
+        if constexpr (isCopyable<T>)
+            return &makeCopy;
+        else
+            return nullptr;
+    }
+    static constexpr CreateDefaultFunction createDefault()
+    {
+        if constexpr (std::is_default_constructible_v<T>)
+            return &makeDefault;
+        else
+            return nullptr;
+    }
+    static constexpr DestroyFunction destroy()
+    {
+        if constexpr (std::is_destructible_v<T>)
+            return &destroyBlock;
+        else
+            return nullptr;
+    }
+    static constexpr CompareFunction compare()
+    {
+        if constexpr (holdsThroughout<TestEqual, T>())
+            return &compareValues;
+        else
+            return nullptr;
+    }
+    static constexpr SerializeFunction serialize()
+    {
+        if constexpr (std::is_pointer_v<T> || std::is_enum_v<T> || OwnInsertion<T>)
+            return &write;
+        else
+            return nullptr;
+    }
+    static constexpr DeserializeFunction deserialize()
+    {
+        if constexpr (std::is_pointer_v<T>)
+            return nullptr;
+        else if constexpr (std::is_enum_v<T> || OwnExtraction<T>)
+            return &read;
+        else
+            return nullptr;
+    }
+    static constexpr PrintFunction print()
+    {
+        if constexpr (std::is_pointer_v<T>) {
+            // A descriptor's address says nothing to a reader; a function's would print as true.
+            using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
+            if constexpr (isDataPointer<T> && !std::is_same_v<Pointee, ZTMetaClass> &&
+                          !std::is_volatile_v<std::remove_pointer_t<T>>)
+                return &printValue;
+            else
+                return nullptr;
+        } else if constexpr (Printable<T>) {
+            return &printValue;
+        } else {
+            return nullptr;
+        }
+    }
+};
+
+/// The class that a pointer type points to, for a pointer to an object class; otherwise null.
+template <class T>
+const ZTMetaClass* classOfPointer()
+{
+    if constexpr (std::is_pointer_v<T>) {
+        using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
+        if constexpr (std::is_class_v<Pointee> && !std::is_same_v<Pointee, ZTMetaClass>) {
+            static_assert(Complete<Pointee>,
+                          "The class behind a pointer type must be complete where the type is "
+                          "used as a value: include its header, so that the library can see "
+                          "whether it is an object class.");
+            if constexpr (std::is_base_of_v<ZTBase, Pointee>)
+                return &Pointee::typeMetaClass();
+        }
+    }
+    return nullptr;
+}
+} // namespace zt::detail

@@ -1,0 +1,15 @@
+#pragma once
+
+/// @file
+/// `ZT_EXPORT` marks what crosses the border of the shared library. The library is built with
+/// hidden visibility, so whatever does not bear the mark stays inside.
+
+#if defined(_WIN32)
+#    if defined(ZT_BUILDING_LIBRARY)
+#        define ZT_EXPORT __declspec(dllexport)
+#    else
+#        define ZT_EXPORT __declspec(dllimport)
+#    endif
+#else
+#    define ZT_EXPORT [[gnu::visibility("default")]]
+#endif

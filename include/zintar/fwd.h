@@ -1,0 +1,45 @@
+#pragma once
+
+/// @file
+/// Names every public type and includes next to nothing: enough for a header that only passes
+/// pointers and references on.
+
+enum class ZTLogType : int;
+enum class ZTPartialOrdering : signed char;
+enum class ZTAccessSpecifier : int;
+
+struct ZTNone;
+struct ZTMetaType;
+struct ZTVariant;
+class ZTDataStream;
+
+struct ZTMetaClass;
+struct ZTMetaClassInfo;
+struct ZTMetaEnum;
+struct ZTMetaProperty;
+struct ZTMetaInvokable;
+
+struct ZTStaticMetaClass;
+struct ZTStaticMetaClassInfo;
+struct ZTStaticMetaEnum;
+struct ZTStaticMetaProperty;
+struct ZTStaticMetaInvokable;
+
+struct ZTBase;
+struct ZTDynamicBase;
+class ZTEventBlocker;
+class ZTSubscription;
+class ZTScopedSubscription;
+
+struct ZTBasePrivate;
+struct ZTDynamicBasePrivate;
+struct ZTSubscriptionPrivate;
+
+namespace zt::detail
+{
+struct ZTHandlerBase;
+
+/// The number of arguments that an event or a method can carry;
+/// hosts see it as `ZTMetaInvokable::MaxParamCount`.
+inline constexpr unsigned int maxParamCount = 10;
+} // namespace zt::detail

@@ -1,0 +1,266 @@
+#pragma once
+
+#include <zintar/export.h>
+#include <zintar/fwd.h>
+#include <zintar/variant.h>
+
+#include <string_view>
+#include <type_traits>
+#include <typeindex>
+#include <utility>
+#include <vector>
+
+/// @file
+/// The five descriptors through which the library and its hosts see a class. Two families stand
+/// behind them: static ones read tables that a host declares (`declare.h`), dynamic ones own their
+/// data and are made at run time. `isDynamic()` tells them apart.
+///
+/// Index spaces. A class and its super classes share one index space for each kind of member: the
+/// root's members come first, `...Offset()` is what is inherited, and `...Count()` is cumulative,
+/// so a class's own members run from the offset to the count - 1, and an index means the same
+/// member in every class further down.
+///
+/// Neutral results. A lookup that fails gives null, -1, an empty view, the invalid type or an
+/// invalid variant, and logs nothing. Pointers and views belong to the class: they stay good as
+/// long as it lives.
+///
+/// Threads: immutable once built; reads may run in parallel. `setUserData` is not synchronised.
+
+/// Who may call an invokable. Kept and handed on; the library never branches on it.
+enum class ZTAccessSpecifier : int {
+    Private = 0,
+    Protected = 1,
+    Public = 2,
+};
+
+/// Stands for no class: its name marks a missing super class on a stream.
+struct ZTNone {};
+
+namespace zt::detail
+{
+/// The signature key of an invokable: the identity of a pointer to a function that returns
+/// nothing and takes the parameters as they are declared.
+template <class... Parameters>
+std::type_index signatureKey()
+{
+    return typeid(void (*)(Parameters...));
+}
+
+template <class Signature>
+struct SignatureOf;
+template <class... Parameters>
+struct SignatureOf<void(Parameters...)> {
+    static std::type_index key() { return signatureKey<Parameters...>(); }
+};
+} // namespace zt::detail
+
+/// One key/value annotation of a class.
+struct ZT_EXPORT ZTMetaClassInfo {
+public:
+    ZTMetaClassInfo(const ZTMetaClassInfo&) noexcept {}
+    ZTMetaClassInfo& operator=(const ZTMetaClassInfo&) noexcept { return *this; }
+    virtual ~ZTMetaClassInfo();
+    [[nodiscard]] virtual std::string_view key() const;
+    [[nodiscard]] virtual std::string_view value() const;
+
+    /// False when the key or the value was never set; an empty text counts as set.
+    [[nodiscard]] explicit operator bool() const;
+
+private:
+    friend struct ZTStaticMetaClassInfo;
+    friend struct ZTDynamicMetaClassInfo;
+    ZTMetaClassInfo() noexcept {}
+};
+
+/// An enumeration that a class declares.
+struct ZT_EXPORT ZTMetaEnum {
+public:
+    ZTMetaEnum(const ZTMetaEnum&) noexcept {}
+    ZTMetaEnum& operator=(const ZTMetaEnum&) noexcept { return *this; }
+    virtual ~ZTMetaEnum();
+    [[nodiscard]] virtual std::string_view name() const;
+    [[nodiscard]] virtual unsigned int count() const;
+    [[nodiscard]] virtual std::string_view enumerator(unsigned int index) const;
+    /// -1 for an index out of range, which an enumerator may be as well: compare with `count()`.
+    [[nodiscard]] virtual int value(unsigned int index) const;
+
+    [[nodiscard]] explicit operator bool() const;
+
+private:
+    friend struct ZTStaticMetaEnum;
+    friend struct ZTDynamicMetaEnum;
+    ZTMetaEnum() noexcept {}
+};
+
+/// A property of a class.
+struct ZT_EXPORT ZTMetaProperty {
+public:
+    ZTMetaProperty(const ZTMetaProperty&) noexcept {}
+    ZTMetaProperty& operator=(const ZTMetaProperty&) noexcept { return *this; }
+    virtual ~ZTMetaProperty();
+    [[nodiscard]] virtual std::string_view name() const;
+    [[nodiscard]] virtual const ZTMetaType& metaType() const;
+    /// The class-wide index of the event that announces a change; -1 when there is none.
+    [[nodiscard]] virtual int changeEventIndex() const;
+    [[nodiscard]] virtual const ZTMetaInvokable* changeEvent() const;
+    [[nodiscard]] virtual bool canGet() const;
+    [[nodiscard]] virtual bool canSet() const;
+    [[nodiscard]] virtual unsigned int propInfoCount() const;
+    [[nodiscard]] virtual std::string_view propInfoKey(unsigned int index) const;
+    [[nodiscard]] virtual std::string_view propInfoValue(unsigned int index) const;
+    /// @param object  holds a pointer to the object
+    /// @return an invalid variant when the property has no getter
+    [[nodiscard]] virtual ZTVariant get(const ZTVariant& object) const;
+    virtual ZTVariant set(const ZTVariant& object, const ZTVariant& value) const;
+    [[nodiscard]] virtual bool isDynamic() const;
+
+    [[nodiscard]] explicit operator bool() const;
+
+private:
+    friend struct ZTStaticMetaProperty;
+    friend struct ZTDynamicMetaProperty;
+    ZTMetaProperty() noexcept {}
+};
+
+/// A method or an event of a class. Both stand in one list with one index space; an event is an
+/// invokable that objects can be subscribed to.
+struct ZT_EXPORT ZTMetaInvokable {
+public:
+    /// The number of arguments that a call or an event can carry.
+    static constexpr unsigned int MaxParamCount = zt::detail::maxParamCount;
+
+    ZTMetaInvokable(const ZTMetaInvokable&) noexcept {}
+    ZTMetaInvokable& operator=(const ZTMetaInvokable&) noexcept { return *this; }
+    virtual ~ZTMetaInvokable();
+    [[nodiscard]] virtual std::string_view name() const;
+    [[nodiscard]] virtual bool isConst() const;
+    [[nodiscard]] virtual bool isEvent() const;
+    [[nodiscard]] virtual const ZTMetaType& returnMetaType() const;
+    [[nodiscard]] virtual unsigned int parameterCount() const;
+    [[nodiscard]] virtual ZTAccessSpecifier accessSpecifier() const;
+    [[nodiscard]] virtual const ZTMetaType& parameterMetaType(unsigned int index) const;
+    /// The class-wide index.
+    [[nodiscard]] virtual int index() const;
+    /// Calls a method on the object to which `object` holds a pointer, or raises an event of it.
+    ///
+    /// Arguments are converted by the function that is called, if at all; what does not fit is
+    /// told in the log and arrives as a default value.
+    /// @return the method's result; an invalid variant for `void` and when there is no function
+    virtual ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const;
+    [[nodiscard]] virtual bool isDynamic() const;
+
+    [[nodiscard]] explicit operator bool() const;
+
+    /// Calls without arguments. An invokable that has parameters is called all the same, with
+    /// invalid variants, after a warning.
+    ZTVariant invoke(const ZTVariant& object) const;
+
+    /// Packs written arguments and calls; `object` is a pointer to an object. Too few arguments
+    /// are told as above.
+    template <class Object, class... Arguments>
+        requires(std::is_pointer_v<Object> &&
+                 !(sizeof...(Arguments) == 1 &&
+                   (std::is_same_v<std::remove_cvref_t<Arguments>, ZTArgumentArray> && ...)))
+    ZTVariant invoke(Object object, Arguments&&... arguments)
+    const
+    {
+        static_assert(sizeof...(Arguments) <= MaxParamCount,
+                      "A call carries at most ZTMetaInvokable::MaxParamCount arguments.");
+        if constexpr (sizeof...(Arguments) == 0)
+            return invoke(ZTVariant(object));
+        ZTArgumentArray packed{packArgument(std::forward<Arguments>(arguments))...};
+        warnIfFewer(sizeof...(Arguments));
+        return invoke(ZTVariant(object), packed);
+    }
+
+private:
+    friend struct ZTStaticMetaInvokable;
+    friend struct ZTDynamicMetaInvokable;
+    ZTMetaInvokable() noexcept {}
+
+    template <class T>
+    static ZTVariant packArgument(T&& argument)
+    {
+        return ZTVariant(std::forward<T>(argument));
+    }
+    void warnIfFewer(unsigned int supplied) const;
+};
+
+/// A class: its name, its super class, and its members.
+struct ZT_EXPORT ZTMetaClass {
+public:
+    ZTMetaClass(const ZTMetaClass&) noexcept {}
+    ZTMetaClass& operator=(const ZTMetaClass&) noexcept { return *this; }
+    virtual ~ZTMetaClass();
+    [[nodiscard]] virtual const ZTMetaClass* superClass() const;
+    [[nodiscard]] virtual std::string_view typeName() const;
+    /// The type of a pointer to the class; the invalid type for a class made at run time.
+    [[nodiscard]] virtual const ZTMetaType& metaType() const;
+    [[nodiscard]] virtual bool isDynamic() const;
+    [[nodiscard]] virtual unsigned int classInfoOffset() const;
+    [[nodiscard]] virtual unsigned int classInfoCount() const;
+    [[nodiscard]] virtual unsigned int enumOffset() const;
+    [[nodiscard]] virtual unsigned int enumCount() const;
+    [[nodiscard]] virtual unsigned int propertyOffset() const;
+    [[nodiscard]] virtual unsigned int propertyCount() const;
+    [[nodiscard]] virtual unsigned int invokableOffset() const;
+    [[nodiscard]] virtual unsigned int invokableCount() const;
+    // By name a class's own member hides an inherited one.
+    [[nodiscard]] virtual const ZTMetaClassInfo* classInfo(std::string_view key) const;
+    [[nodiscard]] virtual const ZTMetaClassInfo* classInfo(unsigned int index) const;
+    [[nodiscard]] virtual const ZTMetaEnum* metaEnum(unsigned int index) const;
+    [[nodiscard]] virtual const ZTMetaProperty* property(unsigned int index) const;
+    [[nodiscard]] virtual const ZTMetaProperty* property(std::string_view name) const;
+    [[nodiscard]] virtual const ZTMetaInvokable* invokable(unsigned int index) const;
+
+protected:
+    [[nodiscard]] virtual int indexOfInvokable(std::string_view name, bool isConst,
+                                               const std::type_index& signature) const;
+
+public:
+    /// The index of the invokable that a function implements.
+    /// @param function  for a declared class the address of a variable that holds the pointer to
+    ///                  the member function; for a class made at run time the key that was given
+    ///                  with the function
+    [[nodiscard]] virtual int indexOfInvokable(void* function) const;
+    [[nodiscard]] virtual void* userData() const;
+    virtual void setUserData(void* data);
+
+    /// False when the class was given no name; an empty name counts as one.
+    [[nodiscard]] explicit operator bool() const;
+
+    /// The first invokable, from the root on, with that name, constness and parameter types: an
+    /// inherited one comes before a redeclaration. Types are compared by identity.
+    [[nodiscard]] int indexOfInvokable(std::string_view name, bool isConst,
+                                       const std::vector<const ZTMetaType*>& parameterTypes) const;
+    [[nodiscard]] const ZTMetaInvokable*
+    invokable(std::string_view name, bool isConst,
+              const std::vector<const ZTMetaType*>& parameterTypes) const;
+    [[nodiscard]] const ZTMetaInvokable* invokable(void* function) const;
+
+    /// The invokable with that name and the parameters of `Signature`, written as a function that
+    /// returns nothing: `indexOfInvokable<void(const std::string&)>("rename")`. The most derived
+    /// class is asked first. References and `const` count as they are declared; a class made at
+    /// run time has no written parameters, so there the first one with the name is taken.
+    template <class Signature>
+    [[nodiscard]] int indexOfInvokable(std::string_view name, bool isConst = false) const
+    {
+        return indexOfInvokable(name, isConst, zt::detail::SignatureOf<Signature>::key());
+    }
+    template <class Signature>
+    [[nodiscard]] const ZTMetaInvokable* invokable(std::string_view name,
+                                                   bool isConst = false) const
+    {
+        int index = indexOfInvokable<Signature>(name, isConst);
+        return index < 0 ? nullptr : invokable(static_cast<unsigned int>(index));
+    }
+
+    /// Whether `other` is this class or one of its super classes; descriptors are compared by
+    /// address. A class made at run time on either side is walked like any other, after a warning.
+    [[nodiscard]] bool isDerivedFrom(const ZTMetaClass* other) const;
+
+private:
+    friend struct ZTStaticMetaClass;
+    friend struct ZTDynamicMetaClass;
+    ZTMetaClass() noexcept {}
+};

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <zintar/export.h>
+#include <zintar/metatypeof.h>
+#include <zintar/variant.h>
+
+#include <string_view>
+#include <type_traits>
+
+namespace zt::detail
+{
+/// The type of which a value is retrieved when a host asks for `T`.
+template <class T>
+using RetrievedType = std::remove_cv_t<std::remove_reference_t<T>>;
+
+/// The name of the asked type in a message: the reference is gone, the `const` of a value stays.
+template <class T>
+constexpr std::string_view askedName()
+{
+    using Asked = std::remove_reference_t<T>;
+    if constexpr (std::is_pointer_v<Asked>)
+        return ztTypeName<std::remove_const_t<Asked>>();
+    else
+        return ztTypeName<Asked>();
+}
+
+/// Logs that a default value stands in for what an invalid variant does not hold.
+ZT_EXPORT void warnInvalidVariant(std::string_view askedType);
+
+/// Converts the variant's value into `*result` by a registered converter, or logs that a default
+/// value takes its place.
+ZT_EXPORT bool convertOrWarn(const ZTVariant& variant, const ZTMetaType& target, void* result,
+                             std::string_view askedType);
+
+/// The pointer that a variant of another type than `target` gives: by `nonConst`, the same
+/// pointer type without the `const` of the pointee, if there is one; by the class tree; or by a
+/// registered converter.
+ZT_EXPORT bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target,
+                               const ZTMetaType* nonConst, void*& result,
+                               std::string_view askedType);
+
+/// Retrieves a value into `result`; logs the reason and gives false when a default value stands in.
+template <class T>
+bool retrieve(const ZTVariant& variant, RetrievedType<T>& result)
+{
+    using Value = Canonical<RetrievedType<T>>;
+    if (!variant.isValid()) {
+        warnInvalidVariant(askedName<T>());
+        return false;
+    }
+    const ZTMetaType& target = ::ztMetaType<Value>();
+    if (&variant.type() == &target && variant.data()) {
+        result = static_cast<RetrievedType<T>>(*static_cast<const Value*>(variant.data()));
+        return true;
+    }
+    if constexpr (isDataPointer<Value> && !std::is_same_v<Value, void*>) {
+        using Pointee = std::remove_pointer_t<Value>;
+        const ZTMetaType* nonConst = nullptr;
+        if constexpr (std::is_const_v<Pointee> && std::is_class_v<Pointee>)
+            nonConst = &::ztMetaType<std::remove_const_t<Pointee>*>();
+        void* pointer = nullptr;
+        bool found = retrievePointer(variant, target, nonConst, pointer, askedName<T>());
+        result = static_cast<Value>(pointer);
+        return found;
+    } else if constexpr (std::is_same_v<Value, RetrievedType<T>>) {
+        return convertOrWarn(variant, target, &result, askedName<T>());
+    } else {
+        Value converted{};
+        bool found = convertOrWarn(variant, target, &converted, askedName<T>());
+        result = static_cast<RetrievedType<T>>(converted);
+        return found;
+    }
+}
+} // namespace zt::detail
+
+/// The value that the variant holds, as a `T`.
+///
+/// Of another type the value comes by a registered converter; a pointer to an object comes along
+/// the class tree in both directions, unchanged, by the relation of the two classes alone: no look
+/// is taken at what the object really is, and unrelated classes give null.
+///
+/// @return a copy. When the variant is invalid or holds what cannot be converted: a default value,
+///         and one line on standard output; a null pointer from unrelated classes says nothing.
+///         Ask `type()` or `canConvert()` first where the difference matters.
+template <class T>
+[[nodiscard]] zt::detail::RetrievedType<T> ztVariantValue(const ZTVariant& variant)
+{
+    using Result = zt::detail::RetrievedType<T>;
+    static_assert(std::is_default_constructible_v<Result>,
+                  "ztVariantValue<T>: T needs a default value for the case that the variant holds "
+                  "no T. Use ztVariantPointer<T> otherwise.");
+    using Value = zt::detail::Canonical<Result>;
+    if (variant.data() && &variant.type() == &::ztMetaType<Value>())
+        return static_cast<Result>(*static_cast<const Value*>(variant.data()));
+    Result result{};
+    zt::detail::retrieve<T>(variant, result);
+    return result;
+}
+
+/// The value in the variant's block, without a copy; null when the variant holds another type.
+/// Logs nothing and converts nothing. Good until the variant changes.
+template <class T>
+[[nodiscard]] T* ztVariantPointer(ZTVariant& variant)
+{
+    bool holds = variant.data() && &variant.type() == &::ztMetaType<std::remove_cv_t<T>>();
+    return holds ? static_cast<T*>(variant.data()) : nullptr;
+}
+template <class T>
+[[nodiscard]] const T* ztVariantPointer(const ZTVariant& variant)
+{
+    bool holds = variant.data() && &variant.type() == &::ztMetaType<std::remove_cv_t<T>>();
+    return holds ? static_cast<const T*>(variant.data()) : nullptr;
+}

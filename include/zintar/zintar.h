@@ -1,0 +1,22 @@
+#pragma once
+
+/// @file
+/// The whole library. `fwd.h` is enough for a header that only names its types.
+
+#include <zintar/base.h>
+#include <zintar/datastream.h>
+#include <zintar/declare.h>
+#include <zintar/dynamicbase.h>
+#include <zintar/eventblocker.h>
+#include <zintar/fwd.h>
+#include <zintar/integers.h>
+#include <zintar/log.h>
+#include <zintar/metaclass.h>
+#include <zintar/metatype.h>
+#include <zintar/metatypeof.h>
+#include <zintar/staticmetaclass.h>
+#include <zintar/subscription.h>
+#include <zintar/typedvalue.h>
+#include <zintar/typename.h>
+#include <zintar/variant.h>
+#include <zintar/version.h>

@@ -1,0 +1,47 @@
+#include "baseprivate.h"
+
+#include <ostream>
+#include <utility>
+
+ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
+{
+    if (parent)
+        setParent(parent);
+}
+
+ZTBase::ZTBase(ZTBase&& other) noexcept : priv(std::exchange(other.priv, nullptr))
+{
+    if (priv)
+        priv->moveTo(this);
+}
+
+ZTBase& ZTBase::operator=(ZTBase&& other)
+{
+    if (this != &other)
+        ZTBasePrivate::replace(this, std::exchange(other.priv, nullptr));
+    return *this;
+}
+
+ZTBase::~ZTBase()
+{
+    if (priv)
+        destroyed(this);
+    delete priv;
+}
+
+void ZTBase::setParent(ZTBase* parent)
+{
+    if (priv)
+        priv->setParent(parent);
+}
+
+const std::vector<ZTBase*>& ZTBase::children() const
+{
+    static const std::vector<ZTBase*> none;
+    return priv ? priv->children : none;
+}
+
+std::ostream& operator<<(std::ostream& stream, const ZTBase* object)
+{
+    return stream << static_cast<const void*>(object);
+}

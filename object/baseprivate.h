@@ -1,0 +1,125 @@
+#pragma once
+
+#include <zintar/base.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+struct ZTActiveEvent;
+struct ZTEventSlot;
+class ZTLifeWatch;
+
+namespace zt::detail
+{
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const noexcept
+    {
+        return std::hash<std::string_view>()(text);
+    }
+};
+
+/// Nodes do not move, so views of the names stay good.
+using DynamicProperties = std::unordered_map<std::string, ZTVariant, TextHash, std::equal_to<>>;
+} // namespace zt::detail
+
+/// The record that holds all of an object's state. A move of the object hands the record over, so
+/// whatever names the record and not the object needs no care then.
+///
+/// 1. `object` is the object that has the record now.
+/// 2. An object stands at most once in one `children` vector, that of its `parent`.
+/// 3. Every subscription that names this record stands in a slot of its sender, and is linked
+///    from its subscriber if it has one.
+/// 4. What runs on this thread and must know whether the record is still there is on one of its
+///    stacks: `activeEvents`, `watches`, or the deliveries of a slot. The destruction tells them.
+struct ZTBasePrivate {
+    explicit ZTBasePrivate(ZTBase* owner);
+    ZTBasePrivate(const ZTBasePrivate&) = delete;
+    ZTBasePrivate& operator=(const ZTBasePrivate&) = delete;
+    ~ZTBasePrivate();
+
+    /// The record of an object; null for null and for a moved-from object.
+    static ZTBasePrivate* of(const ZTBase* object) { return object ? object->priv : nullptr; }
+
+    // The tree: tree.cpp.
+    void setParent(ZTBase* newParent);
+    /// Takes the object out of its parent's children, without a word to anybody.
+    bool leaveChildren();
+    void deleteChildren();
+    bool descendsFrom(const ZTBasePrivate* ancestor) const;
+
+    // Lifetime: lifetime.cpp.
+    void moveTo(ZTBase* newObject);
+    /// Ends the record of an object that became another one by assignment.
+    static void replace(ZTBase* object, ZTBasePrivate* newRecord);
+
+    // Properties: properties.cpp.
+    ZTVariant dynamicProperty(std::string_view name) const;
+    void setDynamicProperty(std::string_view name, const ZTVariant& value);
+    std::vector<std::string_view> dynamicPropertyNames() const;
+
+    // Events, in the folder of that name.
+    ZTEventSlot& eventSlot(int index);
+    ZTEventSlot* findSlot(int index) const;
+    void dispatch(int index, struct ZTEventValues& values);
+    ZTSubscription addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record);
+    bool removeSubscriptions(const ZTSubscriptionPrivate& pattern);
+    void endReceived();
+    void endSent();
+    void clearBlockers();
+
+    ZTBase* object;
+    ZTBasePrivate* parent = nullptr;
+    std::vector<ZTBase*> children;
+    std::vector<ZTEventBlocker*> sentEventBlockers;
+    std::vector<ZTEventBlocker*> receivedEventBlockers;
+    /// By class-wide index; null where nobody ever subscribed.
+    std::vector<std::unique_ptr<ZTEventSlot>> eventSlots;
+    /// The subscriptions in which this object is the subscriber, through which it finds its
+    /// senders: the head of a list that runs through the records, and its length.
+    ZTSubscriptionPrivate* senders = nullptr;
+    std::size_t senderCount = 0;
+    /// Null until the first one is set.
+    std::unique_ptr<zt::detail::DynamicProperties> dynamicProperties;
+    /// The top of the deliveries in progress to this object.
+    ZTActiveEvent* activeEvents = nullptr;
+    ZTLifeWatch* watches = nullptr;
+    /// The object is between two parents; see `setParent`.
+    bool isMoving = false;
+    /// The object is out of its parent's list already, and the parent is still to be told.
+    bool hasLeftParent = false;
+    /// The last step of the destruction has begun: nothing new is taken on.
+    bool isEnding = false;
+};
+
+/// Tells on the stack whether a record is still there after a call into the host.
+class ZTLifeWatch
+{
+public:
+    explicit ZTLifeWatch(ZTBasePrivate* record) noexcept : m_record(record)
+    {
+        if (record) {
+            m_below = record->watches;
+            record->watches = this;
+        }
+    }
+    ZTLifeWatch(const ZTLifeWatch&) = delete;
+    ZTLifeWatch& operator=(const ZTLifeWatch&) = delete;
+    ~ZTLifeWatch()
+    {
+        if (m_record)
+            m_record->watches = m_below;
+    }
+
+    [[nodiscard]] ZTBasePrivate* record() const noexcept { return m_record; }
+    [[nodiscard]] ZTLifeWatch* below() const noexcept { return m_below; }
+    void recordDied() noexcept { m_record = nullptr; }
+
+private:
+    ZTBasePrivate* m_record;
+    ZTLifeWatch* m_below = nullptr;
+};

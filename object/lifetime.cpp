@@ -1,0 +1,60 @@
+#include "../events/eventslot.h"
+#include "baseprivate.h"
+
+#include <zintar/eventblocker.h>
+
+#include <algorithm>
+#include <utility>
+
+ZTBasePrivate::ZTBasePrivate(ZTBase* owner) : object(owner) {}
+
+/// Whatever names the object by its address follows it to the new one.
+void ZTBasePrivate::moveTo(ZTBase* newObject)
+{
+    if (parent)
+        std::replace(parent->children.begin(), parent->children.end(), object, newObject);
+    for (ZTEventBlocker* blocker : sentEventBlockers)
+        blocker->object = newObject;
+    for (ZTEventBlocker* blocker : receivedEventBlockers)
+        blocker->object = newObject;
+    object = newObject;
+}
+
+void ZTBasePrivate::replace(ZTBase* object, ZTBasePrivate* newRecord)
+{
+    ZTBasePrivate* old = std::exchange(object->priv, newRecord);
+    // Out of the parent's list first: with the new record's entry in the same list, the two could
+    // not be told apart.
+    if (old)
+        old->hasLeftParent = old->leaveChildren();
+    if (newRecord) {
+        // What was below the object cannot stay there: the object would be its own child.
+        if (old && newRecord->descendsFrom(old)) {
+            newRecord->leaveChildren();
+            newRecord->parent = nullptr;
+        }
+        newRecord->moveTo(object);
+    }
+    delete old;
+}
+
+// The order is what hosts rely on. As a sender the object stays subscribed to until the last step,
+// so that a receiver that dies during one of the others is still taken out of the slots.
+ZTBasePrivate::~ZTBasePrivate()
+{
+    endReceived();
+    setParent(nullptr);
+    deleteChildren();
+    clearBlockers();
+    while (activeEvents)
+        activeEvents = activeEvents->receiverDied();
+    isEnding = true;
+    dynamicProperties.reset();
+    // The callables that die here run code of the host, which may use the object for a last time.
+    endSent();
+    endReceived();
+    deleteChildren();
+    clearBlockers();
+    for (; watches; watches = watches->below())
+        watches->recordDied();
+}

@@ -1,0 +1,45 @@
+// The order in which the library readies itself, from top to bottom. All of it runs when the
+// library is loaded, before any host can call it. It is one file because the order of initialisers
+// holds within a file only:
+//
+// 1. The class of `ZTBase`. Looking up its pointer type creates the registry with the built-in
+//    types. No variant is made and no event is sent before step 4.
+// 2. The class of `ZTDynamicBase`, which counts on from the root's.
+// 3. The class of the event listener, which is made when the first listener is.
+// 4. The invalid type. From here on variants can be made.
+// 5. `ZTVariant` gets its alias.
+
+#include <zintar/declare.h>
+
+#include <string>
+
+zt::detail::ClassTable& ZTBase::ztTable() { return zt::detail::declaredTable<ZTBase>(); }
+
+const ZTMetaClass& ZTBase::typeMetaClass() { return ztTable().complete(); }
+
+const ZTMetaClass* ZTBase::metaClass() const { return &typeMetaClass(); }
+
+zt::detail::ClassTable& ZTDynamicBase::ztTable()
+{
+    return zt::detail::declaredTable<ZTDynamicBase>();
+}
+
+const ZTMetaClass& ZTDynamicBase::typeMetaClass() { return ztTable().complete(); }
+
+const std::type_index ZTMetaType::ZTBadTypeIndex = typeid(ZTNone);
+
+namespace
+{
+[[maybe_unused]] const ZTMetaClass& rootClass = ZTBase::typeMetaClass();
+[[maybe_unused]] const ZTMetaClass& dynamicClass = ZTDynamicBase::typeMetaClass();
+} // namespace
+
+const ZTMetaType& ZTMetaType::ZTBadMetaType =
+    zt::detail::ztRegisterMetaType(typeid(ZTNone), "ZTBadMetaType", std::string(), nullptr, nullptr,
+                                   nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+
+namespace
+{
+[[maybe_unused]] const ZTMetaType& variantType =
+    zt::detail::registerType<ZTVariant>(nullptr, "ZTVariant");
+}

@@ -1,0 +1,170 @@
+#include <zintar/detail/classtable.h>
+
+#include <cstring>
+
+namespace zt::detail
+{
+namespace
+{
+/// Pointers to member functions of any class have one size and are compared as bytes.
+using AnyMember = void (ZTMetaClass::*)();
+
+bool isSameMember(const void* a, const void* b)
+{
+    return std::memcmp(a, b, sizeof(AnyMember)) == 0;
+}
+
+template <class Record>
+std::vector<const Record*> addressesOf(const std::vector<Record>& records)
+{
+    std::vector<const Record*> addresses;
+    addresses.reserve(records.size());
+    for (const Record& record : records)
+        addresses.push_back(&record);
+    return addresses;
+}
+
+template <class List>
+unsigned int sizeOf(const List& list)
+{
+    return static_cast<unsigned int>(list.size());
+}
+} // namespace
+
+ClassTable::ClassTable(const ClassSpec& spec) : m_spec(spec)
+{
+    addMembers();
+    m_classInfoList = addressesOf(m_classInfos);
+    m_enumList = addressesOf(m_enums);
+    m_propertyList = addressesOf(m_properties);
+    m_invokableList = addressesOf(m_invokables);
+    static_cast<ZTStaticMetaClassData&>(*this) = ZTStaticMetaClassData(
+        sizeOf(m_classInfoList), m_classInfoList.data(), sizeOf(m_enumList), m_enumList.data(),
+        sizeOf(m_propertyList), m_propertyList.data(), sizeOf(m_invokableList),
+        m_invokableList.data(), &positionByFunction, &positionBySignature);
+    m_descriptor = createStaticMetaClass(this);
+}
+
+ClassTable::~ClassTable() = default;
+
+/// The records, with what is known without any other class or type.
+void ClassTable::addMembers()
+{
+    std::size_t parameters = 0;
+    std::size_t infos = 0;
+    for (std::size_t i = 0; i < m_spec.memberCount; ++i) {
+        const MemberSpec& member = m_spec.members[i];
+        switch (member.kind) {
+        case MemberKind::Info:
+            m_classInfos.emplace_back(member.name, member.value);
+            break;
+        case MemberKind::Enumeration:
+            m_enums.emplace_back(member.name, member.count, member.enumerators, member.values);
+            break;
+        case MemberKind::Property:
+            m_propertySpecs.push_back(&member);
+            infos += member.count;
+            break;
+        case MemberKind::Method:
+        case MemberKind::Event:
+            m_invokableSpecs.push_back(&member);
+            parameters += member.count;
+            break;
+        }
+    }
+    // Reserved, since the records point into these.
+    m_propertyInfos.reserve(infos);
+    m_parameterTypes.resize(parameters);
+    for (const MemberSpec* property : m_propertySpecs) {
+        const ZTPropertyInfo* first = m_propertyInfos.data() + m_propertyInfos.size();
+        for (std::size_t i = 0; i < property->count; ++i) {
+            const InfoText& text = m_spec.infos[property->firstInfo + i];
+            m_propertyInfos.emplace_back(text.key, text.value);
+        }
+        m_properties.emplace_back(property->name, property->getter, property->setter,
+                                  property->count, property->count ? first : nullptr);
+    }
+    for (const MemberSpec* invokable : m_invokableSpecs)
+        m_invokables.emplace_back(invokable->name, invokable->isConst, invokable->count,
+                                  invokable->function, invokable->access);
+}
+
+const ZTMetaClass& ClassTable::link()
+{
+    if (m_linked)
+        return *m_descriptor;
+    m_linked = true;
+    if (m_spec.linkedSuperClass) {
+        superClass = &m_spec.linkedSuperClass();
+        classInfoOffset = superClass->classInfoCount();
+        enumOffset = superClass->enumCount();
+        propertyOffset = superClass->propertyCount();
+        invokableOffset = superClass->invokableCount();
+    }
+    const ZTMetaType& pointerType = m_spec.registerPointers(m_descriptor.get());
+    typeName = m_spec.typeName;
+    metaType = &pointerType;
+    for (std::size_t i = 0; i < m_invokables.size(); ++i) {
+        m_invokables[i].index = static_cast<int>(m_descriptor->invokableOffset() + i);
+        m_invokables[i].isEvent = m_invokableSpecs[i]->kind == MemberKind::Event;
+    }
+    linkChangeEvents();
+    return *m_descriptor;
+}
+
+void ClassTable::linkChangeEvents()
+{
+    for (std::size_t i = 0; i < m_properties.size(); ++i) {
+        void* event = const_cast<void*>(m_propertySpecs[i]->changeEvent);
+        if (!event)
+            continue;
+        m_properties[i].changeEventIndex = m_descriptor->indexOfInvokable(event);
+        m_properties[i].changeEvent = m_descriptor->invokable(event);
+    }
+}
+
+void ClassTable::fillTypes()
+{
+    link();
+    m_typed = true;
+    if (m_spec.superClass)
+        m_spec.superClass();
+    for (std::size_t i = 0; i < m_properties.size(); ++i)
+        m_properties[i].metaType = &m_propertySpecs[i]->type();
+    const ZTMetaType** next = m_parameterTypes.data();
+    for (std::size_t i = 0; i < m_invokables.size(); ++i) {
+        const MemberSpec& spec = *m_invokableSpecs[i];
+        m_invokables[i].returnMetaType = &spec.type();
+        m_invokables[i].parameterMetaTypes = spec.count ? next : nullptr;
+        for (unsigned int parameter = 0; parameter < spec.count; ++parameter)
+            *next++ = &spec.parameterTypes[parameter]();
+    }
+}
+
+const ClassTable& ClassTable::of(const ZTMetaClass* self)
+{
+    return static_cast<const ClassTable&>(*static_cast<const ZTStaticMetaClass*>(self)->table());
+}
+
+int ClassTable::positionByFunction(const ZTMetaClass* self, void* function)
+{
+    const auto& specs = of(self).m_invokableSpecs;
+    if (!function)
+        return -1;
+    for (std::size_t i = specs.size(); i-- > 0;)
+        if (isSameMember(specs[i]->key, function))
+            return static_cast<int>(i);
+    return -1;
+}
+
+int ClassTable::positionBySignature(const ZTMetaClass* self, std::string_view name, bool isConst,
+                                    const std::type_index& signature)
+{
+    const auto& specs = of(self).m_invokableSpecs;
+    for (std::size_t i = specs.size(); i-- > 0;)
+        if (specs[i]->isConst == isConst && specs[i]->name == name &&
+            specs[i]->signature() == signature)
+            return static_cast<int>(i);
+    return -1;
+}
+} // namespace zt::detail

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <zintar/metaclass.h>
+
+#include <string_view>
+
+/// @file
+/// The lookups that both families of class descriptors share.
+
+namespace zt::detail
+{
+inline constexpr std::string_view emptyView("", 0);
+
+// A list holds its members by value (static classes) or by pointer (dynamic ones).
+template <class Member>
+const Member* memberAddress(const Member& member)
+{
+    return &member;
+}
+template <class Pointer>
+auto memberAddress(const Pointer& member) -> decltype(member.get())
+{
+    return member.get();
+}
+
+/// The member with a class-wide index: an own one, or what `inherited` gives for the super class.
+template <class Result, class List, class Inherited>
+const Result* memberAt(const List& own, unsigned int offset, unsigned int index,
+                       const ZTMetaClass* superClass, Inherited inherited)
+{
+    if (index < offset)
+        return superClass ? inherited(*superClass) : nullptr;
+    return index - offset < own.size() ? memberAddress(own[index - offset]) : nullptr;
+}
+
+/// The first own member that `matches`, or what `inherited` gives for the super class.
+template <class Result, class List, class Matches, class Inherited>
+const Result* memberNamed(const List& own, Matches matches, const ZTMetaClass* superClass,
+                          Inherited inherited)
+{
+    for (const auto& member : own)
+        if (matches(*memberAddress(member)))
+            return memberAddress(member);
+    return superClass ? inherited(*superClass) : nullptr;
+}
+} // namespace zt::detail

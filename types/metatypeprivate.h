@@ -1,0 +1,58 @@
+#pragma once
+
+#include <zintar/metatype.h>
+
+#include <string>
+#include <typeindex>
+#include <unordered_map>
+#include <unordered_set>
+
+/// The record behind a `ZTMetaType`.
+struct ZTMetaTypePrivate {
+    ZTMetaTypePrivate(std::string_view typeName, const std::type_info& type,
+                      zt::detail::CreateFunction createFunction,
+                      zt::detail::DestroyFunction destroyFunction,
+                      zt::detail::CreateDefaultFunction createDefaultFunction,
+                      zt::detail::CompareFunction compareFunction,
+                      zt::detail::SerializeFunction serializeFunction,
+                      zt::detail::DeserializeFunction deserializeFunction,
+                      zt::detail::PrintFunction printFunction, const ZTMetaClass* classOfType);
+
+    /// The record of a handle; for the files of this folder.
+    static ZTMetaTypePrivate& of(const ZTMetaType& type) { return *type.priv; }
+
+    std::string name;
+    std::unordered_set<std::string> aliases;
+    std::type_index typeIndex;
+    const ZTMetaClass* metaClass;
+    zt::detail::CreateFunction create;
+    zt::detail::DestroyFunction destroy;
+    zt::detail::CreateDefaultFunction createDefault;
+    zt::detail::CompareFunction compare;
+    zt::detail::SerializeFunction serialize;
+    zt::detail::DeserializeFunction deserialize;
+    zt::detail::PrintFunction print;
+    std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersTo;
+    std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersFrom;
+};
+
+/// The process-wide tables.
+///
+/// 1. Each handle in `types` has its name in `names`, unless another type held that name first.
+/// 2. The values in `names` point into `types`, whose nodes never move.
+struct ZTMetaTypeRegistry {
+    const ZTMetaType& add(ZTMetaTypePrivate* record);
+    void addAlias(const ZTMetaType& type, const std::string& alias);
+
+    std::unordered_map<std::type_index, ZTMetaType> types;
+    std::unordered_map<std::string, const ZTMetaType*> names;
+};
+
+/// The registry, made with the built-in types at the first call.
+ZTMetaTypeRegistry& ztMetaTypeRegistry();
+
+namespace zt::detail
+{
+/// Registers the types that are always there, in their fixed order.
+void registerBuiltInTypes();
+} // namespace zt::detail

@@ -1,0 +1,57 @@
+#include <zintar/typedvalue.h>
+
+#include <zintar/log.h>
+
+#include <string>
+
+namespace zt::detail
+{
+namespace
+{
+const std::string warningHead = "Zintar Warning: Retrieved default-constructed value of type \"";
+
+void warnFailedConversion(std::string_view askedType, const ZTMetaType& from)
+{
+    ztLog(warningHead + std::string(askedType) +
+              "\" while converting from ZTVariant. Conversion failed from type type \"" +
+              from.name() + "\".",
+          ZTLogType::Info);
+}
+
+void* storedPointer(const ZTVariant& variant)
+{
+    return variant.data() ? *static_cast<void**>(variant.data()) : nullptr;
+}
+} // namespace
+
+void warnInvalidVariant(std::string_view askedType)
+{
+    ztLog(warningHead + std::string(askedType) + "\" converting from invalid ZTVariant.",
+          ZTLogType::Info);
+}
+
+bool convertOrWarn(const ZTVariant& variant, const ZTMetaType& target, void* result,
+                   std::string_view askedType)
+{
+    // A valid variant of the type itself gets here only without a block: it has no value to give.
+    if (&variant.type() == &target || variant.type().convert(variant.data(), target, result))
+        return true;
+    warnFailedConversion(askedType, variant.type());
+    return false;
+}
+
+bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,
+                     void*& result, std::string_view askedType)
+{
+    bool yieldsNull = false;
+    if (nonConst && &variant.type() == nonConst) {
+        result = storedPointer(variant);
+        return true;
+    }
+    if (can_convert_meta_class(variant.type(), target, yieldsNull)) {
+        result = yieldsNull ? nullptr : storedPointer(variant);
+        return true;
+    }
+    return convertOrWarn(variant, target, &result, askedType);
+}
+} // namespace zt::detail

@@ -1,0 +1,89 @@
+#include <zintar/variant.h>
+
+#include <zintar/log.h>
+
+#include <ostream>
+
+ZTVariant::ZTVariant(const ZTMetaType& type, const void* value)
+    : m_type(&type), m_data(type.create(value))
+{}
+
+ZTVariant::ZTVariant(const ZTVariant& other)
+    : m_type(other.m_type), m_data(other.m_data ? other.m_type->create(other.m_data) : nullptr)
+{}
+
+ZTVariant& ZTVariant::operator=(const ZTVariant& other)
+{
+    // The copy is made first: `other` may live in the block that this variant gives up.
+    if (this != &other)
+        *this = ZTVariant(other);
+    return *this;
+}
+
+ZTVariant& ZTVariant::operator=(ZTVariant&& other) noexcept
+{
+    if (this != &other) {
+        ZTVariant old(std::move(*this));
+        m_type = std::exchange(other.m_type, &ZTMetaType::ZTBadMetaType);
+        m_data = std::exchange(other.m_data, nullptr);
+    }
+    return *this;
+}
+
+void ZTVariant::reset() noexcept { ZTVariant old(std::move(*this)); }
+
+ZTPartialOrdering ZTVariant::compare(const ZTVariant& other) const
+{
+    return m_type->compare(m_data, other.m_data);
+}
+
+bool ZTVariant::operator==(const ZTVariant& other) const
+{
+    if (m_type != other.m_type)
+        return false;
+    return !isValid() || compare(other) == ZTPartialOrdering::Equivalent;
+}
+
+bool ZTVariant::operator!=(const ZTVariant& other) const { return !(*this == other); }
+
+bool ZTVariant::operator<(const ZTVariant& other) const
+{
+    return m_type == other.m_type && isValid() && compare(other) == ZTPartialOrdering::Less;
+}
+
+bool ZTVariant::operator>(const ZTVariant& other) const
+{
+    return m_type == other.m_type && isValid() && compare(other) == ZTPartialOrdering::Greater;
+}
+
+bool ZTVariant::operator<=(const ZTVariant& other) const
+{
+    if (m_type != other.m_type)
+        return false;
+    return !isValid() || compare(other) != ZTPartialOrdering::Greater;
+}
+
+bool ZTVariant::operator>=(const ZTVariant& other) const
+{
+    if (m_type != other.m_type)
+        return false;
+    return !isValid() || compare(other) != ZTPartialOrdering::Less;
+}
+
+bool ZTVariant::canConvert(const ZTMetaType& target) const
+{
+    if (!target || !isValid())
+        return false;
+    return m_type == &target || m_type->canConvert(target);
+}
+
+std::ostream& operator<<(std::ostream& stream, const ZTVariant& variant)
+{
+    stream << "ZTVariant(" << variant.type().name() << ", ";
+    bool printed = !variant.isValid() || variant.type().print(stream, variant.data());
+    stream << ")";
+    if (!printed)
+        ztLog("Zintar: ZTVariant print failed for type " + variant.type().name() + ".",
+              ZTLogType::Warning);
+    return stream;
+}
