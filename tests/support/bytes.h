@@ -1,0 +1,31 @@
+#pragma once
+
+#include <zintar/datastream.h>
+
+#include <cstdio>
+#include <string>
+
+namespace support
+{
+/// The bytes in hexadecimal: "01 00 FF".
+inline std::string hex(const std::string& bytes)
+{
+    std::string text;
+    for (unsigned char byte : bytes) {
+        char digits[4];
+        std::snprintf(digits, sizeof digits, "%02X", byte);
+        text += (text.empty() ? "" : " ") + std::string(digits);
+    }
+    return text;
+}
+
+inline std::string bytesOf(const ZTDataStream& stream) { return hex(stream.data()); }
+
+/// A stream that holds the bytes, to be read from the first one.
+inline ZTDataStream streamOf(const std::string& bytes)
+{
+    ZTDataStream stream;
+    stream.setData(bytes);
+    return stream;
+}
+}
