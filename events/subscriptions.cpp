@@ -147,7 +147,7 @@ ZTSubscription ZTBasePrivate::addSubscription(std::shared_ptr<ZTSubscriptionPriv
     ZTBasePrivate* subscriber = record->subscriber;
     if (isEnding || (subscriber && subscriber->isEnding))
         return {};
-    ZTSubscription handle(record);
+    eventSlot(record->eventIndex).add(record);
     if (subscriber) {
         record->next = subscriber->senders;
         if (record->next)
@@ -155,8 +155,7 @@ ZTSubscription ZTBasePrivate::addSubscription(std::shared_ptr<ZTSubscriptionPriv
         subscriber->senders = record.get();
         ++subscriber->senderCount;
     }
-    eventSlot(record->eventIndex).add(std::move(record));
-    return handle;
+    return ZTSubscription(record);
 }
 
 namespace zt::detail
@@ -174,8 +173,6 @@ void warnUnknownEvent(const ZTMetaClass& metaClass)
 
 namespace
 {
-using Ended = std::vector<std::shared_ptr<ZTSubscriptionPrivate>>;
-
 void unlinkFromSubscriber(ZTSubscriptionPrivate& record)
 {
     ZTBasePrivate* subscriber = record.subscriber;
@@ -195,43 +192,47 @@ std::shared_ptr<ZTSubscriptionPrivate> takeOut(ZTSubscriptionPrivate& record)
     return record.sender->findSlot(record.eventIndex)->take(record);
 }
 
-void takeMatching(ZTEventSlot& slot, const ZTSubscriptionPrivate& pattern, Ended& ended)
+/// The records in a slot that match. Taking one out moves the others, so they are found first.
+void findMatching(const ZTEventSlot& slot, const ZTSubscriptionPrivate& pattern,
+                  std::vector<ZTSubscriptionPrivate*>& found)
 {
-    // From the end, as taking the last entry shortens the vector; a compaction moves entries to
-    // lower positions only after more than half of them are gone, so the walk is over a copy.
-    std::vector<ZTSubscriptionPrivate*> matching;
     for (const auto& entry : slot.subscriptions)
         if (entry && entry->matches(pattern))
-            matching.push_back(entry.get());
-    for (ZTSubscriptionPrivate* record : matching)
-        ended.push_back(takeOut(*record));
+            found.push_back(entry.get());
 }
 
-void takeMatching(ZTBasePrivate& subscriber, const ZTSubscriptionPrivate& pattern, Ended& ended)
+void findMatching(const ZTBasePrivate& subscriber, const ZTSubscriptionPrivate& pattern,
+                  std::vector<ZTSubscriptionPrivate*>& found)
 {
-    ZTSubscriptionPrivate* next = nullptr;
-    for (ZTSubscriptionPrivate* record = subscriber.senders; record; record = next) {
-        next = record->next;
+    for (ZTSubscriptionPrivate* record = subscriber.senders; record; record = record->next)
         if (record->matches(pattern))
-            ended.push_back(takeOut(*record));
-    }
+            found.push_back(record);
 }
 } // namespace
 
 bool ZTBasePrivate::removeSubscriptions(const ZTSubscriptionPrivate& pattern)
 {
-    std::size_t own = 0;
-    for (const auto& slot : eventSlots)
-        own += slot ? slot->listed : 0;
-    Ended ended;
-    // The shorter of the two lists that hold whatever matches.
-    if (pattern.subscriber && pattern.subscriber->senderCount < own) {
-        takeMatching(*pattern.subscriber, pattern, ended);
-    } else {
-        for (const auto& slot : eventSlots)
-            if (slot)
-                takeMatching(*slot, pattern, ended);
+    std::vector<const ZTEventSlot*> slots;
+    std::size_t listed = 0;
+    for (const auto& slot : eventSlots) {
+        bool isAsked = !pattern.event || slot.get() == findSlot(pattern.event->index());
+        if (slot && isAsked) {
+            slots.push_back(slot.get());
+            listed += slot->listed;
+        }
     }
+    std::vector<ZTSubscriptionPrivate*> found;
+    // Whatever matches is in both lists: the shorter one is searched.
+    if (pattern.subscriber && pattern.subscriber->senderCount < listed)
+        findMatching(*pattern.subscriber, pattern, found);
+    else
+        for (const ZTEventSlot* slot : slots)
+            findMatching(*slot, pattern, found);
+
+    std::vector<std::shared_ptr<ZTSubscriptionPrivate>> ended;
+    ended.reserve(found.size());
+    for (ZTSubscriptionPrivate* record : found)
+        ended.push_back(takeOut(*record));
     return !ended.empty();
 }
 
@@ -291,7 +292,7 @@ void ZTBasePrivate::endReceived()
 
 void ZTBasePrivate::endSent()
 {
-    Ended ended;
+    std::vector<std::shared_ptr<ZTSubscriptionPrivate>> ended;
     for (const auto& slot : eventSlots) {
         if (!slot)
             continue;

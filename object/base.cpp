@@ -1,12 +1,16 @@
 #include "baseprivate.h"
 
+#include <memory>
 #include <ostream>
 #include <utility>
 
 ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
 {
+    // A handler of `childAdded` may throw, and then no destructor runs for this object.
+    std::unique_ptr<ZTBasePrivate> record(priv);
     if (parent)
         setParent(parent);
+    record.release();
 }
 
 ZTBase::ZTBase(ZTBase&& other) noexcept : priv(std::exchange(other.priv, nullptr))

@@ -31,6 +31,19 @@ unsigned int sizeOf(const List& list)
 }
 } // namespace
 
+int positionInList(const MemberSpec* members, std::size_t count, const void* variable)
+{
+    int position = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (members[i].kind != MemberKind::Method && members[i].kind != MemberKind::Event)
+            continue;
+        if (isSameMember(members[i].key, variable))
+            return position;
+        ++position;
+    }
+    return -1;
+}
+
 ClassTable::ClassTable(const ClassSpec& spec) : m_spec(spec)
 {
     addMembers();

@@ -25,6 +25,23 @@ using PackFunction = void (*)(void* const* arguments, ZTArgumentArray& packed);
 template <auto Event, class Params>
 struct TypedEvent;
 
+/// The list of a declared class as this program or plugin sees it; see `declare.h`.
+template <class C>
+struct DeclaredHere;
+
+/// The class-wide index of a member function that class `C` declares, or -1.
+/// @param variable  holds the pointer to the member function
+template <class C>
+int indexOfMember(void* variable)
+{
+    int index = C::typeMetaClass().indexOfInvokable(variable);
+    // A plugin may have a copy of an inline member at an address of its own.
+    if constexpr (requires { typename C::ZtSuper; })
+        if (index < 0)
+            index = DeclaredHere<C>::indexOf(variable);
+    return index;
+}
+
 /// Logs that a member function that was to be subscribed to is no invokable of its class.
 ZT_EXPORT void warnUnknownEvent(const ZTMetaClass& metaClass);
 } // namespace zt::detail
@@ -259,10 +276,12 @@ private:
             using Class = typename zt::detail::MemberTraits<Event>::Class;
             static_assert(std::is_base_of_v<Class, Sender>,
                           "The event is a member function of another class than the sender's.");
-            const ZTMetaInvokable* found = Class::typeMetaClass().invokable(&event);
-            if (!found)
+            int index = zt::detail::indexOfMember<Class>(&event);
+            if (index < 0) {
                 zt::detail::warnUnknownEvent(Class::typeMetaClass());
-            return found;
+                return nullptr;
+            }
+            return Class::typeMetaClass().invokable(static_cast<unsigned int>(index));
         } else {
             static_assert(zt::detail::isInvokablePointer<Event>,
                           "An event is given as a member function or as a descriptor.");
@@ -299,7 +318,7 @@ struct TypedEvent<Event, Parameters<P...>> {
     static int index()
     {
         using Class = typename MemberTraits<decltype(Event)>::Class;
-        static const int found = find(Class::typeMetaClass());
+        static const int found = indexOfMember<Class>(memberKey<Event>());
         return found;
     }
 
@@ -326,15 +345,6 @@ struct TypedEvent<Event, Parameters<P...>> {
     }
 
 private:
-    static int find(const ZTMetaClass& metaClass)
-    {
-        int byFunction = metaClass.indexOfInvokable(memberKey<Event>());
-        // A plugin may have a copy of an inline member at another address.
-        return byFunction >= 0
-                   ? byFunction
-                   : metaClass.template indexOfInvokable<void(P...)>(valueName<Event>());
-    }
-
     template <class Parameter, class Argument>
     static Held<Parameter> hold(Argument&& argument)
     {

@@ -37,14 +37,15 @@ private:
 /// Ends its subscription when it goes. It is what subscribing a callable with captures and without
 /// a receiver gives: nothing else bounds the life of what the callable captured.
 /// Not copyable, since one of two copies would end the subscription under the other.
-class ZT_EXPORT [[nodiscard]] ZTScopedSubscription
+class ZT_EXPORT [[nodiscard("keep it: the subscription ends with it")]] ZTScopedSubscription
 {
 public:
     ZTScopedSubscription() noexcept = default;
     explicit ZTScopedSubscription(ZTSubscription subscription) noexcept
         : m_subscription(std::move(subscription))
     {}
-    ZTScopedSubscription(ZTScopedSubscription&& other) noexcept : m_subscription(other.release()) {}
+    ZTScopedSubscription(ZTScopedSubscription && other) noexcept : m_subscription(other.release())
+    {}
     ZTScopedSubscription& operator=(ZTScopedSubscription&& other) noexcept;
     ~ZTScopedSubscription();
 

@@ -51,6 +51,11 @@ struct MemberSpec {
     bool isConst = false;
 };
 
+/// The position among the invokables of a list of the member function to which the variable holds
+/// the pointer, or -1.
+[[nodiscard]] ZT_EXPORT int positionInList(const MemberSpec* members, std::size_t count,
+                                           const void* variable);
+
 /// What a class table is made from.
 struct ClassSpec {
     std::string_view typeName;

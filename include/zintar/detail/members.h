@@ -508,6 +508,17 @@ constexpr bool notifiesEventsOnly()
 }
 
 template <class C>
+struct DeclaredHere {
+    static int indexOf(const void* variable)
+    {
+        static constexpr auto list = Declared<C>::members();
+        int position = positionInList(list.members.data(), list.members.size(), variable);
+        unsigned int offset = C::typeMetaClass().invokableOffset();
+        return position < 0 ? -1 : position + static_cast<int>(offset);
+    }
+};
+
+template <class C>
 const ZTMetaClass& linkedClass()
 {
     if constexpr (isDeclared<C>())

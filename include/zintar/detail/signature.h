@@ -128,9 +128,10 @@ concept PlainCallable = requires
 };
 
 /// A variable that holds a pointer to a member: its content is what a class is asked for, its
-/// address tells members apart while compiling.
+/// address tells members apart while compiling. Each program and plugin has its own, since the
+/// address of an inline member function may differ between them.
 template <auto Member>
-inline constexpr auto memberVariable = Member;
+[[gnu::visibility("hidden")]] inline constexpr auto memberVariable = Member;
 
 template <auto Member>
 void* memberKey()

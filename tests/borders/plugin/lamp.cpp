@@ -1,0 +1,3 @@
+#include "lamp.h"
+
+ZT_CLASS(Lamp)
