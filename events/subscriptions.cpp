@@ -92,15 +92,15 @@ bool canBeSubscribedTo(const ZTBase* sender, const ZTMetaInvokable* event)
     return ZTBasePrivate::of(sender) && event && event->isEvent();
 }
 
-std::shared_ptr<ZTSubscriptionPrivate>
-makeRecord(const ZTBase* sender, const ZTMetaInvokable& event, const ZTBase* subscriber,
-           ZTSubscriptionPrivate::Handler handler, unsigned int parameterCount)
+std::shared_ptr<ZTSubscriptionPrivate> makeRecord(const ZTBase* sender,
+                                                  const ZTMetaInvokable& event,
+                                                  const ZTBase* subscriber,
+                                                  unsigned int parameterCount)
 {
     auto record = std::make_shared<ZTSubscriptionPrivate>();
     record->sender = ZTBasePrivate::of(sender);
     record->subscriber = ZTBasePrivate::of(subscriber);
     record->event = &event;
-    record->handler = handler;
     record->active = true;
     record->eventIndex = event.index();
     record->parameterCount = parameterCount;
@@ -120,8 +120,9 @@ ZTSubscription ZTBase::subscribe(const ZTBase* sender, const ZTMetaInvokable* ev
     }
     if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
         return {};
-    return sender->priv->addSubscription(
-        makeRecord(sender, *event, subscriber, handler, handler->parameterCount()));
+    auto record = makeRecord(sender, *event, subscriber, handler->parameterCount());
+    record->handler = handler;
+    return sender->priv->addSubscription(std::move(record));
 }
 
 ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
@@ -137,8 +138,8 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
     }
     if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
         return {};
-    auto record = makeRecord(sender, *event, subscriber, handler, handler->parameterCount());
-    owned.release();
+    auto record = makeRecord(sender, *event, subscriber, handler->parameterCount());
+    record->handler = owned.release();
     return sender->priv->addSubscription(std::move(record));
 }
 

@@ -4,13 +4,14 @@
 #include <ostream>
 #include <utility>
 
-ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
+ZTBase::ZTBase(ZTBase* parent)
 {
+    auto record = std::make_unique<ZTBasePrivate>(this);
+    priv = record.get();
     // A handler of `childAdded` may throw, and then no destructor runs for this object.
-    std::unique_ptr<ZTBasePrivate> record(priv);
     if (parent)
         setParent(parent);
-    record.release();
+    priv = record.release();
 }
 
 ZTBase::ZTBase(ZTBase&& other) noexcept : priv(std::exchange(other.priv, nullptr))
@@ -19,7 +20,7 @@ ZTBase::ZTBase(ZTBase&& other) noexcept : priv(std::exchange(other.priv, nullptr
         priv->moveTo(this);
 }
 
-ZTBase& ZTBase::operator=(ZTBase&& other)
+ZTBase& ZTBase::operator=(ZTBase&& other) noexcept
 {
     if (this != &other)
         ZTBasePrivate::replace(this, std::exchange(other.priv, nullptr));

@@ -12,14 +12,14 @@ ZTDynamicBase::ZTDynamicBase(ZTBase* parent) : ZTBase(parent), dynamicPriv(new Z
 {}
 
 ZTDynamicBase::ZTDynamicBase(ZTDynamicBase&& other) noexcept
-    : ZTBase(std::move(other)), dynamicPriv(std::exchange(other.dynamicPriv, nullptr))
+    : ZTBase(static_cast<ZTBase&&>(other)), dynamicPriv(std::exchange(other.dynamicPriv, nullptr))
 {}
 
-ZTDynamicBase& ZTDynamicBase::operator=(ZTDynamicBase&& other)
+ZTDynamicBase& ZTDynamicBase::operator=(ZTDynamicBase&& other) noexcept
 {
     if (this == &other)
         return *this;
-    ZTBase::operator=(std::move(other));
+    ZTBase::operator=(static_cast<ZTBase&&>(other));
     delete std::exchange(dynamicPriv, std::exchange(other.dynamicPriv, nullptr));
     return *this;
 }

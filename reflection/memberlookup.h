@@ -9,7 +9,8 @@
 
 namespace zt::detail
 {
-inline constexpr std::string_view emptyView("", 0);
+/// Present, though empty: its data pointer is not null, which the `operator bool`s look at.
+inline constexpr std::string_view emptyView = "";
 
 // A list holds its members by value (static classes) or by pointer (dynamic ones).
 template <class Member>

@@ -1,5 +1,7 @@
 #include <zintar/metaclass.h>
 
+#include "memberlookup.h"
+
 #include <zintar/log.h>
 
 #include <string>
@@ -7,11 +9,10 @@
 // The operations answer for a descriptor that was cut down to its abstract type by a copy, so none
 // of them is pure.
 
+using zt::detail::emptyView;
+
 namespace
 {
-/// Present, though empty: its data pointer is not null, which the `operator bool`s look at.
-constexpr std::string_view emptyView("", 0);
-
 bool isSet(std::string_view text) { return text.data() != nullptr; }
 } // namespace
 

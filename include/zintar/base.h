@@ -74,8 +74,8 @@ public:
     explicit ZTBase(ZTBase* parent = nullptr);
     ZTBase(ZTBase&& other) noexcept;
     /// The object becomes what `other` was. Its children are destroyed and it leaves its parent;
-    /// `destroyed` is not sent.
-    ZTBase& operator=(ZTBase&& other);
+    /// `destroyed` is not sent. A handler that throws meanwhile ends the process.
+    ZTBase& operator=(ZTBase&& other) noexcept;
 
     [[nodiscard]] virtual const ZTMetaClass* metaClass() const;
     /// Sends `destroyed`, ends all subscriptions, leaves the parent, and deletes the children from

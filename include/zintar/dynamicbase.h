@@ -14,7 +14,7 @@ struct ZT_EXPORT ZTDynamicBase : ZTBase {
 public:
     explicit ZTDynamicBase(ZTBase* parent = nullptr);
     ZTDynamicBase(ZTDynamicBase&& other) noexcept;
-    ZTDynamicBase& operator=(ZTDynamicBase&& other);
+    ZTDynamicBase& operator=(ZTDynamicBase&& other) noexcept;
 
     [[nodiscard]] const ZTMetaClass* metaClass() const override;
     ~ZTDynamicBase() override;

@@ -28,4 +28,4 @@ inline ZTDataStream streamOf(const std::string& bytes)
     stream.setData(bytes);
     return stream;
 }
-}
+} // namespace support

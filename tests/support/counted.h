@@ -37,4 +37,4 @@ struct Counted {
     /// 0 for never, otherwise the copy that throws, counted from 1.
     inline static int throwAtCopy = 0;
 };
-}
+} // namespace support

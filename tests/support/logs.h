@@ -12,9 +12,9 @@ namespace support
 class CapturedLog
 {
 public:
-    CapturedLog() : m_out(std::cout.rdbuf(m_outText.rdbuf())), m_err(std::cerr.rdbuf(m_errText.rdbuf()))
-    {
-    }
+    CapturedLog()
+        : m_out(std::cout.rdbuf(m_outText.rdbuf())), m_err(std::cerr.rdbuf(m_errText.rdbuf()))
+    {}
     CapturedLog(const CapturedLog&) = delete;
     CapturedLog& operator=(const CapturedLog&) = delete;
     ~CapturedLog()
@@ -41,7 +41,7 @@ std::string logOf(Action action)
     action();
     return log.all();
 }
-}
+} // namespace support
 
 /// The action logs exactly these lines, each with its line end, whichever stream they go to.
 #define EXPECT_LOGS(lines, ...) EXPECT_EQ(::support::logOf(__VA_ARGS__), lines)

@@ -104,6 +104,12 @@ concept Printable = requires(std::ostream& stream, const T& value)
     stream << value;
 };
 
+/// A descriptor's address says nothing to a reader, and a function's would print as true.
+template <class T>
+inline constexpr bool isPrintedAsAddress =
+    isDataPointer<T> && !std::is_volatile_v<std::remove_pointer_t<T>> &&
+    !std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, ZTMetaClass>;
+
 /// The functions of the meta type of `T`, and the blocks in which a variant holds its values.
 template <class T>
 struct TypeFunctions {
@@ -213,19 +219,10 @@ struct TypeFunctions {
     }
     static constexpr PrintFunction print()
     {
-        if constexpr (std::is_pointer_v<T>) {
-            // A descriptor's address says nothing to a reader; a function's would print as true.
-            using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
-            if constexpr (isDataPointer<T> && !std::is_same_v<Pointee, ZTMetaClass> &&
-                          !std::is_volatile_v<std::remove_pointer_t<T>>)
-                return &printValue;
-            else
-                return nullptr;
-        } else if constexpr (Printable<T>) {
+        if constexpr (std::is_pointer_v<T> ? isPrintedAsAddress<T> : Printable<T>)
             return &printValue;
-        } else {
+        else
             return nullptr;
-        }
     }
 };
 
