@@ -1,0 +1,217 @@
+#include "jsonfile.h"
+
+#include "members.h"
+#include "mistake.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <limits>
+#include <set>
+#include <sstream>
+#include <system_error>
+
+namespace scene
+{
+namespace
+{
+std::string contentsOf(const std::string& file)
+{
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    std::string contents;
+    char block[4096];
+    while (stream.read(block, sizeof block) || stream.gcount() > 0)
+        contents.append(block, static_cast<std::size_t>(stream.gcount()));
+    // A folder can be opened, but not read.
+    if (!stream.is_open() || stream.bad())
+        throw Mistake("file", "cannot be read: " + std::generic_category().message(errno));
+    return contents;
+}
+
+/// "line 3, column 14" for the byte with that number, from 1 on.
+std::string lineAndColumn(const std::string& contents, std::size_t byte)
+{
+    auto here = contents.begin() + static_cast<std::ptrdiff_t>(
+                                       std::clamp<std::size_t>(byte, 1, contents.size() + 1) - 1);
+    auto lines = std::count(contents.begin(), here, '\n');
+    auto lineStart = std::find(std::make_reverse_iterator(here), contents.rend(), '\n').base();
+    return "line " + std::to_string(lines + 1) + ", column " + std::to_string(here - lineStart + 1);
+}
+
+/// The reason alone out of "[json.exception...] parse error at line 3, column 4: reason", or out of
+/// "[json.exception...] reason".
+std::string reasonOf(const nlohmann::json::exception& error)
+{
+    std::string_view text = error.what();
+    for (std::string_view end : {"] ", ": "})
+        if (std::size_t position = text.find(end); position != std::string_view::npos)
+            text.remove_prefix(position + end.size());
+    return std::string(text);
+}
+
+struct SaidTwice {
+    std::string name;
+};
+
+/// Sees to it that no object says a thing twice, which JSON allows and the parser passes over in
+/// silence: one of the two would be lost.
+class TwiceWatch
+{
+public:
+    bool operator()(int, Json::parse_event_t event, const Json& parsed)
+    {
+        using Event = Json::parse_event_t;
+        if (event == Event::object_start)
+            m_open.emplace_back();
+        else if (event == Event::object_end)
+            m_open.pop_back();
+        else if (event == Event::key && !m_open.back().insert(parsed.get<std::string>()).second)
+            throw SaidTwice{parsed.get<std::string>()};
+        return true;
+    }
+
+private:
+    std::vector<std::set<std::string>> m_open;
+};
+} // namespace
+
+Json readJson(const std::string& file)
+{
+    std::string contents = contentsOf(file);
+    std::istringstream stream(contents);
+    auto here = [&] { return lineAndColumn(contents, static_cast<std::size_t>(stream.tellg())); };
+    try {
+        return Json::parse(stream, TwiceWatch());
+    } catch (const Json::parse_error& error) {
+        throw Mistake(lineAndColumn(contents, error.byte), reasonOf(error));
+    } catch (const Json::exception& error) {
+        throw Mistake(here(), reasonOf(error)); // a number that no type holds
+    } catch (const SaidTwice& key) {
+        throw Mistake(here(), Json(key.name).dump() + " is said twice");
+    }
+}
+
+namespace
+{
+std::string kindOf(const Json& value)
+{
+    if (value.is_object())
+        return "an object";
+    if (value.is_array())
+        return "a list";
+    if (value.is_null())
+        return "null";
+    return value.dump();
+}
+} // namespace
+
+std::string Node::place() const
+{
+    std::string pointer = m_place.to_string();
+    return pointer.empty() ? "/" : pointer;
+}
+
+void Node::refuse(const std::string& expected) const
+{
+    throw Mistake(place(), "expected " + expected + ", found " + kindOf(*m_value));
+}
+
+bool Node::has(const char* key) const
+{
+    if (!m_value->is_object())
+        refuse("an object");
+    return m_value->contains(key);
+}
+
+Node Node::operator[](const char* key) const
+{
+    if (!has(key))
+        throw Mistake(place(), "\"" + std::string(key) + "\" is missing");
+    return {m_value->at(key), m_place / key};
+}
+
+std::vector<std::pair<std::string, Node>> Node::members(const char* key) const
+{
+    std::vector<std::pair<std::string, Node>> members;
+    if (!has(key))
+        return members;
+    Node object = (*this)[key];
+    if (!object.m_value->is_object())
+        object.refuse("an object");
+    for (const auto& [name, value] : object.m_value->items())
+        members.emplace_back(name, Node(value, object.m_place / name));
+    return members;
+}
+
+std::vector<Node> Node::elements(const char* key) const
+{
+    std::vector<Node> elements;
+    if (!has(key))
+        return elements;
+    Node list = (*this)[key];
+    if (!list.m_value->is_array())
+        list.refuse("a list");
+    for (std::size_t i = 0; i < list.m_value->size(); ++i)
+        elements.push_back(Node((*list.m_value)[i], list.m_place / i));
+    return elements;
+}
+
+void Node::allowOnly(std::initializer_list<std::string_view> keys) const
+{
+    if (!m_value->is_object())
+        refuse("an object");
+    for (const auto& [name, value] : m_value->items())
+        if (std::find(keys.begin(), keys.end(), name) == keys.end())
+            throw Mistake(place(), "unknown field " + Json(name).dump() + "; known are " +
+                                       listed({keys.begin(), keys.end()}));
+}
+
+std::string Node::name() const
+{
+    if (!m_value->is_string())
+        refuse("a name");
+    std::string text = m_value->get<std::string>();
+    if (!isName(text))
+        refuse("a name of printable characters");
+    return text;
+}
+
+bool Node::truth() const
+{
+    if (!m_value->is_boolean())
+        refuse("true or false");
+    return m_value->get<bool>();
+}
+
+ZTVariant Node::value() const
+{
+    using Int = std::numeric_limits<int>;
+    switch (m_value->type()) {
+    case Json::value_t::boolean:
+        return ZTVariant(m_value->get<bool>());
+    case Json::value_t::string:
+        return ZTVariant(m_value->get<std::string>());
+    case Json::value_t::number_unsigned:
+        if (m_value->get<unsigned long long>() > std::numeric_limits<long long>::max())
+            return ZTVariant(m_value->get<double>());
+        [[fallthrough]];
+    case Json::value_t::number_integer:
+        if (auto whole = m_value->get<long long>(); whole < Int::min() || whole > Int::max())
+            return ZTVariant(whole);
+        return ZTVariant(m_value->get<int>());
+    case Json::value_t::number_float:
+        return ZTVariant(m_value->get<double>());
+    default:
+        refuse("text, a number, true or false");
+    }
+}
+
+std::string Node::written() const { return m_value->dump(); }
+
+bool isName(std::string_view text)
+{
+    auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 127; };
+    return !text.empty() && std::none_of(text.begin(), text.end(), isControl);
+}
+} // namespace scene

@@ -1,0 +1,102 @@
+#include "members.h"
+
+#include <zintar/metatype.h>
+
+#include <algorithm>
+#include <set>
+
+namespace scene
+{
+std::string nameOf(const ZTMetaClass& metaClass)
+{
+    std::string_view name = metaClass.typeName();
+    return std::string(name.substr(name.rfind(' ') + 1));
+}
+
+std::string nameOf(const ZTMetaType& type)
+{
+    if (auto aliases = type.aliases(); !aliases.empty()) {
+        // Text, among others, has a spelled name that nobody wants to read.
+        const std::string& alias = *std::min_element(aliases.begin(), aliases.end());
+        return alias.substr(alias.starts_with("std::") ? 5 : 0);
+    }
+    std::string name = type.name();
+    for (std::string_view key : {"const ", "struct ", "enum "})
+        if (name.starts_with(key))
+            name.erase(0, key.size());
+    return name;
+}
+
+std::string parametersOf(const ZTMetaInvokable& invokable)
+{
+    std::vector<std::string> names;
+    for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
+        names.push_back(nameOf(invokable.parameterMetaType(i)));
+    return "(" + listed(names) + ")";
+}
+
+std::vector<const ZTMetaInvokable*> invokablesNamed(const ZTMetaClass& metaClass, Kind kind,
+                                                    std::string_view name)
+{
+    std::vector<const ZTMetaInvokable*> found;
+    for (unsigned int i = metaClass.invokableCount(); i-- > 0;) {
+        const ZTMetaInvokable* invokable = metaClass.invokable(i);
+        if (invokable->isEvent() == (kind == Kind::Event) && invokable->name() == name)
+            found.push_back(invokable);
+    }
+    return found;
+}
+
+namespace
+{
+std::string noSuch(const ZTMetaClass& metaClass, std::string_view what, std::string_view name,
+                   const std::set<std::string>& known)
+{
+    std::string text = nameOf(metaClass) + " has no ";
+    text.append(what).append(" \"").append(name).append("\"; it has ");
+    return text + (known.empty() ? "none" : listed({known.begin(), known.end()}));
+}
+} // namespace
+
+std::string unknownInvokable(const ZTMetaClass& metaClass, Kind kind, std::string_view name)
+{
+    std::string_view wanted = kind == Kind::Event ? "event" : "method";
+    std::string_view other = kind == Kind::Event ? "method" : "event";
+    std::set<std::string> known;
+    for (unsigned int i = 0; i < metaClass.invokableCount(); ++i) {
+        const ZTMetaInvokable* invokable = metaClass.invokable(i);
+        if (invokable->isEvent() == (kind == Kind::Event))
+            known.emplace(invokable->name());
+        else if (invokable->name() == name)
+            return nameOf(metaClass).append(".").append(name).append(" is no ").append(wanted) +
+                   " but a" + (other == "event" ? "n " : " ") + std::string(other);
+    }
+    return noSuch(metaClass, wanted, name, known);
+}
+
+std::string unknownProperty(const ZTMetaClass& metaClass, std::string_view name)
+{
+    std::set<std::string> known;
+    for (unsigned int i = 0; i < metaClass.propertyCount(); ++i)
+        known.emplace(metaClass.property(i)->name());
+    return noSuch(metaClass, "property", name, known);
+}
+
+bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event)
+{
+    if (handler.parameterCount() > event.parameterCount())
+        return false;
+    for (unsigned int i = 0; i < handler.parameterCount(); ++i)
+        if (!(handler.parameterMetaType(i) == event.parameterMetaType(i)))
+            return false;
+    return true;
+}
+
+std::string listed(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names)
+        text.append(text.empty() ? "" : ", ").append(name);
+    return text;
+}
+} // namespace scene

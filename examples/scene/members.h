@@ -1,0 +1,36 @@
+#pragma once
+
+#include <zintar/metaclass.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// @file
+/// Finding the members of a class by their names alone, and naming what was found.
+
+namespace scene
+{
+/// "Heater" for the class whose descriptor says "struct Heater".
+std::string nameOf(const ZTMetaClass& metaClass);
+/// "int", "string", "Thermostat::Mode", "ZTBase*".
+std::string nameOf(const ZTMetaType& type);
+/// "(string, double)"
+std::string parametersOf(const ZTMetaInvokable& invokable);
+
+enum class Kind { Method, Event };
+
+/// The methods, or the events, of that name: the class's own before those that it inherits.
+std::vector<const ZTMetaInvokable*> invokablesNamed(const ZTMetaClass& metaClass, Kind kind,
+                                                    std::string_view name);
+
+/// Why a class has no method, event or property of that name, with those that it has.
+std::string unknownInvokable(const ZTMetaClass& metaClass, Kind kind, std::string_view name);
+std::string unknownProperty(const ZTMetaClass& metaClass, std::string_view name);
+
+/// Whether a handler can take what an event sends: its parameters are the event's leading ones.
+bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event);
+
+/// "one, two, three"
+std::string listed(const std::vector<std::string>& names);
+} // namespace scene

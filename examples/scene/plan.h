@@ -1,0 +1,62 @@
+#pragma once
+
+#include "factories.h"
+
+#include <zintar/metaclass.h>
+#include <zintar/variant.h>
+
+#include <string>
+#include <variant>
+#include <vector>
+
+/// @file
+/// What a scene file says, once it has been checked: every class, member and type is found, every
+/// value is of the type that will be asked for. Carrying a plan out takes no more decisions.
+
+namespace scene
+{
+struct PropertyPlan {
+    std::string name;
+    ZTVariant value;
+    bool dynamic = false; ///< the class does not know it, and the file wants it all the same
+};
+
+struct ObjectPlan {
+    const Factory* factory = nullptr;
+    std::string name;
+    std::vector<PropertyPlan> properties;
+    std::vector<ObjectPlan> children;
+};
+
+struct ConnectionPlan {
+    std::string place; ///< in the file
+    std::string sender;
+    const ZTMetaInvokable* event = nullptr;
+    std::string receiver;
+    const ZTMetaInvokable* method = nullptr;
+};
+
+struct SetProperty {
+    PropertyPlan property;
+};
+struct CallMethod {
+    const ZTMetaInvokable* method = nullptr;
+    ZTArgumentArray arguments;
+};
+struct MoveObject {
+    std::string parent;
+};
+struct DeleteObject {};
+
+struct ActionPlan {
+    std::string place; ///< in the file
+    std::string object;
+    std::variant<SetProperty, CallMethod, MoveObject, DeleteObject> what;
+};
+
+struct ScenePlan {
+    ObjectPlan root;
+    std::vector<ConnectionPlan> connections;
+    std::vector<ActionPlan> actions;
+};
+} // namespace scene

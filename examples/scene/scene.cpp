@@ -1,0 +1,48 @@
+#include "scene.h"
+
+#include <zintar/metaclass.h>
+
+namespace scene
+{
+Scene::Scene(const ScenePlan& plan, Names& names, Trace& trace) : m_names(names)
+{
+    build(plan.root, &m_top);
+    for (const ConnectionPlan& connection : plan.connections)
+        connect(connection, trace);
+}
+
+void Scene::build(const ObjectPlan& plan, ZTBase* parent)
+{
+    ZTBase* object = plan.factory->make().release();
+    object->setParent(parent); // which deletes it from here on
+    m_names.add(object, plan.name);
+    for (const PropertyPlan& property : plan.properties)
+        object->setProperty(property.name, property.value, property.dynamic);
+    for (const ObjectPlan& child : plan.children)
+        build(child, object);
+}
+
+void Scene::connect(const ConnectionPlan& plan, Trace& trace)
+{
+    const TracedMethod& handler = m_handlers.emplace_back(plan, trace);
+    m_subscriptions.emplace_back(
+        ZTBase::subscribe(find(plan.sender), plan.event, find(plan.receiver), &handler));
+}
+
+ZTBase* findBelow(const ZTBase& top, const ZTBase* address)
+{
+    for (ZTBase* child : top.children()) {
+        if (child == address)
+            return child;
+        if (ZTBase* found = findBelow(*child, address))
+            return found;
+    }
+    return nullptr;
+}
+
+ZTBase* Scene::find(const std::string& name) const
+{
+    const ZTBase* address = m_names.addressOf(name);
+    return address ? findBelow(m_top, address) : nullptr;
+}
+} // namespace scene

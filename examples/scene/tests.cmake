@@ -1,0 +1,25 @@
+# What the program prints is kept beside what it is given. The names of the files are in its
+# messages, so each run starts here.
+
+# arguments  of the program, as one list
+# expected   the file with all that the run prints, the line of a mistake last
+function(scene_prints test arguments exitCode expected)
+    add_test(NAME scene_${test}
+             COMMAND ${CMAKE_COMMAND} -D SCENE=$<TARGET_FILE:scene> -D "ARGUMENTS=${arguments}"
+                     -D EXIT_CODE=${exitCode} -D EXPECTED=${expected} -P checkoutput.cmake
+             WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+endfunction()
+
+scene_prints(greenhouse greenhouse.json 0 greenhouse.txt)
+scene_prints(classes --classes 0 classes.txt)
+scene_prints(help --help 0 help.txt)
+scene_prints(usage "two.json;files.json" 2 usage.txt)
+
+# Mistakes that show only while the actions are carried out.
+scene_prints(late_circle late/circle.json 2 late/circle.txt)
+scene_prints(late_harvested late/harvested.json 2 late/harvested.txt)
+
+# Mistakes that are found before any object is made.
+add_test(NAME scene_broken
+         COMMAND ${CMAKE_COMMAND} -D SCENE=$<TARGET_FILE:scene> -P checkbroken.cmake
+         WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
