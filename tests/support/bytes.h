@@ -11,9 +11,9 @@ namespace support
 inline std::string hex(const std::string& bytes)
 {
     std::string text;
-    for (unsigned char byte : bytes) {
+    for (char byte : bytes) {
         char digits[4];
-        std::snprintf(digits, sizeof digits, "%02X", byte);
+        std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned char>(byte));
         text += (text.empty() ? "" : " ") + std::string(digits);
     }
     return text;
