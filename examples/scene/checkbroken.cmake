@@ -1,3 +1,5 @@
+cmake_minimum_required(VERSION 3.25)
+
 # Runs SCENE on each file that broken/NAME.txt tells of. It must end with exit code 2, with that
 # one line as the only one, and with nothing on standard output: nothing was built or acted on.
 file(GLOB expectations RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} broken/*.txt)

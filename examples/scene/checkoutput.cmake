@@ -1,3 +1,5 @@
+cmake_minimum_required(VERSION 3.25)
+
 # Runs SCENE with ARGUMENTS and compares what it prints with the file EXPECTED.
 execute_process(COMMAND ${SCENE} ${ARGUMENTS}
                 RESULT_VARIABLE code OUTPUT_VARIABLE printed ERROR_VARIABLE printed)
