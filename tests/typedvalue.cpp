@@ -1,0 +1,170 @@
+#include "support/classes.h"
+#include "support/counted.h"
+#include "support/logs.h"
+
+#include <zintar/base.h>
+#include <zintar/dynamicbase.h>
+#include <zintar/typedvalue.h>
+
+namespace
+{
+const std::string head = "Zintar Warning: Retrieved default-constructed value of type \"";
+
+/// Retrieving a `T` gives the value and writes this to standard output, and nothing to the other.
+template <class T, class Value>
+void expectRetrieved(const ZTVariant& variant, const Value& value, const std::string& line = {})
+{
+    support::CapturedLog log;
+    EXPECT_EQ(ztVariantValue<T>(variant), value);
+    EXPECT_EQ(log.out(), line);
+    EXPECT_EQ(log.err(), "");
+}
+
+std::string invalid(std::string_view asked)
+{
+    return head + std::string(asked) + "\" converting from invalid ZTVariant.\n";
+}
+std::string failed(std::string_view asked, const std::string& held)
+{
+    return head + std::string(asked) +
+           "\" while converting from ZTVariant. Conversion failed from type type \"" + held +
+           "\".\n";
+}
+
+const std::string constString = "const class std::basic_string<char,struct std::char_traits<char>,"
+                                "class std::allocator<char> >";
+
+TEST(RetrievedValue, IsACopyOrADefaultWithAWarning)
+{
+    const ZTVariant text("abc");
+    expectRetrieved<const std::string>(text, "abc");
+    expectRetrieved<const std::string&>(text, "abc");
+    expectRetrieved<const std::string>(ZTVariant(), "", invalid(constString));
+    expectRetrieved<const std::string&>(ZTVariant(), "", invalid(constString));
+    expectRetrieved<std::string>(ZTVariant(), "", invalid(constString.substr(6)));
+    expectRetrieved<const std::string>(ZTVariant(5), "", failed(constString, "int"));
+    expectRetrieved<double>(ZTVariant(5), 0.0, failed("double", "int"));
+    expectRetrieved<long>(ZTVariant(5), 0, failed(ztTypeName<long>(), "int"));
+}
+
+TEST(RetrievedValue, RegistersNothingFromAnInvalidVariant)
+{
+    struct Unseen {};
+    EXPECT_LOGS(invalid(ztTypeName<Unseen>()), [] { (void)ztVariantValue<Unseen>(ZTVariant()); });
+    EXPECT_EQ(zt::detail::ztMetaType(typeid(Unseen)), nullptr);
+}
+
+TEST(RetrievedValue, ComesByARegisteredConverter)
+{
+    struct Text {
+        std::string text;
+    };
+    zt::detail::ztRegisterConverter(
+        ztMetaType<Text>(), ztMetaType<int>(), [](const void* source, void* target) {
+            *static_cast<int*>(target) =
+                static_cast<int>(static_cast<const Text*>(source)->text.size());
+            return *static_cast<int*>(target) > 0;
+        });
+    expectRetrieved<int>(ZTVariant(Text{"four"}), 4);
+    expectRetrieved<int>(ZTVariant(Text{}), 0, failed("int", ztMetaType<Text>().name()));
+}
+
+TEST(RetrievedValue, MayBeAnEnumeration)
+{
+    enum class Mode : short { Off, Heat };
+    expectRetrieved<Mode>(ZTVariant(Mode::Heat), Mode::Heat);
+    expectRetrieved<const Mode&>(ZTVariant(Mode::Heat), Mode::Heat);
+    expectRetrieved<Mode>(ZTVariant(1), Mode::Off, failed(ztTypeName<Mode>(), "int"));
+}
+
+TEST(RetrievedPointer, FollowsTheClassTree)
+{
+    ZTDynamicBase object;
+    ZTBase* base = &object;
+    const ZTBase* constBase = &object;
+    expectRetrieved<ZTBase*>(ZTVariant(base), base);
+    expectRetrieved<ZTBase*>(ZTVariant(constBase), base);
+    expectRetrieved<const ZTBase*>(ZTVariant(base), base);
+    expectRetrieved<ZTBase*>(ZTVariant(&object), base);
+    expectRetrieved<ZTDynamicBase*>(ZTVariant(base), &object);
+    expectRetrieved<const ZTDynamicBase*>(ZTVariant(base), &object);
+    // No look is taken at what the object really is.
+    ZTBase plain;
+    EXPECT_EQ(static_cast<void*>(ztVariantValue<ZTDynamicBase*>(ZTVariant(&plain))), &plain);
+}
+
+TEST(RetrievedPointer, IsNullWithAWarningWhereNothingConverts)
+{
+    expectRetrieved<ZTBase*>(ZTVariant(), nullptr, invalid("struct ZTBase*"));
+    expectRetrieved<const ZTMetaClass*>(ZTVariant(), nullptr, invalid("const struct ZTMetaClass*"));
+    expectRetrieved<ZTBase*>(ZTVariant(5), nullptr, failed("struct ZTBase*", "int"));
+    expectRetrieved<const ZTMetaClass*>(ZTVariant(5), nullptr,
+                                        failed("const struct ZTMetaClass*", "int"));
+    ZTMetaClass* none = nullptr;
+    expectRetrieved<ZTMetaClass*>(ZTVariant(static_cast<const ZTMetaClass*>(none)), nullptr,
+                                  failed("struct ZTMetaClass*", "const struct ZTMetaClass*"));
+}
+
+TEST(RetrievedPointer, OfAForeignOrDynamicClassIsNullInSilence)
+{
+    struct Stranger {};
+    struct Dream {};
+    static const auto table = support::emptyTable("Stranger");
+    static const ZTStaticMetaClass strangerClass(&table);
+    static const auto dreamTable = support::emptyTable("Dream", &ZTBase::typeMetaClass());
+    static const support::DynamicClass dreamClass(&dreamTable);
+    support::registerPointer<Stranger>(strangerClass);
+    support::registerPointer<Dream>(dreamClass);
+    Stranger stranger;
+    Dream dream;
+    expectRetrieved<ZTBase*>(ZTVariant(&stranger), nullptr);
+    expectRetrieved<ZTBase*>(ZTVariant(&dream), nullptr);
+    expectRetrieved<Dream*>(ZTVariant(&dream), &dream);
+}
+
+TEST(RetrievedPointer, LosesNoConstWhenAskedForAConstDescriptor)
+{
+    static const auto table = support::emptyTable("Some");
+    static ZTStaticMetaClass some(&table);
+    ZTMetaClass* pointer = &some;
+    expectRetrieved<const ZTMetaClass*>(ZTVariant(pointer), &some);
+    expectRetrieved<const ZTMetaClass*>(ZTVariant(static_cast<const ZTMetaClass*>(pointer)), &some);
+}
+
+TEST(RetrievedPointer, ComesByARegisteredConverter)
+{
+    struct Handle {};
+    static ZTBase target;
+    zt::detail::ztRegisterConverter(ztMetaType<Handle>(), ztMetaType<ZTBase*>(),
+                                    [](const void*, void* result) {
+                                        *static_cast<ZTBase**>(result) = &target;
+                                        return true;
+                                    });
+    expectRetrieved<ZTBase*>(ZTVariant(Handle()), &target);
+}
+
+TEST(VariantPointer, LooksAtTheBlockAndConvertsNothing)
+{
+    support::Counted::reset();
+    ZTVariant variant(support::Counted(3));
+    EXPECT_LOGS_NOTHING([&] {
+        EXPECT_EQ(ztVariantPointer<support::Counted>(variant), variant.data());
+        EXPECT_EQ(ztVariantPointer<const support::Counted>(variant), variant.data());
+        EXPECT_EQ(ztVariantPointer<int>(variant), nullptr);
+        EXPECT_EQ(ztVariantPointer<int>(ZTVariant()), nullptr);
+        EXPECT_EQ(ztVariantPointer<short>(ZTVariant(5)), nullptr);
+    });
+    EXPECT_EQ(support::Counted::copies, 0);
+}
+
+TEST(VariantPointer, ToALongSeesWhatALongLongWrites)
+{
+    ZTVariant variant(5L);
+    long long& wide = *ztVariantPointer<long long>(variant);
+    long* narrow = ztVariantPointer<long>(variant);
+    ASSERT_NE(narrow, nullptr);
+    wide = 6;
+    *narrow = 7;
+    EXPECT_EQ(wide, 7);
+}
+} // namespace

@@ -1,0 +1,209 @@
+#include "support/bytes.h"
+#include "support/logs.h"
+
+#include <zintar/base.h>
+#include <zintar/typedvalue.h>
+
+namespace
+{
+using support::bytesOf;
+using support::streamOf;
+
+const std::string stringName =
+    "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >";
+
+std::string unknown(const std::string& name)
+{
+    return "Zintar: ZTMetaType deserialization failed. Did not find meta type with name \"" + name +
+           "\".\n";
+}
+std::string notRead(const std::string& type)
+{
+    return "Zintar: ZTVariant deserialization failed for type " + type + ".\n";
+}
+std::string notWritten(const std::string& type)
+{
+    return "Zintar: ZTVariant serialization failed for type " + type + ".\n";
+}
+
+/// The bytes of a name, and of a whole stream with one text in it.
+std::string nameBytes(std::string_view name)
+{
+    ZTDataStream stream;
+    stream << name;
+    return stream.data();
+}
+
+/// What the stream gives to a variant that held something; the warnings go to standard error.
+ZTVariant readOver(ZTDataStream& stream, const std::string& warning = {})
+{
+    support::CapturedLog log;
+    ZTVariant target("old");
+    EXPECT_EQ(&(stream >> target), &stream);
+    EXPECT_EQ(log.err(), warning);
+    EXPECT_EQ(log.out(), "");
+    return target;
+}
+
+void write(ZTDataStream& stream, const ZTVariant& variant, const std::string& warning = {})
+{
+    support::CapturedLog log;
+    EXPECT_EQ(&(stream << variant), &stream);
+    EXPECT_EQ(log.err(), warning);
+    EXPECT_EQ(log.out(), "");
+}
+
+TEST(TypeOnStream, IsItsName)
+{
+    ZTDataStream stream;
+    stream << ztMetaType<int>() << ZTMetaType::ZTBadMetaType << ztMetaType<std::string>();
+    EXPECT_EQ(stream.data(), nameBytes("int") + nameBytes("ZTBadMetaType") + nameBytes(stringName));
+    EXPECT_LOGS_NOTHING([&] {
+        for (const ZTMetaType* expected :
+             {&ztMetaType<int>(), &ZTMetaType::ZTBadMetaType, &ztMetaType<std::string>()}) {
+            const ZTMetaType* type = nullptr;
+            stream >> type;
+            EXPECT_EQ(type, expected);
+        }
+    });
+    EXPECT_TRUE(stream.good());
+}
+
+TEST(TypeOnStream, IsFoundByItsNameOrAlias)
+{
+    ZTDataStream stream = streamOf(nameBytes("std::string") + nameBytes("no such type"));
+    const ZTMetaType* type = nullptr;
+    EXPECT_LOGS_NOTHING([&] { stream >> type; });
+    EXPECT_EQ(type, &ztMetaType<std::string>());
+    EXPECT_LOGS(unknown("no such type"), [&] { stream >> type; });
+    EXPECT_EQ(type, &ZTMetaType::ZTBadMetaType);
+    EXPECT_TRUE(stream.good());
+}
+
+TEST(VariantOnStream, IsItsTypeAndItsValue)
+{
+    ZTVariant five(5);
+    const std::string fiveBytes = nameBytes("int") + std::string("\5\0\0\0", 4);
+    ZTDataStream stream;
+    write(stream, five);
+    EXPECT_EQ(bytesOf(stream), "03 00 00 00 00 00 00 00 69 6E 74 05 00 00 00");
+    write(stream, ZTVariant(ztMetaType<ZTVariant>(), &five));
+    write(stream, ZTVariant(true));
+    EXPECT_EQ(stream.data(),
+              fiveBytes + nameBytes("struct ZTVariant") + fiveBytes + nameBytes("bool") + "\1");
+}
+
+TEST(VariantOnStream, ComesBackEqual)
+{
+    ZTVariant invalid;
+    ZTVariant text("abc");
+    const ZTVariant variants[] = {ZTVariant(5),
+                                  ZTVariant(0.5),
+                                  text,
+                                  ZTVariant(std::int64_t(-5)),
+                                  ZTVariant(ztMetaType<ZTVariant>(), &text),
+                                  ZTVariant(ztMetaType<ZTVariant>(), &invalid),
+                                  invalid};
+    ZTDataStream stream;
+    for (const ZTVariant& variant : variants)
+        write(stream, variant);
+    for (const ZTVariant& variant : variants) {
+        ZTVariant read = readOver(stream);
+        EXPECT_EQ(&read.type(), &variant.type());
+        EXPECT_EQ(read, variant);
+    }
+    EXPECT_TRUE(stream.good());
+}
+
+TEST(VariantOnStream, WhenInvalidIsANameAndEmptiesTheTarget)
+{
+    ZTDataStream stream;
+    write(stream, ZTVariant());
+    EXPECT_EQ(stream.data().size(), 21U);
+    EXPECT_EQ(stream.data(), nameBytes("ZTBadMetaType"));
+    EXPECT_FALSE(readOver(stream));
+    EXPECT_TRUE(stream.good());
+}
+
+TEST(VariantOnStream, OfATypeThatIsNotWrittenStaysInStep)
+{
+    const ZTVariant variants[] = {ZTVariant(ztMetaType("void"), nullptr),
+                                  ZTVariant(ztMetaType("void*"), nullptr), ZTVariant(ZTULong(7))};
+    for (const ZTVariant& variant : variants) {
+        const std::string name = variant.type().name();
+        ZTDataStream stream;
+        write(stream, variant, notWritten(name));
+        EXPECT_EQ(stream.data(), nameBytes(name));
+        EXPECT_FALSE(readOver(stream, notRead(name)));
+        stream << 5;
+        int next = 0;
+        stream >> next;
+        EXPECT_EQ(next, 5);
+    }
+}
+
+TEST(VariantOnStream, OfATypeThatIsNotReadLeavesItsValueBehind)
+{
+    ZTBase object;
+    const std::pair<ZTVariant, std::size_t> variants[] = {{ZTVariant('x'), 4},
+                                                          {ZTVariant(ZTLong(7)), 4},
+                                                          {ZTVariant(nullptr), 0},
+                                                          {ZTVariant(&object), 1}};
+    for (const auto& [variant, left] : variants) {
+        const std::string name = variant.type().name();
+        ZTDataStream stream;
+        write(stream, variant);
+        EXPECT_EQ(stream.data().size(), nameBytes(name).size() + left) << name;
+        EXPECT_FALSE(readOver(stream, notRead(name)));
+        unsigned char byte = 0;
+        for (std::size_t i = 0; i < left; ++i)
+            stream >> byte;
+        EXPECT_TRUE(stream.good()) << name;
+        stream >> byte;
+        EXPECT_FALSE(stream.good()) << name;
+    }
+}
+
+/// Reads what nobody wrote.
+struct ReadOnly {
+    int number = 0;
+    friend ZTDataStream& operator>>(ZTDataStream& s, ReadOnly& v) { return s >> v.number; }
+};
+
+TEST(VariantOnStream, OfATypeThatIsOnlyReadTakesWhatFollows)
+{
+    const std::string name = ztMetaType<ReadOnly>().name();
+    ZTDataStream stream;
+    write(stream, ZTVariant(ReadOnly{3}), notWritten(name));
+    stream << 5;
+    EXPECT_EQ(ztVariantValue<ReadOnly>(readOver(stream)).number, 5);
+}
+
+TEST(VariantOnStream, OfAnUnknownTypeIsInvalid)
+{
+    ZTDataStream stream = streamOf(nameBytes("no such type") + std::string(4, '\0'));
+    int left = -1;
+    EXPECT_FALSE(readOver(stream, unknown("no such type")));
+    stream >> left;
+    EXPECT_EQ(left, 0);
+    EXPECT_TRUE(stream.good());
+}
+
+TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)
+{
+    ZTDataStream whole;
+    write(whole, ZTVariant(0x04030201));
+    const std::size_t name = nameBytes("int").size();
+    const int partial[] = {0, 0x01, 0x0201, 0x030201};
+    for (std::size_t size = 0; size < whole.data().size(); ++size) {
+        ZTDataStream stream = streamOf(whole.data().substr(0, size));
+        ZTVariant read = readOver(stream, size < name ? unknown("") : "");
+        EXPECT_EQ(read.isValid(), size >= name) << size;
+        if (read) {
+            EXPECT_EQ(read, ZTVariant(partial[size - name])) << size;
+        }
+        EXPECT_FALSE(stream.good()) << size;
+        EXPECT_FALSE(readOver(stream, unknown(""))) << size;
+    }
+}
+} // namespace
