@@ -76,8 +76,10 @@ void carryOut(const std::vector<ActionPlan>& actions, Scene& scene, Trace& trace
     Trace::Level nested(trace);
     for (const ActionPlan& action : actions) {
         std::visit(Step(action, scene, trace), action.what);
-        if (std::string place = trace.takeCircle(); !place.empty())
-            throw Mistake(place, "the connections run in a circle, and a delivery never ends");
+        if (std::string place = trace.takeTooDeep(); !place.empty())
+            throw Mistake(place, "deliveries nest more than " +
+                                     std::to_string(Trace::deepestDelivery) +
+                                     " deep; do the connections run in a circle?");
     }
 }
 } // namespace scene

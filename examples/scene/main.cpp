@@ -33,8 +33,8 @@ object is made. The file is an object of three parts; the last two may be missin
   "connections"  a list of {"from": "north", "event": "childAdded", "to": "journal",
                  "method": "noteArrival"}. The method's parameters are the event's leading ones.
   "actions"      a list of, in the order in which they happen:
-                 {"set": "heater", "property": "level", "value": 2}; a new dynamic property also
-                 needs "dynamic": true
+                 {"set": "heater", "property": "level", "value": 2}; a dynamic property also needs
+                 "dynamic": true
                  {"call": "climate", "method": "program", "arguments": ["Heat", 21.5]}
                  {"move": "heater", "to": "south"}
                  {"delete": "heater"}

@@ -10,7 +10,7 @@ namespace
 {
 /// A tree is walked, and in the end deleted, by functions that call themselves: a file is not to
 /// exhaust the stack.
-constexpr std::size_t deepestTree = 200;
+constexpr std::size_t deepestTree = 60;
 } // namespace
 
 void Population::add(const std::string& name, const ZTMetaClass& metaClass,

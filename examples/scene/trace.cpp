@@ -6,12 +6,6 @@
 
 namespace scene
 {
-namespace
-{
-/// More than any chain of causes that a file means; a circle of connections has no end.
-constexpr int deepestDelivery = 20;
-} // namespace
-
 void Trace::line(const std::string& text) const
 {
     m_out << std::string(4 * static_cast<std::size_t>(m_depth), ' ') << text << "\n";
@@ -27,9 +21,10 @@ std::string Trace::show(const ZTArgumentArray& arguments, unsigned int count) co
 bool Trace::refusesDelivery(const std::string& place)
 {
     // Noted instead of thrown: the delivery may be one that a destructor sends.
-    if (m_depth > deepestDelivery && m_circle.empty())
-        m_circle = place;
-    return !m_circle.empty();
+    // The action is at the first level, and what it causes begins at the second.
+    if (m_depth > deepestDelivery + 1 && m_tooDeep.empty())
+        m_tooDeep = place;
+    return !m_tooDeep.empty();
 }
 
 TracedMethod::TracedMethod(const ConnectionPlan& connection, Trace& trace)

@@ -38,14 +38,17 @@ public:
 
     /// The place of the connection whose delivery was nested too deep since the last call, or
     /// empty. Until it has been asked for, nothing is delivered.
-    std::string takeCircle() { return std::exchange(m_circle, {}); }
+    std::string takeTooDeep() { return std::exchange(m_tooDeep, {}); }
+    /// Also true for the first delivery that would be nested too deep, whose place is kept.
     bool refusesDelivery(const std::string& place);
+    /// More than any chain of causes that a file means; a circle of connections has no end.
+    static constexpr int deepestDelivery = 20;
 
 private:
     std::ostream& m_out;
     const Names& m_names;
     int m_depth = 0;
-    std::string m_circle;
+    std::string m_tooDeep;
 };
 
 /// The handler of a connection: the method itself, told of before each call.
@@ -57,6 +60,8 @@ class TracedMethod : public ZTStaticMetaInvokable
 {
 public:
     TracedMethod(const ConnectionPlan& connection, Trace& trace);
+    TracedMethod(const TracedMethod&) = delete; // the base class points into the object
+    TracedMethod& operator=(const TracedMethod&) = delete;
 
     ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const override;
     using ZTStaticMetaInvokable::invoke;
