@@ -18,6 +18,12 @@ void ZTBase::sendValues(int index, void** addresses, zt::detail::PackFunction pa
     priv->dispatch(index, values);
 }
 
+void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
+                                    const ZTArgumentArray& arguments)
+{
+    sender.sendEvent(index, arguments);
+}
+
 bool ZTBase::isHeard(int index) const
 {
     const ZTMetaClass* senderClass = metaClass();

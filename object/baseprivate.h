@@ -57,6 +57,12 @@ struct ZTBasePrivate {
     /// Ends the record of an object that became another one by assignment.
     static void replace(ZTBase* object, ZTBasePrivate* newRecord);
 
+    // References: references.cpp.
+    /// From here on weak references read null.
+    void clearWeakReferences();
+    void clearStrongReferences();
+    void pointReferencesTo(ZTBase* newObject);
+
     // Properties: properties.cpp.
     ZTVariant dynamicProperty(std::string_view name) const;
     void setDynamicProperty(std::string_view name, const ZTVariant& value);
@@ -75,6 +81,10 @@ struct ZTBasePrivate {
     ZTBase* object;
     ZTBasePrivate* parent = nullptr;
     std::vector<ZTBase*> children;
+    /// The control blocks of the references to the object; null while there are none. Not owned:
+    /// a block lives for its references.
+    zt::detail::ZTRefImpl* refImpl = nullptr;
+    zt::detail::ZTStrongRefImpl* strongRefImpl = nullptr;
     std::vector<ZTEventBlocker*> sentEventBlockers;
     std::vector<ZTEventBlocker*> receivedEventBlockers;
     /// By class-wide index; null where nobody ever subscribed.

@@ -17,6 +17,7 @@ void ZTBasePrivate::moveTo(ZTBase* newObject)
         blocker->object = newObject;
     for (ZTEventBlocker* blocker : receivedEventBlockers)
         blocker->object = newObject;
+    pointReferencesTo(newObject);
     object = newObject;
 }
 
@@ -45,7 +46,9 @@ ZTBasePrivate::~ZTBasePrivate()
     endReceived();
     setParent(nullptr);
     deleteChildren();
+    clearWeakReferences();
     clearBlockers();
+    clearStrongReferences();
     while (activeEvents)
         activeEvents = activeEvents->receiverDied();
     isEnding = true;
@@ -54,7 +57,9 @@ ZTBasePrivate::~ZTBasePrivate()
     endSent();
     endReceived();
     deleteChildren();
+    clearWeakReferences();
     clearBlockers();
+    clearStrongReferences();
     for (; watches; watches = watches->below())
         watches->recordDied();
 }

@@ -128,9 +128,9 @@ const ZTMetaClass& ClassTable::link()
 void ClassTable::linkChangeEvents()
 {
     for (std::size_t i = 0; i < m_properties.size(); ++i) {
-        void* event = const_cast<void*>(m_propertySpecs[i]->changeEvent);
-        if (!event)
+        if (!m_propertySpecs[i]->changeEvent.isSet())
             continue;
+        void* event = const_cast<void*>(m_propertySpecs[i]->changeEventKey);
         m_properties[i].changeEventIndex = m_descriptor->indexOfInvokable(event);
         m_properties[i].changeEvent = m_descriptor->invokable(event);
     }

@@ -2,6 +2,7 @@
 
 #include <zintar/metaclass.h>
 
+#include <memory>
 #include <string_view>
 
 /// @file
@@ -12,14 +13,20 @@ namespace zt::detail
 /// Present, though empty: its data pointer is not null, which the `operator bool`s look at.
 inline constexpr std::string_view emptyView = "";
 
+/// Descriptors note a missing type as null and speak of it as the invalid type.
+inline const ZTMetaType& typeOrBad(const ZTMetaType* type)
+{
+    return type ? *type : ZTMetaType::ZTBadMetaType;
+}
+
 // A list holds its members by value (static classes) or by pointer (dynamic ones).
 template <class Member>
 const Member* memberAddress(const Member& member)
 {
     return &member;
 }
-template <class Pointer>
-auto memberAddress(const Pointer& member) -> decltype(member.get())
+template <class Member>
+const Member* memberAddress(const std::shared_ptr<Member>& member)
 {
     return member.get();
 }

@@ -4,14 +4,6 @@
 
 using namespace zt::detail;
 
-namespace
-{
-const ZTMetaType& typeOrBad(const ZTMetaType* type)
-{
-    return type ? *type : ZTMetaType::ZTBadMetaType;
-}
-} // namespace
-
 // clang-format off
 ZTStaticMetaClassInfo::ZTStaticMetaClassInfo(const ZTStaticMetaClassInfoData* record) noexcept : data(record) {}
 std::string_view ZTStaticMetaClassInfo::key() const { return data->key; }

@@ -42,8 +42,48 @@ int indexOfMember(void* variable)
     return index;
 }
 
+/// Raises an event of an object for a function of its class.
+struct ZT_EXPORT EventRaiser {
+    static void raise(const ZTBase& sender, int index, const ZTArgumentArray& arguments);
+};
+
 /// Logs that a member function that was to be subscribed to is no invokable of its class.
 ZT_EXPORT void warnUnknownEvent(const ZTMetaClass& metaClass);
+
+/// The parameters of an event, as far as they are known while compiling.
+template <class Event>
+struct EventParameters {
+    static_assert(isInvokablePointer<Event>,
+                  "An event is given as a member function or as a descriptor.");
+    using type = UnknownParameters;
+};
+template <class Event>
+    requires isMemberPointer<Event>
+struct EventParameters<Event> {
+    using type = typename MemberTraits<Event>::Params;
+};
+template <class Event>
+using EventParams = typename EventParameters<Event>::type;
+
+/// The descriptor of an event, which a host gives as such or as a member function.
+template <class Sender, class Event>
+const ZTMetaInvokable* eventOf(Sender*, Event event)
+{
+    static_assert(std::is_base_of_v<ZTBase, Sender>, "The sender must be an object.");
+    if constexpr (isMemberPointer<Event>) {
+        using Class = typename MemberTraits<Event>::Class;
+        static_assert(std::is_base_of_v<Class, Sender>,
+                      "The event is a member function of another class than the sender's.");
+        int index = indexOfMember<Class>(&event);
+        if (index < 0) {
+            warnUnknownEvent(Class::typeMetaClass());
+            return nullptr;
+        }
+        return Class::typeMetaClass().invokable(static_cast<unsigned int>(index));
+    } else {
+        return event;
+    }
+}
 } // namespace zt::detail
 
 /// The root of every object that the library reflects.
@@ -159,12 +199,13 @@ public:
                                     Handler handler)
     {
         static_assert(std::is_base_of_v<ZTBase, Receiver>, "The receiver must be an object.");
-        const ZTMetaInvokable* descriptor = eventOf(sender, event);
+        const ZTMetaInvokable* descriptor = zt::detail::eventOf(sender, event);
         if constexpr (zt::detail::isInvokablePointer<Handler>)
             return subscribe(sender, descriptor, receiver, handler);
         else
-            return subscribeImpl(sender, descriptor, receiver,
-                                 zt::detail::makeHandler<Receiver, EventParams<Event>>(handler));
+            return subscribeImpl(
+                sender, descriptor, receiver,
+                zt::detail::makeHandler<Receiver, zt::detail::EventParams<Event>>(handler));
     }
 
     /// Subscribes a function, or a callable without captures, that no object's life bounds.
@@ -172,8 +213,9 @@ public:
         requires(std::is_empty_v<Handler> || std::is_pointer_v<Handler>)
     static ZTSubscription subscribe(Sender* sender, Event event, Handler handler)
     {
-        return subscribeImpl(sender, eventOf(sender, event), nullptr,
-                             zt::detail::makeHandler<ZTBase, EventParams<Event>>(handler));
+        return subscribeImpl(
+            sender, zt::detail::eventOf(sender, event), nullptr,
+            zt::detail::makeHandler<ZTBase, zt::detail::EventParams<Event>>(handler));
     }
     /// A callable with captures and without a receiver: what it captured is safe only as long as
     /// somebody holds the result.
@@ -182,9 +224,9 @@ public:
                  !std::is_member_pointer_v<Handler>)
     static ZTScopedSubscription subscribe(Sender* sender, Event event, Handler handler)
     {
-        return ZTScopedSubscription(
-            subscribeImpl(sender, eventOf(sender, event), nullptr,
-                          zt::detail::makeHandler<ZTBase, EventParams<Event>>(std::move(handler))));
+        return ZTScopedSubscription(subscribeImpl(
+            sender, zt::detail::eventOf(sender, event), nullptr,
+            zt::detail::makeHandler<ZTBase, zt::detail::EventParams<Event>>(std::move(handler))));
     }
 
     // Unsubscribing. Each form ends every subscription that fits, at once, also while the event is
@@ -209,7 +251,7 @@ public:
     {
         const ZTMetaInvokable* descriptor = nullptr;
         if constexpr (!std::is_null_pointer_v<Event>) {
-            descriptor = eventOf(sender, event);
+            descriptor = zt::detail::eventOf(sender, event);
             if (!descriptor)
                 return false;
         }
@@ -254,40 +296,11 @@ protected:
 private:
     friend struct ZTBasePrivate;
     friend struct zt::detail::ClassAccess;
+    friend struct zt::detail::EventRaiser;
+    friend struct zt::detail::ZTRefImpl;
+    friend struct zt::detail::ZTStrongRefImpl;
     template <auto Event, class Params>
     friend struct zt::detail::TypedEvent;
-
-    template <class Event>
-    static auto eventParameters()
-    {
-        if constexpr (zt::detail::isMemberPointer<Event>)
-            return typename zt::detail::MemberTraits<Event>::Params{};
-        else
-            return zt::detail::UnknownParameters{};
-    }
-    template <class Event>
-    using EventParams = decltype(eventParameters<Event>());
-
-    template <class Sender, class Event>
-    static const ZTMetaInvokable* eventOf(Sender*, Event event)
-    {
-        static_assert(std::is_base_of_v<ZTBase, Sender>, "The sender must be an object.");
-        if constexpr (zt::detail::isMemberPointer<Event>) {
-            using Class = typename zt::detail::MemberTraits<Event>::Class;
-            static_assert(std::is_base_of_v<Class, Sender>,
-                          "The event is a member function of another class than the sender's.");
-            int index = zt::detail::indexOfMember<Class>(&event);
-            if (index < 0) {
-                zt::detail::warnUnknownEvent(Class::typeMetaClass());
-                return nullptr;
-            }
-            return Class::typeMetaClass().invokable(static_cast<unsigned int>(index));
-        } else {
-            static_assert(zt::detail::isInvokablePointer<Event>,
-                          "An event is given as a member function or as a descriptor.");
-            return event;
-        }
-    }
 
     static ZTSubscription subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                         const ZTBase* subscriber,

@@ -70,10 +70,10 @@ private:                                                                        
 #define ZT_DETAIL_JOIN(a, b) a##b
 #define ZT_DETAIL_UNIQUE(name, number) ZT_DETAIL_JOIN(name, number)
 
-/// Defines the descriptor of a class, once, in the file that implements the class; outside of any
-/// namespace, with the qualified name. The class and its pointer types are registered when that
-/// file's program or plugin is loaded. A plugin that declares classes stays loaded for the life of
-/// the process.
+/// Defines the descriptor of a class, once, in the file that implements the class: in the namespace
+/// of the class, or outside with the qualified name. The class and its pointer types are registered
+/// when that file's program or plugin is loaded. A plugin that declares classes stays loaded for
+/// the life of the process.
 #define ZT_CLASS(Class)                                                                            \
     ::zt::detail::ClassTable& Class::ztTable() { return ::zt::detail::declaredTable<Class>(); }    \
     const ZTMetaClass& Class::typeMetaClass() { return ztTable().complete(); }                     \

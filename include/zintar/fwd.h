@@ -30,6 +30,17 @@ struct ZTDynamicBase;
 class ZTEventBlocker;
 class ZTSubscription;
 class ZTScopedSubscription;
+class ZTEventListener;
+template <class T>
+class ZTRef;
+template <class T>
+class ZTStrongRef;
+
+class ZTMetaClassBuilder;
+class ZTMetaClassInfoBuilder;
+class ZTMetaEnumBuilder;
+class ZTMetaInvokableBuilder;
+class ZTMetaPropertyBuilder;
 
 struct ZTBasePrivate;
 struct ZTDynamicBasePrivate;
@@ -38,6 +49,8 @@ struct ZTSubscriptionPrivate;
 namespace zt::detail
 {
 struct ZTHandlerBase;
+struct ZTRefImpl;
+struct ZTStrongRefImpl;
 
 /// The number of arguments that an event or a method can carry;
 /// hosts see it as `ZTMetaInvokable::MaxParamCount`.

@@ -8,12 +8,15 @@
 #include <zintar/declare.h>
 #include <zintar/dynamicbase.h>
 #include <zintar/eventblocker.h>
+#include <zintar/eventlistener.h>
 #include <zintar/fwd.h>
 #include <zintar/integers.h>
 #include <zintar/log.h>
 #include <zintar/metaclass.h>
+#include <zintar/metaclassbuilder.h>
 #include <zintar/metatype.h>
 #include <zintar/metatypeof.h>
+#include <zintar/reference.h>
 #include <zintar/staticmetaclass.h>
 #include <zintar/subscription.h>
 #include <zintar/typedvalue.h>

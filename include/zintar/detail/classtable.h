@@ -22,13 +22,29 @@ struct InfoText {
     std::string_view value;
 };
 
+/// Tells members apart while compiling: the compiler's text for the member, and for its type, which
+/// differs between overloads. (Addresses cannot be compared then under every set of flags.)
+struct MemberIdentity {
+    std::string_view member;
+    std::string_view type;
+
+    constexpr bool operator==(const MemberIdentity&) const = default;
+    constexpr bool isSet() const { return !member.empty(); }
+};
+
+template <auto Member>
+constexpr MemberIdentity memberIdentity()
+{
+    return {valueProbe<Member>(), typeProbe<decltype(Member)>()};
+}
+
 /// One member as the class declares it. What does not apply to its kind is empty.
 struct MemberSpec {
     MemberKind kind = MemberKind::Info;
-    std::string_view name;  ///< the key of an annotation
-    std::string_view value; ///< of an annotation
-    /// The variable that holds the pointer to the member; tells members apart.
-    const void* key = nullptr;
+    std::string_view name;     ///< the key of an annotation
+    std::string_view value;    ///< of an annotation
+    MemberIdentity identity;   ///< of properties and invokables
+    const void* key = nullptr; ///< the variable that holds the pointer to the member
 
     // Enumerations.
     const std::string_view* enumerators = nullptr;
@@ -38,8 +54,8 @@ struct MemberSpec {
     // Properties.
     ZTStaticMetaPropertyData::Getter getter = nullptr;
     ZTStaticMetaPropertyData::Setter setter = nullptr;
-    const void* changeEvent = nullptr; ///< the key of the event
-    bool changeEventIsOwn = false;
+    MemberIdentity changeEvent;
+    const void* changeEventKey = nullptr;
     std::size_t firstInfo = 0; ///< where its annotations begin in the list's texts
 
     // Properties and invokables.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zintar/base.h>
+#include <zintar/detail/calls.h>
 #include <zintar/detail/classtable.h>
 #include <zintar/dynamicbase.h>
 
@@ -16,66 +17,18 @@
 
 namespace zt::detail
 {
-template <class C>
-inline constexpr bool isObjectClass = std::is_base_of_v<ZTBase, C>;
-
-/// The object that a variant points to, as the class that declares the member.
-template <class Object>
-Object* objectIn(const ZTVariant& object)
-{
-    return ztVariantValue<Object*>(object);
-}
-
-/// What a function gives, as a variant.
-template <class Result>
-ZTVariant boxResult(Result&& result)
-{
-    return ZTVariant(std::forward<Result>(result));
-}
-
-template <class Result>
-const ZTMetaType& resultType()
-{
-    if constexpr (std::is_void_v<Result>)
-        return ::ztMetaType<void>();
-    else
-        return ::ztMetaType<Held<Result>>();
-}
-
-/// An argument of a call; a parameter of type `ZTVariant` takes the variant as it is.
-template <class P>
-decltype(auto) unboxed(const ZTVariant& argument)
-{
-    if constexpr (std::is_same_v<Held<P>, ZTVariant>)
-        return (argument);
-    else
-        return ztVariantValue<Asked<P>>(argument);
-}
-
-template <auto Member, class... P>
-ZTVariant callMember(const ZTVariant& object, const ZTArgumentArray& arguments, Parameters<P...>)
+template <auto Member>
+ZTVariant invokeMember(const ZTVariant& object, const ZTArgumentArray& arguments)
 {
     using Traits = MemberTraits<decltype(Member)>;
     auto* self = objectIn<typename Traits::Object>(object);
     if (!self)
         return {};
-    return [&]<std::size_t... I>(std::index_sequence<I...>)
-    {
-        (void)arguments;
-        if constexpr (std::is_void_v<typename Traits::Result>) {
-            (self->*Member)(passAs<P>(unboxed<P>(arguments[I]))...);
-            return ZTVariant();
-        } else {
-            return boxResult((self->*Member)(passAs<P>(unboxed<P>(arguments[I]))...));
-        }
-    }
-    (std::index_sequence_for<P...>());
-}
-
-template <auto Member>
-ZTVariant invokeMember(const ZTVariant& object, const ZTArgumentArray& arguments)
-{
-    return callMember<Member>(object, arguments, typename MemberTraits<decltype(Member)>::Params{});
+    return callBoxed<typename Traits::Result>(
+        [self](auto&&... values) -> decltype(auto) {
+            return (self->*Member)(std::forward<decltype(values)>(values)...);
+        },
+        arguments, typename Traits::Params{});
 }
 
 template <auto Member>
@@ -91,29 +44,11 @@ ZTVariant getProperty(const ZTVariant& object)
         return boxResult(self->*Member);
 }
 
-/// Calls `store` with the object and the value. A value that does not fit is told in the log and
-/// goes no further, so that the property keeps what it has.
-template <class Class, class P, class Store>
-ZTVariant setProperty(const ZTVariant& object, const ZTVariant& value, Store store)
-{
-    auto* self = objectIn<Class>(object);
-    if (!self)
-        return {};
-    if constexpr (std::is_same_v<Held<P>, ZTVariant>) {
-        store(*self, value);
-    } else {
-        Held<P> held{};
-        if (retrieve<Asked<P>>(value, held))
-            store(*self, held);
-    }
-    return {};
-}
-
 template <auto Member, class P>
 ZTVariant callSetter(const ZTVariant& object, const ZTVariant& value, Parameters<P>)
 {
     using Class = typename MemberTraits<decltype(Member)>::Class;
-    return setProperty<Class, P>(object, value, [](Class& self, const Held<P>& held) {
+    return storeUnboxed<Class, P>(object, value, [](Class& self, const Held<P>& held) {
         (void)(self.*Member)(passAs<P>(held));
     });
 }
@@ -130,7 +65,7 @@ ZTVariant setField(const ZTVariant& object, const ZTVariant& value)
     using Traits = MemberTraits<decltype(Member)>;
     using Class = typename Traits::Class;
     using Field = typename Traits::Result;
-    return setProperty<Class, Field>(object, value, [](Class& self, const Held<Field>& held) {
+    return storeUnboxed<Class, Field>(object, value, [](Class& self, const Held<Field>& held) {
         self.*Member = static_cast<Field>(held);
     });
 }
@@ -206,7 +141,8 @@ struct PropertyEntry : ListedMember<InfoCount> {
     constexpr PropertyEntry notify() const
     {
         PropertyEntry linked = *this;
-        linked.spec.changeEvent = &memberVariable<Event>;
+        linked.spec.changeEvent = memberIdentity<Event>();
+        linked.spec.changeEventKey = &memberVariable<Event>;
         return linked;
     }
 
@@ -242,13 +178,13 @@ struct MemberList {
     constexpr bool isListedTwice(std::size_t position) const
     {
         const MemberSpec& member = members[position];
+        bool hasName =
+            member.kind == MemberKind::Property || member.kind == MemberKind::Enumeration;
+        bool isMember = member.kind != MemberKind::Info && member.kind != MemberKind::Enumeration;
         for (std::size_t i = 0; i < position; ++i) {
             const MemberSpec& other = members[i];
-            bool bothNamed = other.kind == member.kind && member.kind != MemberKind::Info;
-            if (member.key && member.key == other.key && bothNamed)
-                return true;
-            if (bothNamed && member.name == other.name &&
-                (member.kind == MemberKind::Property || member.kind == MemberKind::Enumeration))
+            if (other.kind == member.kind && ((hasName && member.name == other.name) ||
+                                              (isMember && member.identity == other.identity)))
                 return true;
         }
         return false;
@@ -262,10 +198,10 @@ struct MemberList {
         return false;
     }
 
-    constexpr bool hasEvent(const void* key) const
+    constexpr bool hasEvent(MemberIdentity event) const
     {
         for (const MemberSpec& member : members)
-            if (member.kind == MemberKind::Event && member.key == key)
+            if (member.kind == MemberKind::Event && member.identity == event)
                 return true;
         return false;
     }
@@ -384,6 +320,7 @@ constexpr InvokableEntry invokableEntry(MemberKind kind)
     InvokableEntry entry;
     entry.spec.kind = kind;
     entry.spec.name = valueName<Member>();
+    entry.spec.identity = memberIdentity<Member>();
     entry.spec.key = &memberVariable<Member>;
     entry.spec.type = &resultType<typename Traits::Result>;
     entry.spec.parameterTypes = Params::types;
@@ -428,6 +365,7 @@ constexpr detail::PropertyEntry<0> property()
     detail::PropertyEntry<0> entry;
     entry.spec.kind = detail::MemberKind::Property;
     entry.spec.name = detail::valueName<Getter>();
+    entry.spec.identity = detail::memberIdentity<Getter>();
     entry.spec.key = &detail::memberVariable<Getter>;
     entry.spec.type = &detail::resultType<Result>;
     constexpr bool readable = [] {
@@ -488,21 +426,22 @@ struct Declared<ZTDynamicBase> {
 
 /// Whether the class or one of its super classes lists the event.
 template <class C>
-constexpr bool listsEvent(const void* key)
+constexpr bool listsEvent(MemberIdentity event)
 {
     if constexpr (!isDeclared<C>())
         return true; // a table laid out by the host cannot be asked while compiling
     else if constexpr (std::is_void_v<typename Declared<C>::Super>)
-        return Declared<C>::members().hasEvent(key);
+        return Declared<C>::members().hasEvent(event);
     else
-        return Declared<C>::members().hasEvent(key) || listsEvent<typename Declared<C>::Super>(key);
+        return Declared<C>::members().hasEvent(event) ||
+               listsEvent<typename Declared<C>::Super>(event);
 }
 
 template <class C>
 constexpr bool notifiesEventsOnly()
 {
     for (const MemberSpec& member : Declared<C>::members().members)
-        if (member.changeEvent && !listsEvent<C>(member.changeEvent))
+        if (member.changeEvent.isSet() && !listsEvent<C>(member.changeEvent))
             return false;
     return true;
 }

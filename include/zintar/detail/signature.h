@@ -106,11 +106,13 @@ struct MemberTraits<R C::*> {
     static constexpr bool isConst = false;
 };
 
-/// The parameters of a callable: of a function, or of the one call operator of an object.
+/// The result and the parameters of a callable: of a function, or of the one call operator of an
+/// object.
 template <class F>
 struct CallableTraits {};
 template <class R, class... P>
 struct CallableTraits<R (*)(P...)> {
+    using Result = R;
     using Params = Parameters<P...>;
 };
 template <class R, class... P>
@@ -118,6 +120,7 @@ struct CallableTraits<R (*)(P...) noexcept> : CallableTraits<R (*)(P...)> {};
 template <class F>
     requires requires { &F::operator(); }
 struct CallableTraits<F> {
+    using Result = typename MemberTraits<decltype(&F::operator())>::Result;
     using Params = typename MemberTraits<decltype(&F::operator())>::Params;
 };
 
@@ -127,9 +130,8 @@ concept PlainCallable = requires
     typename CallableTraits<F>::Params;
 };
 
-/// A variable that holds a pointer to a member: its content is what a class is asked for, its
-/// address tells members apart while compiling. Each program and plugin has its own, since the
-/// address of an inline member function may differ between them.
+/// A variable that holds a pointer to a member: what a class is asked for. Each program and plugin
+/// has its own, since the address of an inline member function may differ between them.
 template <auto Member>
 [[gnu::visibility("hidden")]] inline constexpr auto memberVariable = Member;
 

@@ -210,9 +210,7 @@ struct TypeFunctions {
     }
     static constexpr DeserializeFunction deserialize()
     {
-        if constexpr (std::is_pointer_v<T>)
-            return nullptr;
-        else if constexpr (std::is_enum_v<T> || OwnExtraction<T>)
+        if constexpr (!std::is_pointer_v<T> && (std::is_enum_v<T> || OwnExtraction<T>))
             return &read;
         else
             return nullptr;

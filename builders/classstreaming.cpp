@@ -1,0 +1,218 @@
+// The stream form of a class. Integers have the least significant byte first; a string is a u64
+// length and the bytes; a type is its name as a string. There is no magic number and no length.
+//
+//   class        string typeName, string super class ("ZTNone" for none),
+//                u32 n, n * info, u32 n, n * enum, u32 n, n * invokable, u32 n, n * property
+//   info         string key, string value
+//   enum         string name, u64 n, n * (string enumerator, i32 value)
+//   invokable    string name, type result, u16 flags (1 const, 2 event), i32 access,
+//                u32 n, n * type
+//   property     string name, type, i32 position of the change event among the class's own
+//                invokables (negative for none), u8 flags (1 readable, 2 writable),
+//                u32 n, n * (string key, string value)
+//
+// Only own members are written. The invokables stand before the properties, which refer to them.
+
+#include "metaclassbuilderprivate.h"
+
+#include <zintar/base.h>
+#include <zintar/datastream.h>
+#include <zintar/log.h>
+#include <zintar/metaclassbuilder.h>
+
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace
+{
+constexpr unsigned short constFlag = 1;
+constexpr unsigned short eventFlag = 2;
+
+void write(ZTDataStream& stream, const ZTMetaClassInfo& info)
+{
+    stream << info.key() << info.value();
+}
+
+void write(ZTDataStream& stream, const ZTMetaEnum& metaEnum)
+{
+    stream << metaEnum.name() << static_cast<unsigned long long>(metaEnum.count());
+    for (unsigned int i = 0; i < metaEnum.count(); ++i)
+        stream << metaEnum.enumerator(i) << metaEnum.value(i);
+}
+
+void write(ZTDataStream& stream, const ZTMetaInvokable& invokable)
+{
+    auto flags = static_cast<unsigned short>((invokable.isConst() ? constFlag : 0) |
+                                             (invokable.isEvent() ? eventFlag : 0));
+    stream << invokable.name() << invokable.returnMetaType() << flags
+           << static_cast<int>(invokable.accessSpecifier()) << invokable.parameterCount();
+    for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
+        stream << invokable.parameterMetaType(i);
+}
+
+void write(ZTDataStream& stream, const ZTMetaProperty& property, unsigned int invokableOffset)
+{
+    int event = property.changeEventIndex();
+    if (event >= 0)
+        event -= static_cast<int>(invokableOffset);
+    auto flags =
+        static_cast<unsigned char>((property.canGet() ? ZTDynamicMetaProperty::storedGetter : 0) |
+                                   (property.canSet() ? ZTDynamicMetaProperty::storedSetter : 0));
+    stream << property.name() << property.metaType() << event << flags << property.propInfoCount();
+    for (unsigned int i = 0; i < property.propInfoCount(); ++i)
+        stream << property.propInfoKey(i) << property.propInfoValue(i);
+}
+} // namespace
+
+ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
+{
+    const ZTMetaClass* super = metaClass.superClass();
+    stream << metaClass.typeName() << (super ? super->typeName() : std::string_view("ZTNone"));
+
+    stream << metaClass.classInfoCount() - metaClass.classInfoOffset();
+    for (unsigned int i = metaClass.classInfoOffset(); i < metaClass.classInfoCount(); ++i)
+        write(stream, *metaClass.classInfo(i));
+    stream << metaClass.enumCount() - metaClass.enumOffset();
+    for (unsigned int i = metaClass.enumOffset(); i < metaClass.enumCount(); ++i)
+        write(stream, *metaClass.metaEnum(i));
+    stream << metaClass.invokableCount() - metaClass.invokableOffset();
+    for (unsigned int i = metaClass.invokableOffset(); i < metaClass.invokableCount(); ++i)
+        write(stream, *metaClass.invokable(i));
+    stream << metaClass.propertyCount() - metaClass.propertyOffset();
+    for (unsigned int i = metaClass.propertyOffset(); i < metaClass.propertyCount(); ++i)
+        write(stream, *metaClass.property(i), metaClass.invokableOffset());
+    return stream;
+}
+
+namespace
+{
+using Classes = std::unordered_map<std::string, const ZTMetaClass*>;
+
+const ZTMetaClass* findSuperClass(const std::string& name, const Classes& metaClasses)
+{
+    auto found = metaClasses.find(name);
+    if (found != metaClasses.end())
+        return found->second;
+    if (name == "ZTBase" || name == ZTBase::typeMetaClass().typeName())
+        return &ZTBase::typeMetaClass();
+    ztLog("Zintar: ZTMetaClassBuilder failed to set super class. No meta class with name \"" +
+              name + "\" provided.",
+          ZTLogType::Warning);
+    return nullptr;
+}
+
+/// Reads the parts of a class from a stream, up to the first read that fails.
+class ClassReader
+{
+public:
+    ClassReader(ZTDataStream& stream, ZTDynamicMetaClass& metaClass)
+        : m_stream(stream), m_class(metaClass)
+    {}
+
+    void readMembers()
+    {
+        readList<unsigned int>([this] { readClassInfo(); });
+        readList<unsigned int>([this] { readEnum(); });
+        readList<unsigned int>([this] { readInvokable(); });
+        readList<unsigned int>([this] { readProperty(); });
+    }
+
+private:
+    template <class... Values>
+    bool read(Values&... values)
+    {
+        return (... && (m_stream >> values, m_stream.good()));
+    }
+
+    /// A damaged count ends with the bytes.
+    template <class Count, class ReadOne>
+    void readList(ReadOne readOne)
+    {
+        Count count = 0;
+        if (!m_stream.good() || !read(count))
+            return;
+        for (Count i = 0; i < count && m_stream.good(); ++i)
+            readOne();
+    }
+
+    void readClassInfo()
+    {
+        m_class.m_classInfos.push_back(std::make_shared<ZTDynamicMetaClassInfo>());
+        ZTDynamicMetaClassInfo& info = *m_class.m_classInfos.back();
+        read(info.m_key, info.m_value);
+    }
+
+    /// A name or a value that is there already is read and left out, as a builder refuses it.
+    void readEnum()
+    {
+        m_class.m_enums.push_back(std::make_shared<ZTDynamicMetaEnum>());
+        ZTDynamicMetaEnum& metaEnum = *m_class.m_enums.back();
+        if (!read(metaEnum.m_name))
+            return;
+        std::unordered_set<std::string> names;
+        std::unordered_set<int> values;
+        readList<unsigned long long>([&] {
+            std::string name;
+            int value = 0;
+            if (!read(name, value) || names.count(name) || values.count(value))
+                return;
+            metaEnum.m_enumerators.push_back(name);
+            metaEnum.m_values.push_back(value);
+            names.insert(std::move(name));
+            values.insert(value);
+        });
+    }
+
+    void readInvokable()
+    {
+        m_class.addInvokable();
+        ZTDynamicMetaInvokable& invokable = *m_class.m_invokables.back();
+        unsigned short flags = 0;
+        int access = 0;
+        if (!read(invokable.m_name, invokable.m_returnMetaType, flags, access))
+            return;
+        invokable.m_isConst = flags & constFlag;
+        invokable.m_isEvent = flags & eventFlag;
+        invokable.m_access = static_cast<ZTAccessSpecifier>(access);
+        readList<unsigned int>([&] {
+            const ZTMetaType* type = nullptr;
+            if (read(type))
+                invokable.m_parameterMetaTypes.push_back(type);
+        });
+    }
+
+    void readProperty()
+    {
+        m_class.m_properties.push_back(std::make_shared<ZTDynamicMetaProperty>());
+        ZTDynamicMetaProperty& property = *m_class.m_properties.back();
+        int event = -1;
+        if (!read(property.m_name, property.m_metaType, event))
+            return;
+        if (event >= 0 && static_cast<std::size_t>(event) < m_class.m_invokables.size())
+            property.m_changeEvent = m_class.m_invokables[static_cast<std::size_t>(event)];
+        if (!read(property.m_accessFlags))
+            return;
+        readList<unsigned int>([&] {
+            std::string key;
+            std::string value;
+            if (read(key, value))
+                property.m_propInfos.emplace_back(std::move(key), std::move(value));
+        });
+    }
+
+    ZTDataStream& m_stream;
+    ZTDynamicMetaClass& m_class;
+};
+} // namespace
+
+void ZTMetaClassBuilder::deserialize(ZTDataStream& stream, const Classes& metaClasses)
+{
+    std::string name;
+    stream >> name;
+    setTypeName(name);
+    stream >> name;
+    setSuperClass(findSuperClass(name, metaClasses));
+    ClassReader(stream, *priv->metaClass).readMembers();
+}

@@ -1,0 +1,158 @@
+#include "metaclassbuilderprivate.h"
+
+#include <zintar/metaclassbuilder.h>
+
+#include <string>
+
+ZTMetaClassBuilder::ZTMetaClassBuilder(const ZTMetaClass* prototype)
+    : priv(new ZTMetaClassBuilderPrivate{std::make_unique<ZTDynamicMetaClass>()})
+{
+    if (prototype)
+        copyMembers(*prototype);
+}
+
+ZTMetaClassBuilder::~ZTMetaClassBuilder() { delete priv; }
+
+// The own members of the prototype. The invokables come before the properties, since a copied
+// property finds its change event among them by number.
+void ZTMetaClassBuilder::copyMembers(const ZTMetaClass& prototype)
+{
+    setSuperClass(prototype.superClass());
+    setTypeName(prototype.typeName());
+    for (unsigned int i = prototype.classInfoOffset(); i < prototype.classInfoCount(); ++i)
+        addClassInfo(prototype.classInfo(i));
+    for (unsigned int i = prototype.enumOffset(); i < prototype.enumCount(); ++i)
+        addEnum(prototype.metaEnum(i));
+    for (unsigned int i = prototype.invokableOffset(); i < prototype.invokableCount(); ++i)
+        addInvokable(prototype.invokable(i));
+    for (unsigned int i = prototype.propertyOffset(); i < prototype.propertyCount(); ++i)
+        addProperty(prototype.property(i));
+}
+
+ZTMetaClass* ZTMetaClassBuilder::toMetaClass()
+{
+    ZTMetaClassBuilder copy(priv->metaClass.get());
+    copy.priv->metaClass->freezeIndices();
+    return copy.priv->metaClass.release();
+}
+
+void ZTMetaClassBuilder::setSuperClass(const ZTMetaClass* super)
+{
+    priv->metaClass->setSuperClass(super);
+}
+
+const ZTMetaClass* ZTMetaClassBuilder::superClass() const { return priv->metaClass->superClass(); }
+
+void ZTMetaClassBuilder::setTypeName(std::string_view name)
+{
+    priv->metaClass->m_typeName = std::string(name);
+}
+
+std::string_view ZTMetaClassBuilder::typeName() const { return priv->metaClass->typeName(); }
+
+namespace
+{
+template <class List>
+void eraseAt(List& list, unsigned int index)
+{
+    if (index < list.size())
+        list.erase(list.begin() + index);
+}
+
+template <class List>
+int countOf(const List& list)
+{
+    return static_cast<int>(list.size());
+}
+} // namespace
+
+ZTMetaClassInfoBuilder ZTMetaClassBuilder::addClassInfo(const ZTMetaClassInfo* prototype)
+{
+    auto& list = priv->metaClass->m_classInfos;
+    list.push_back(std::make_shared<ZTDynamicMetaClassInfo>());
+    return {list.back(), prototype};
+}
+
+ZTMetaClassInfoBuilder ZTMetaClassBuilder::classInfo(unsigned int index)
+{
+    auto& list = priv->metaClass->m_classInfos;
+    if (index >= list.size())
+        return {};
+    return {list[index], nullptr};
+}
+
+void ZTMetaClassBuilder::removeClassInfo(unsigned int index)
+{
+    eraseAt(priv->metaClass->m_classInfos, index);
+}
+
+int ZTMetaClassBuilder::classInfoCount() const { return countOf(priv->metaClass->m_classInfos); }
+
+ZTMetaEnumBuilder ZTMetaClassBuilder::addEnum(const ZTMetaEnum* prototype)
+{
+    auto& list = priv->metaClass->m_enums;
+    list.push_back(std::make_shared<ZTDynamicMetaEnum>());
+    return {list.back(), prototype};
+}
+
+ZTMetaEnumBuilder ZTMetaClassBuilder::metaEnum(unsigned int index)
+{
+    auto& list = priv->metaClass->m_enums;
+    if (index >= list.size())
+        return {};
+    return {list[index], nullptr};
+}
+
+void ZTMetaClassBuilder::removeEnum(unsigned int index)
+{
+    eraseAt(priv->metaClass->m_enums, index);
+}
+
+int ZTMetaClassBuilder::enumCount() const { return countOf(priv->metaClass->m_enums); }
+
+ZTMetaInvokableBuilder ZTMetaClassBuilder::addInvokable(const ZTMetaInvokable* prototype)
+{
+    auto& list = priv->metaClass->m_invokables;
+    priv->metaClass->addInvokable();
+    return {this, list.back(), prototype};
+}
+
+ZTMetaInvokableBuilder ZTMetaClassBuilder::invokable(unsigned int index)
+{
+    auto& list = priv->metaClass->m_invokables;
+    if (index >= list.size())
+        return {};
+    return {this, list[index], nullptr};
+}
+
+void ZTMetaClassBuilder::removeInvokable(unsigned int index)
+{
+    auto& list = priv->metaClass->m_invokables;
+    if (index < list.size())
+        list[index]->forgetOwner();
+    eraseAt(list, index);
+}
+
+int ZTMetaClassBuilder::invokableCount() const { return countOf(priv->metaClass->m_invokables); }
+
+ZTMetaPropertyBuilder ZTMetaClassBuilder::addProperty(const ZTMetaProperty* prototype)
+{
+    auto& list = priv->metaClass->m_properties;
+    list.push_back(std::make_shared<ZTDynamicMetaProperty>());
+    return {this, list.back(), prototype};
+}
+
+ZTMetaPropertyBuilder ZTMetaClassBuilder::property(unsigned int index)
+{
+    auto& list = priv->metaClass->m_properties;
+    if (index >= list.size())
+        return {};
+    return {this, list[index], nullptr};
+}
+
+void ZTMetaClassBuilder::removeProperty(unsigned int index)
+{
+    eraseAt(priv->metaClass->m_properties, index);
+}
+
+int ZTMetaClassBuilder::propertyCount() const { return countOf(priv->metaClass->m_properties); }

@@ -1,0 +1,145 @@
+#include "memberbuilderprivate.h"
+
+#include <zintar/metaclassbuilder.h>
+#include <zintar/staticmetaclass.h>
+
+#include <string>
+#include <utility>
+
+ZTMetaPropertyBuilder::ZTMetaPropertyBuilder()
+    : ZTMetaPropertyBuilder(nullptr, std::make_shared<ZTDynamicMetaProperty>(), nullptr)
+{}
+
+ZTMetaPropertyBuilder::ZTMetaPropertyBuilder(ZTMetaClassBuilder* classBuilder,
+                                             std::shared_ptr<ZTDynamicMetaProperty> descriptor,
+                                             const ZTMetaProperty* prototype)
+    : priv(new ZTMetaPropertyBuilderPrivate{std::move(descriptor), classBuilder})
+{
+    if (!prototype)
+        return;
+    setName(prototype->name());
+    setMetaType(prototype->metaType());
+    copyFunctions(*prototype);
+    copyChangeEvent(*prototype);
+    for (unsigned int i = 0; i < prototype->propInfoCount(); ++i)
+        addPropInfo(prototype->propInfoKey(i), prototype->propInfoValue(i));
+}
+
+ZTMetaPropertyBuilder::~ZTMetaPropertyBuilder() { delete priv; }
+
+void ZTMetaPropertyBuilder::copyFunctions(const ZTMetaProperty& prototype)
+{
+    if (prototype.isDynamic()) {
+        const auto& source = static_cast<const ZTDynamicMetaProperty&>(prototype);
+        setUntypedGetter(source.m_getter);
+        setUntypedSetter(source.m_setter);
+    } else if (const auto* source = dynamic_cast<const ZTStaticMetaProperty*>(&prototype)) {
+        setUntypedGetter(source->getter());
+        setUntypedSetter(source->setter());
+    }
+}
+
+/// By number: the invokables of the class under construction stand in the order of the prototype's.
+void ZTMetaPropertyBuilder::copyChangeEvent(const ZTMetaProperty& prototype)
+{
+    int index = prototype.changeEventIndex();
+    if (index < 0 || !priv->classBuilder)
+        return;
+    const ZTMetaClass* super = priv->classBuilder->superClass();
+    unsigned int inherited = super ? super->invokableCount() : 0;
+    // An inherited event wraps round to a position that no class has, and links nothing.
+    setChangeEvent(priv->classBuilder->invokable(static_cast<unsigned int>(index) - inherited));
+}
+
+std::string_view ZTMetaPropertyBuilder::name() const { return priv->descriptor->name(); }
+
+void ZTMetaPropertyBuilder::setName(std::string_view name)
+{
+    priv->descriptor->m_name = std::string(name);
+}
+
+const ZTMetaType& ZTMetaPropertyBuilder::metaType() const { return priv->descriptor->metaType(); }
+
+void ZTMetaPropertyBuilder::setMetaType(const ZTMetaType& type)
+{
+    priv->descriptor->m_metaType = &type;
+}
+
+bool ZTMetaPropertyBuilder::canGet() const
+{
+    const ZTDynamicMetaProperty& property = *priv->descriptor;
+    return (property.m_accessFlags & ZTDynamicMetaProperty::storedGetter) || property.canGet();
+}
+
+bool ZTMetaPropertyBuilder::canSet() const
+{
+    const ZTDynamicMetaProperty& property = *priv->descriptor;
+    return (property.m_accessFlags & ZTDynamicMetaProperty::storedSetter) || property.canSet();
+}
+
+zt::detail::GetterFunction ZTMetaPropertyBuilder::getter() const
+{
+    return priv->descriptor->m_getter;
+}
+
+zt::detail::SetterFunction ZTMetaPropertyBuilder::setter() const
+{
+    return priv->descriptor->m_setter;
+}
+
+namespace
+{
+void clearFlag(unsigned char& flags, unsigned char flag)
+{
+    flags = static_cast<unsigned char>(flags & ~flag);
+}
+} // namespace
+
+void ZTMetaPropertyBuilder::setUntypedGetter(zt::detail::GetterFunction getter)
+{
+    clearFlag(priv->descriptor->m_accessFlags, ZTDynamicMetaProperty::storedGetter);
+    priv->descriptor->m_getter = std::move(getter);
+}
+
+void ZTMetaPropertyBuilder::setUntypedSetter(zt::detail::SetterFunction setter)
+{
+    clearFlag(priv->descriptor->m_accessFlags, ZTDynamicMetaProperty::storedSetter);
+    priv->descriptor->m_setter = std::move(setter);
+}
+
+unsigned int ZTMetaPropertyBuilder::propInfoCount() const
+{
+    return priv->descriptor->propInfoCount();
+}
+
+std::string_view ZTMetaPropertyBuilder::propInfoKey(unsigned int index) const
+{
+    return priv->descriptor->propInfoKey(index);
+}
+
+std::string_view ZTMetaPropertyBuilder::propInfoValue(unsigned int index) const
+{
+    return priv->descriptor->propInfoValue(index);
+}
+
+void ZTMetaPropertyBuilder::addPropInfo(std::string_view key, std::string_view value)
+{
+    priv->descriptor->m_propInfos.emplace_back(key, value);
+}
+
+void ZTMetaPropertyBuilder::removePropInfo(unsigned int index)
+{
+    auto& infos = priv->descriptor->m_propInfos;
+    if (index < infos.size())
+        infos.erase(infos.begin() + index);
+}
+
+int ZTMetaPropertyBuilder::changeEventIndex() const { return priv->descriptor->changeEventIndex(); }
+
+void ZTMetaPropertyBuilder::setChangeEvent(const ZTMetaInvokableBuilder& event)
+{
+    if (event.priv->classBuilder == priv->classBuilder)
+        priv->descriptor->m_changeEvent = event.priv->descriptor;
+}
+
+void ZTMetaPropertyBuilder::clearChangeEvent() { priv->descriptor->m_changeEvent.reset(); }

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <zintar/detail/signature.h>
+#include <zintar/typedvalue.h>
+
+#include <cstddef>
+#include <type_traits>
+#include <utility>
+
+/// @file
+/// Typed functions behind the untyped forms in which descriptors call them: what is common to the
+/// members of a declared class and to the functions of a class made at run time.
+
+namespace zt::detail
+{
+template <class C>
+inline constexpr bool isObjectClass = std::is_base_of_v<ZTBase, C>;
+
+/// The object that a variant points to, as the class that declares the member.
+template <class Object>
+Object* objectIn(const ZTVariant& object)
+{
+    return ztVariantValue<Object*>(object);
+}
+
+/// What a function gives, as a variant.
+template <class Result>
+ZTVariant boxResult(Result&& result)
+{
+    return ZTVariant(std::forward<Result>(result));
+}
+
+template <class Result>
+const ZTMetaType& resultType()
+{
+    if constexpr (std::is_void_v<Result>)
+        return ::ztMetaType<void>();
+    else
+        return ::ztMetaType<Held<Result>>();
+}
+
+/// An argument of a call; a parameter of type `ZTVariant` takes the variant as it is.
+template <class P>
+decltype(auto) unboxed(const ZTVariant& argument)
+{
+    if constexpr (std::is_same_v<Held<P>, ZTVariant>)
+        return (argument);
+    else
+        return ztVariantValue<Asked<P>>(argument);
+}
+
+/// Calls with the arguments unpacked, and packs the result.
+template <class Result, class Call, class... P>
+ZTVariant callBoxed(const Call& call, const ZTArgumentArray& arguments, Parameters<P...>)
+{
+    return [&]<std::size_t... I>(std::index_sequence<I...>)
+    {
+        (void)arguments;
+        if constexpr (std::is_void_v<Result>) {
+            call(passAs<P>(unboxed<P>(arguments[I]))...);
+            return ZTVariant();
+        } else {
+            return boxResult<Result>(call(passAs<P>(unboxed<P>(arguments[I]))...));
+        }
+    }
+    (std::index_sequence_for<P...>());
+}
+
+/// Calls `store` with the object and the value. A value that does not fit is told in the log and
+/// goes no further, so that the property keeps what it has.
+template <class Class, class P, class Store>
+ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, Store&& store)
+{
+    auto* self = objectIn<Class>(object);
+    if (!self)
+        return {};
+    if constexpr (std::is_same_v<Held<P>, ZTVariant>) {
+        store(*self, value);
+    } else {
+        static_assert(std::is_default_constructible_v<Held<P>>,
+                      "The type of a property that can be set needs a default value.");
+        Held<P> held{};
+        if (retrieve<Asked<P>>(value, held))
+            store(*self, std::as_const(held));
+    }
+    return {};
+}
+} // namespace zt::detail

@@ -1,0 +1,324 @@
+#pragma once
+
+#include <zintar/detail/runtimefunctions.h>
+#include <zintar/export.h>
+#include <zintar/fwd.h>
+#include <zintar/metaclass.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <unordered_map>
+#include <vector>
+
+struct ZTMetaClassBuilderPrivate;
+struct ZTMetaClassInfoBuilderPrivate;
+struct ZTMetaEnumBuilderPrivate;
+struct ZTMetaInvokableBuilderPrivate;
+struct ZTMetaPropertyBuilderPrivate;
+struct ZTDynamicMetaClassInfo;
+struct ZTDynamicMetaEnum;
+struct ZTDynamicMetaInvokable;
+struct ZTDynamicMetaProperty;
+class ZTMetaClassBuilder;
+
+/// @file
+/// Classes made at run time. A `ZTMetaClassBuilder` holds a class under construction; its members
+/// are added and edited through the four member builders, and `toMetaClass()` hands out a finished
+/// copy that never changes:
+///
+///     ZTMetaClassBuilder builder;
+///     builder.setTypeName("Account");
+///     builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
+///     auto changed = builder.addInvokable();
+///     changed.setName("balanceChanged");
+///     changed.setEvent<double>();
+///     auto deposit = builder.addInvokable();
+///     deposit.setName("deposit");
+///     deposit.setFunction([](Account& self, double amount) { self.add(amount); });
+///     std::unique_ptr<ZTMetaClass> account(builder.toMetaClass());
+///
+/// A member builder is a handle: an edit shows in the builder's class at once, and the handle may
+/// be dropped at any time. One whose member was removed, or whose class builder is gone, goes on
+/// working on a member that belongs to nothing. One for an index out of range is such a handle from
+/// the start. Reads out of range give an empty view, -1 or the invalid type; nothing is logged.
+///
+/// Threads: a builder and its handles belong to one thread at a time; a finished class is
+/// immutable and may go to another.
+
+/// Edits one annotation of the class.
+class ZT_EXPORT ZTMetaClassInfoBuilder
+{
+public:
+    ZTMetaClassInfoBuilder(const ZTMetaClassInfoBuilder&) = delete;
+    ZTMetaClassInfoBuilder& operator=(const ZTMetaClassInfoBuilder&) = delete;
+    ~ZTMetaClassInfoBuilder();
+
+    [[nodiscard]] std::string_view key() const;
+    void setKey(std::string_view key);
+    [[nodiscard]] std::string_view value() const;
+    void setValue(std::string_view value);
+
+private:
+    friend class ZTMetaClassBuilder;
+    ZTMetaClassInfoBuilder();
+    ZTMetaClassInfoBuilder(std::shared_ptr<ZTDynamicMetaClassInfo> descriptor,
+                           const ZTMetaClassInfo* prototype);
+
+    ZTMetaClassInfoBuilderPrivate* priv;
+};
+
+/// Edits one enumeration of the class.
+class ZT_EXPORT ZTMetaEnumBuilder
+{
+public:
+    ZTMetaEnumBuilder(const ZTMetaEnumBuilder&) = delete;
+    ZTMetaEnumBuilder& operator=(const ZTMetaEnumBuilder&) = delete;
+    ~ZTMetaEnumBuilder();
+
+    [[nodiscard]] std::string_view name() const;
+    void setName(std::string_view name);
+    [[nodiscard]] int count() const;
+    [[nodiscard]] std::string_view enumerator(unsigned int index) const;
+    [[nodiscard]] int value(unsigned int index) const;
+    /// @return false, changing nothing, when the name or the value is there already
+    bool add(std::string_view name, int value);
+    void remove(unsigned int index);
+
+private:
+    friend class ZTMetaClassBuilder;
+    ZTMetaEnumBuilder();
+    ZTMetaEnumBuilder(std::shared_ptr<ZTDynamicMetaEnum> descriptor, const ZTMetaEnum* prototype);
+
+    ZTMetaEnumBuilderPrivate* priv;
+};
+
+/// Edits one method or event of the class.
+class ZT_EXPORT ZTMetaInvokableBuilder
+{
+public:
+    ZTMetaInvokableBuilder(const ZTMetaInvokableBuilder&) = delete;
+    ZTMetaInvokableBuilder& operator=(const ZTMetaInvokableBuilder&) = delete;
+    ~ZTMetaInvokableBuilder();
+
+    [[nodiscard]] std::string_view name() const;
+    void setName(std::string_view name);
+    [[nodiscard]] bool isConst() const;
+    void setIsConst(bool isConst);
+    [[nodiscard]] bool isEvent() const;
+    void setIsEvent(bool isEvent);
+    [[nodiscard]] const ZTMetaType& returnMetaType() const;
+    void setReturnMetaType(const ZTMetaType& type);
+    [[nodiscard]] std::vector<const ZTMetaType*> parameterMetaTypes() const;
+    /// Any number is stored; a call carries the first `ZTMetaInvokable::MaxParamCount`.
+    void setParameterMetaTypes(const std::vector<const ZTMetaType*>& types);
+    /// `Private` in a new invokable.
+    [[nodiscard]] ZTAccessSpecifier accessSpecifier() const;
+    void setAccessSpecifier(ZTAccessSpecifier access);
+    [[nodiscard]] zt::detail::InvokableFunction function() const;
+
+    /// Sets what a call runs.
+    ///
+    /// Given a callable whose first parameter is the object, `[](Account& self, double amount)`,
+    /// it fills in the parameter types, the result type, and the constness from that of `self`.
+    /// Arguments that do not fit are told in the log and arrive as default values. Given one that
+    /// takes the variants themselves, `(const ZTVariant& object, const ZTArgumentArray&)`, it
+    /// leaves the types to the other setters.
+    /// @param key  by which `ZTMetaClass::indexOfInvokable(void*)` finds the invokable; only
+    ///             compared, never looked at
+    template <class Callable>
+    void setFunction(Callable callable, void* key = nullptr)
+    {
+        if constexpr (std::is_convertible_v<Callable, zt::detail::InvokableFunction>) {
+            setUntypedFunction(std::move(callable), key);
+        } else {
+            using Traits = zt::detail::ObjectCallable<Callable>;
+            static_assert(Traits::Params::count <= zt::detail::maxParamCount,
+                          "A method has at most ZTMetaInvokable::MaxParamCount parameters.");
+            static_assert(Traits::Params::plain,
+                          "The parameters of a method are values or references to const.");
+            setIsConst(Traits::isConst);
+            setReturnMetaType(zt::detail::resultType<typename Traits::Result>());
+            setParameterMetaTypes(zt::detail::typesOf(typename Traits::Params{}));
+            setUntypedFunction(zt::detail::wrapMethod(std::move(callable)), key);
+        }
+    }
+
+    /// Makes the invokable an event with parameters of those types. A call of it raises the event
+    /// on the object; so does `ZTBase::sendEvent` with its index.
+    template <class... P>
+    void setEvent()
+    {
+        static_assert(sizeof...(P) <= zt::detail::maxParamCount,
+                      "An event has at most ZTMetaInvokable::MaxParamCount parameters.");
+        setEvent(zt::detail::typesOf(zt::detail::Parameters<P...>{}));
+    }
+    /// The same with types that are known at run time only.
+    void setEvent(const std::vector<const ZTMetaType*>& parameterTypes);
+
+private:
+    friend class ZTMetaClassBuilder;
+    friend class ZTMetaPropertyBuilder;
+    ZTMetaInvokableBuilder();
+    ZTMetaInvokableBuilder(ZTMetaClassBuilder* classBuilder,
+                           std::shared_ptr<ZTDynamicMetaInvokable> descriptor,
+                           const ZTMetaInvokable* prototype);
+
+    void setUntypedFunction(const zt::detail::InvokableFunction& function, void* key);
+
+    ZTMetaInvokableBuilderPrivate* priv;
+};
+
+/// Edits one property of the class.
+class ZT_EXPORT ZTMetaPropertyBuilder
+{
+public:
+    ZTMetaPropertyBuilder(const ZTMetaPropertyBuilder&) = delete;
+    ZTMetaPropertyBuilder& operator=(const ZTMetaPropertyBuilder&) = delete;
+    ~ZTMetaPropertyBuilder();
+
+    [[nodiscard]] std::string_view name() const;
+    void setName(std::string_view name);
+    [[nodiscard]] const ZTMetaType& metaType() const;
+    void setMetaType(const ZTMetaType& type);
+
+    /// Whether there is a getter, or a stored class had one that was not given back yet: so a
+    /// reader of a class learns which functions to supply. The descriptor's own `canGet` looks at
+    /// the functions only.
+    [[nodiscard]] bool canGet() const;
+    [[nodiscard]] bool canSet() const;
+    [[nodiscard]] zt::detail::GetterFunction getter() const;
+    [[nodiscard]] zt::detail::SetterFunction setter() const;
+
+    /// Sets what reading runs; an empty function removes the getter.
+    ///
+    /// Given a callable that takes the object, `[](const Account& self) { return ...; }`, it sets
+    /// the type of the property: `Value`, or what the callable gives. Given one that takes the
+    /// variant itself, it leaves the type alone.
+    template <class Value = void, class Callable>
+    void setGetter(Callable callable)
+    {
+        if constexpr (std::is_convertible_v<Callable, zt::detail::GetterFunction>) {
+            setUntypedGetter(std::move(callable));
+        } else {
+            using Result = typename zt::detail::ObjectCallable<Callable>::Result;
+            using Type = std::conditional_t<std::is_void_v<Value>, Result, Value>;
+            setMetaType(zt::detail::resultType<Type>());
+            setUntypedGetter(zt::detail::wrapGetter<Type>(std::move(callable)));
+        }
+    }
+    /// Sets what writing runs; an empty function removes the setter. A callable
+    /// `[](Account& self, double value)` sets the type of the property; a value that does not fit
+    /// is told in the log, and the callable is not called.
+    template <class Callable>
+    void setSetter(Callable callable)
+    {
+        if constexpr (std::is_convertible_v<Callable, zt::detail::SetterFunction>) {
+            setUntypedSetter(std::move(callable));
+        } else {
+            using Params = typename zt::detail::ObjectCallable<Callable>::Params;
+            static_assert(Params::count == 1, "A setter takes the object and one value.");
+            setMetaType(Params::types[0]());
+            setUntypedSetter(zt::detail::wrapSetter(std::move(callable), Params{}));
+        }
+    }
+
+    [[nodiscard]] unsigned int propInfoCount() const;
+    [[nodiscard]] std::string_view propInfoKey(unsigned int index) const;
+    [[nodiscard]] std::string_view propInfoValue(unsigned int index) const;
+    /// Appends an annotation. Keys may repeat.
+    void addPropInfo(std::string_view key, std::string_view value);
+    void removePropInfo(unsigned int index);
+
+    /// The class-wide index that the change event has now; -1 when there is none any more.
+    [[nodiscard]] int changeEventIndex() const;
+    /// Links the event that announces a change. It follows the invokable, wherever that moves. An
+    /// invokable of another class builder is ignored.
+    void setChangeEvent(const ZTMetaInvokableBuilder& event);
+    void clearChangeEvent();
+
+private:
+    friend class ZTMetaClassBuilder;
+    ZTMetaPropertyBuilder();
+    ZTMetaPropertyBuilder(ZTMetaClassBuilder* classBuilder,
+                          std::shared_ptr<ZTDynamicMetaProperty> descriptor,
+                          const ZTMetaProperty* prototype);
+
+    void setUntypedGetter(zt::detail::GetterFunction getter);
+    void setUntypedSetter(zt::detail::SetterFunction setter);
+    void copyFunctions(const ZTMetaProperty& prototype);
+    void copyChangeEvent(const ZTMetaProperty& prototype);
+
+    ZTMetaPropertyBuilderPrivate* priv;
+};
+
+/// A class under construction; see the top of this file. Indices and counts are those of the
+/// class's own members, from 0.
+class ZT_EXPORT ZTMetaClassBuilder
+{
+public:
+    /// @param prototype  a class of either family whose own members are copied; null for an empty
+    ///                   class. Properties keep their functions; a declared class's methods come
+    ///                   without theirs.
+    explicit ZTMetaClassBuilder(const ZTMetaClass* prototype = nullptr);
+    ZTMetaClassBuilder(const ZTMetaClassBuilder&) = delete;
+    ZTMetaClassBuilder& operator=(const ZTMetaClassBuilder&) = delete;
+    ~ZTMetaClassBuilder();
+
+    /// @param super  not owned; must outlive the builder and every class it hands out
+    void setSuperClass(const ZTMetaClass* super);
+    [[nodiscard]] const ZTMetaClass* superClass() const;
+    void setTypeName(std::string_view name);
+    /// Good until the name changes or the builder dies.
+    [[nodiscard]] std::string_view typeName() const;
+
+    /// A finished copy, which the caller owns and deletes. It has nothing in common with the
+    /// builder and with other copies. The builder stays usable.
+    [[nodiscard]] ZTMetaClass* toMetaClass();
+
+    /// Reads one class from the stream and adds it to what the builder holds.
+    ///
+    /// The functions of properties and methods are not on the stream: give them back through the
+    /// member builders. Reading stops at the first failed read; what was read by then stays. Test
+    /// the stream to know whether the class is complete.
+    /// @param metaClasses  the super classes that the stream may name, by their type names; the
+    ///                     root class needs no entry. A name that is not found is told in the log,
+    ///                     and the class has no super class then.
+    void deserialize(ZTDataStream& stream,
+                     const std::unordered_map<std::string, const ZTMetaClass*>& metaClasses);
+
+    // Each `add` appends a member, a copy of the prototype if there is one.
+    ZTMetaClassInfoBuilder addClassInfo(const ZTMetaClassInfo* prototype = nullptr);
+    [[nodiscard]] ZTMetaClassInfoBuilder classInfo(unsigned int index);
+    void removeClassInfo(unsigned int index);
+    [[nodiscard]] int classInfoCount() const;
+
+    ZTMetaEnumBuilder addEnum(const ZTMetaEnum* prototype = nullptr);
+    [[nodiscard]] ZTMetaEnumBuilder metaEnum(unsigned int index);
+    void removeEnum(unsigned int index);
+    [[nodiscard]] int enumCount() const;
+
+    ZTMetaInvokableBuilder addInvokable(const ZTMetaInvokable* prototype = nullptr);
+    [[nodiscard]] ZTMetaInvokableBuilder invokable(unsigned int index);
+    /// A property whose change event it was has none then.
+    void removeInvokable(unsigned int index);
+    [[nodiscard]] int invokableCount() const;
+
+    /// The change event of a prototype is found by its position: right for a prototype of the
+    /// class whose invokables were copied before.
+    ZTMetaPropertyBuilder addProperty(const ZTMetaProperty* prototype = nullptr);
+    [[nodiscard]] ZTMetaPropertyBuilder property(unsigned int index);
+    void removeProperty(unsigned int index);
+    [[nodiscard]] int propertyCount() const;
+
+private:
+    void copyMembers(const ZTMetaClass& prototype);
+
+    ZTMetaClassBuilderPrivate* priv;
+};
+
+/// Writes the class with its own members; inherited ones come from the super class, which is
+/// written by name. Functions, offsets and user data are not written.
+ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass);

@@ -1,0 +1,208 @@
+#pragma once
+
+#include <zintar/base.h>
+#include <zintar/export.h>
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+/// @file
+/// References to objects from outside the tree. `ZTRef` tells whether the object is still there
+/// and never keeps it alive; `ZTStrongRef` shares ownership: the object dies when the last one
+/// goes.
+///
+/// Both follow an object that is moved, and read null once it has died by any means. Unlike
+/// `weak_ptr` a `ZTRef` can be made from a plain pointer at any time, needs no lock to be read, and
+/// still yields the object while `destroyed` is being delivered. An object that nobody refers to
+/// pays two null pointers.
+///
+/// Do not hold a child by strong references: its parent deletes it all the same, which is told in
+/// the log.
+///
+/// Threads: references may be copied and dropped on several threads; making one from a pointer and
+/// reading the object belong to the thread of the object.
+
+namespace zt::detail
+{
+/// The control block of the weak references to one object.
+struct ZT_EXPORT ZTRefImpl {
+private:
+    template <class Impl>
+    friend class Reference;
+    friend struct ::ZTBasePrivate;
+
+    explicit ZTRefImpl(const ZTBase* referred) noexcept : refCount(1), object(referred) {}
+    ~ZTRefImpl();
+    /// The block of the object with one more reference on it; null for null.
+    static ZTRefImpl* get(const ZTBase* object);
+
+    std::atomic<int> refCount;
+    const ZTBase* object; ///< null once the object has died
+};
+
+/// The control block of the strong references to one object. Its end is the object's end.
+struct ZT_EXPORT ZTStrongRefImpl {
+private:
+    template <class Impl>
+    friend class Reference;
+    friend struct ::ZTBasePrivate;
+
+    explicit ZTStrongRefImpl(const ZTBase* referred) noexcept : refCount(1), object(referred) {}
+    ~ZTStrongRefImpl();
+    static ZTStrongRefImpl* get(const ZTBase* object);
+
+    std::atomic<int> refCount;
+    const ZTBase* object; ///< null once the object has died by other means
+};
+
+/// One counted reference on a control block.
+template <class Impl>
+class Reference
+{
+public:
+    Reference() noexcept = default;
+    explicit Reference(const ZTBase* object) : m_impl(Impl::get(object)) {}
+    Reference(const Reference& other) noexcept : m_impl(other.m_impl)
+    {
+        if (m_impl)
+            ++m_impl->refCount;
+    }
+    Reference(Reference&& other) noexcept : m_impl(std::exchange(other.m_impl, nullptr)) {}
+    Reference& operator=(Reference other) noexcept
+    {
+        std::swap(m_impl, other.m_impl);
+        return *this;
+    }
+    ~Reference()
+    {
+        if (m_impl && --m_impl->refCount == 0)
+            delete m_impl;
+    }
+
+    [[nodiscard]] ZTBase* object() const noexcept
+    {
+        return m_impl ? const_cast<ZTBase*>(m_impl->object) : nullptr;
+    }
+
+private:
+    Impl* m_impl = nullptr;
+};
+
+/// What both references offer. `Derived` is the reference itself, for its comparisons.
+template <class T, class Impl>
+class TypedReference
+{
+public:
+    TypedReference() noexcept = default;
+    explicit TypedReference(T* object) : m_reference(object)
+    {
+        static_assert(std::is_base_of_v<ZTBase, T>, "A reference refers to an object.");
+    }
+
+    /// Null for an empty reference and for a dead object.
+    [[nodiscard]] T* get() const noexcept
+    {
+        // Not a cast along the classes: during `destroyed` the object is no `T` any more. The
+        // `ZTBase` stands first in every object.
+        return static_cast<T*>(static_cast<void*>(m_reference.object()));
+    }
+    [[nodiscard]] T* operator->() const noexcept { return get(); }
+    [[nodiscard]] T& operator*() const noexcept { return *get(); }
+    [[nodiscard]] explicit operator bool() const noexcept { return get() != nullptr; }
+
+    void reset() noexcept { m_reference = Reference<Impl>(); }
+    void reset(T* object) { m_reference = Reference<Impl>(object); }
+
+protected:
+    template <class U, class OtherImpl>
+    friend class TypedReference;
+
+    template <class U>
+    explicit TypedReference(const TypedReference<U, Impl>& other) noexcept
+        : m_reference(other.m_reference)
+    {}
+    template <class U>
+    explicit TypedReference(TypedReference<U, Impl>&& other) noexcept
+        : m_reference(std::move(other.m_reference))
+    {}
+
+private:
+    Reference<Impl> m_reference;
+};
+} // namespace zt::detail
+
+/// A weak reference: see the top of this file. `T` may be const.
+template <class T>
+class ZTRef : public zt::detail::TypedReference<T, zt::detail::ZTRefImpl>
+{
+    using Base = zt::detail::TypedReference<T, zt::detail::ZTRefImpl>;
+
+public:
+    ZTRef() noexcept = default;
+    ZTRef(std::nullptr_t) noexcept {}
+    ZTRef(T* object) : Base(object) {}
+    /// From a reference to a derived class.
+    template <class U>
+        requires std::is_convertible_v<U*, T*> ZTRef(const ZTRef<U>& other)
+    noexcept : Base(other) {}
+    template <class U>
+        requires std::is_convertible_v<U*, T*> ZTRef(ZTRef<U>&& other)
+    noexcept : Base(std::move(other)) {}
+};
+
+/// A strong reference: see the top of this file. The object must have been made with `new`.
+template <class T>
+class ZTStrongRef : public zt::detail::TypedReference<T, zt::detail::ZTStrongRefImpl>
+{
+    using Base = zt::detail::TypedReference<T, zt::detail::ZTStrongRefImpl>;
+
+public:
+    ZTStrongRef() noexcept = default;
+    ZTStrongRef(std::nullptr_t) noexcept {}
+    explicit ZTStrongRef(T* object) : Base(object) {}
+    template <class U>
+        requires std::is_convertible_v<U*, T*> ZTStrongRef(const ZTStrongRef<U>& other)
+    noexcept : Base(other) {}
+    template <class U>
+        requires std::is_convertible_v<U*, T*> ZTStrongRef(ZTStrongRef<U>&& other)
+    noexcept : Base(std::move(other)) {}
+};
+
+// References compare by the object, and with pointers to it.
+template <class T, class U, class ImplT, class ImplU>
+[[nodiscard]] bool operator==(const zt::detail::TypedReference<T, ImplT>& a,
+                              const zt::detail::TypedReference<U, ImplU>& b) noexcept
+{
+    return static_cast<const void*>(a.get()) == static_cast<const void*>(b.get());
+}
+template <class T, class Impl>
+[[nodiscard]] bool operator==(const zt::detail::TypedReference<T, Impl>& a,
+                              const ZTBase* b) noexcept
+{
+    return static_cast<const void*>(a.get()) == static_cast<const void*>(b);
+}
+template <class T, class Impl>
+[[nodiscard]] bool operator==(const zt::detail::TypedReference<T, Impl>& a, std::nullptr_t) noexcept
+{
+    return a.get() == nullptr;
+}
+
+/// Hashes the object as it is now: null once it has died, so do not key a map by references to
+/// objects that may die.
+template <class T>
+struct std::hash<ZTRef<T>> {
+    std::size_t operator()(const ZTRef<T>& reference) const noexcept
+    {
+        return std::hash<T*>()(reference.get());
+    }
+};
+template <class T>
+struct std::hash<ZTStrongRef<T>> {
+    std::size_t operator()(const ZTStrongRef<T>& reference) const noexcept
+    {
+        return std::hash<T*>()(reference.get());
+    }
+};

@@ -1,0 +1,72 @@
+#include "baseprivate.h"
+
+#include <zintar/log.h>
+#include <zintar/reference.h>
+
+#include <utility>
+
+namespace zt::detail
+{
+ZTRefImpl* ZTRefImpl::get(const ZTBase* object)
+{
+    ZTBasePrivate* record = ZTBasePrivate::of(object);
+    if (!record)
+        return nullptr;
+    if (record->refImpl)
+        ++record->refImpl->refCount;
+    else
+        record->refImpl = new ZTRefImpl(record->object);
+    return record->refImpl;
+}
+
+ZTRefImpl::~ZTRefImpl()
+{
+    if (object)
+        ZTBasePrivate::of(object)->refImpl = nullptr;
+}
+
+ZTStrongRefImpl* ZTStrongRefImpl::get(const ZTBase* object)
+{
+    ZTBasePrivate* record = ZTBasePrivate::of(object);
+    if (!record)
+        return nullptr;
+    if (record->strongRefImpl)
+        ++record->strongRefImpl->refCount;
+    else
+        record->strongRefImpl = new ZTStrongRefImpl(record->object);
+    return record->strongRefImpl;
+}
+
+ZTStrongRefImpl::~ZTStrongRefImpl()
+{
+    if (!object)
+        return;
+    // First, so that the object's end finds no block and has nothing to complain about.
+    ZTBasePrivate::of(object)->strongRefImpl = nullptr;
+    delete object;
+}
+} // namespace zt::detail
+
+void ZTBasePrivate::clearWeakReferences()
+{
+    if (auto* block = std::exchange(refImpl, nullptr))
+        block->object = nullptr;
+}
+
+void ZTBasePrivate::clearStrongReferences()
+{
+    auto* block = std::exchange(strongRefImpl, nullptr);
+    if (!block)
+        return;
+    block->object = nullptr;
+    ztLog("Zintar Error: ZTBase object destroyed while being controlled by ZTStrongRef.",
+          ZTLogType::Error);
+}
+
+void ZTBasePrivate::pointReferencesTo(ZTBase* newObject)
+{
+    if (refImpl)
+        refImpl->object = newObject;
+    if (strongRefImpl)
+        strongRefImpl->object = newObject;
+}

@@ -1,0 +1,238 @@
+#include "dynamicmetaclass.h"
+
+#include "memberlookup.h"
+
+#include <algorithm>
+
+using zt::detail::emptyView;
+using zt::detail::memberAt;
+using zt::detail::memberNamed;
+using zt::detail::typeOrBad;
+
+namespace
+{
+template <class List>
+unsigned int sizeOf(const List& list)
+{
+    return static_cast<unsigned int>(list.size());
+}
+
+template <class List>
+bool contains(const List& list, const typename List::value_type& value)
+{
+    return std::find(list.begin(), list.end(), value) != list.end();
+}
+} // namespace
+
+unsigned int ZTDynamicMetaEnum::count() const { return sizeOf(m_enumerators); }
+
+std::string_view ZTDynamicMetaEnum::enumerator(unsigned int index) const
+{
+    return index < m_enumerators.size() ? std::string_view(m_enumerators[index]) : emptyView;
+}
+
+int ZTDynamicMetaEnum::value(unsigned int index) const
+{
+    return index < m_values.size() ? m_values[index] : -1;
+}
+
+bool ZTDynamicMetaEnum::add(std::string name, int value)
+{
+    if (contains(m_enumerators, name) || contains(m_values, value))
+        return false;
+    m_enumerators.push_back(std::move(name));
+    m_values.push_back(value);
+    return true;
+}
+
+void ZTDynamicMetaEnum::remove(unsigned int index)
+{
+    if (index >= m_enumerators.size())
+        return;
+    m_enumerators.erase(m_enumerators.begin() + index);
+    m_values.erase(m_values.begin() + index);
+}
+
+const ZTMetaType& ZTDynamicMetaInvokable::returnMetaType() const
+{
+    return typeOrBad(m_returnMetaType);
+}
+
+unsigned int ZTDynamicMetaInvokable::parameterCount() const { return sizeOf(m_parameterMetaTypes); }
+
+const ZTMetaType& ZTDynamicMetaInvokable::parameterMetaType(unsigned int index) const
+{
+    return typeOrBad(index < m_parameterMetaTypes.size() ? m_parameterMetaTypes[index] : nullptr);
+}
+
+int ZTDynamicMetaInvokable::index() const
+{
+    if (const int* frozen = std::get_if<int>(&m_index))
+        return *frozen;
+    const auto* owner = std::get<const ZTDynamicMetaClass*>(m_index);
+    if (!owner)
+        return -1;
+    const auto& siblings = owner->m_invokables;
+    if (m_lastPosition >= siblings.size() || siblings[m_lastPosition].get() != this) {
+        auto found = std::find_if(siblings.begin(), siblings.end(),
+                                  [this](const auto& sibling) { return sibling.get() == this; });
+        if (found == siblings.end())
+            return -1;
+        m_lastPosition = static_cast<std::size_t>(found - siblings.begin());
+    }
+    return static_cast<int>(owner->m_invokableOffset + m_lastPosition);
+}
+
+ZTVariant ZTDynamicMetaInvokable::invoke(const ZTVariant& object,
+                                         const ZTArgumentArray& arguments) const
+{
+    return m_function ? m_function(object, arguments) : ZTVariant();
+}
+
+void ZTDynamicMetaInvokable::forgetOwner()
+{
+    if (!std::holds_alternative<int>(m_index))
+        m_index = nullptr;
+}
+
+const ZTMetaType& ZTDynamicMetaProperty::metaType() const { return typeOrBad(m_metaType); }
+
+int ZTDynamicMetaProperty::changeEventIndex() const
+{
+    auto event = m_changeEvent.lock();
+    return event ? event->index() : -1;
+}
+
+const ZTMetaInvokable* ZTDynamicMetaProperty::changeEvent() const
+{
+    return m_changeEvent.lock().get();
+}
+
+unsigned int ZTDynamicMetaProperty::propInfoCount() const { return sizeOf(m_propInfos); }
+
+std::string_view ZTDynamicMetaProperty::propInfoKey(unsigned int index) const
+{
+    return index < m_propInfos.size() ? std::string_view(m_propInfos[index].first) : emptyView;
+}
+
+std::string_view ZTDynamicMetaProperty::propInfoValue(unsigned int index) const
+{
+    return index < m_propInfos.size() ? std::string_view(m_propInfos[index].second) : emptyView;
+}
+
+ZTVariant ZTDynamicMetaProperty::get(const ZTVariant& object) const
+{
+    return m_getter ? m_getter(object) : ZTVariant();
+}
+
+ZTVariant ZTDynamicMetaProperty::set(const ZTVariant& object, const ZTVariant& value) const
+{
+    return m_setter ? m_setter(object, value) : ZTVariant();
+}
+
+ZTDynamicMetaClass::~ZTDynamicMetaClass()
+{
+    for (const auto& invokable : m_invokables)
+        invokable->forgetOwner();
+    m_invokables.clear();
+    m_properties.clear();
+    m_enums.clear();
+    m_classInfos.clear();
+}
+
+unsigned int ZTDynamicMetaClass::classInfoCount() const
+{
+    return m_classInfoOffset + sizeOf(m_classInfos);
+}
+
+unsigned int ZTDynamicMetaClass::enumCount() const { return m_enumOffset + sizeOf(m_enums); }
+
+unsigned int ZTDynamicMetaClass::propertyCount() const
+{
+    return m_propertyOffset + sizeOf(m_properties);
+}
+
+unsigned int ZTDynamicMetaClass::invokableCount() const
+{
+    return m_invokableOffset + sizeOf(m_invokables);
+}
+
+const ZTMetaClassInfo* ZTDynamicMetaClass::classInfo(std::string_view key) const
+{
+    return memberNamed<ZTMetaClassInfo>(
+        m_classInfos, [&](const auto& info) { return info.key() == key; }, m_superClass,
+        [&](const ZTMetaClass& super) { return super.classInfo(key); });
+}
+
+const ZTMetaClassInfo* ZTDynamicMetaClass::classInfo(unsigned int index) const
+{
+    return memberAt<ZTMetaClassInfo>(
+        m_classInfos, m_classInfoOffset, index, m_superClass,
+        [&](const ZTMetaClass& super) { return super.classInfo(index); });
+}
+
+const ZTMetaEnum* ZTDynamicMetaClass::metaEnum(unsigned int index) const
+{
+    return memberAt<ZTMetaEnum>(m_enums, m_enumOffset, index, m_superClass,
+                                [&](const ZTMetaClass& super) { return super.metaEnum(index); });
+}
+
+const ZTMetaProperty* ZTDynamicMetaClass::property(unsigned int index) const
+{
+    return memberAt<ZTMetaProperty>(
+        m_properties, m_propertyOffset, index, m_superClass,
+        [&](const ZTMetaClass& super) { return super.property(index); });
+}
+
+const ZTMetaProperty* ZTDynamicMetaClass::property(std::string_view name) const
+{
+    return memberNamed<ZTMetaProperty>(
+        m_properties, [&](const auto& property) { return property.name() == name; }, m_superClass,
+        [&](const ZTMetaClass& super) { return super.property(name); });
+}
+
+const ZTMetaInvokable* ZTDynamicMetaClass::invokable(unsigned int index) const
+{
+    return memberAt<ZTMetaInvokable>(
+        m_invokables, m_invokableOffset, index, m_superClass,
+        [&](const ZTMetaClass& super) { return super.invokable(index); });
+}
+
+// A run-time invokable has no written parameters, so the signature is for the super class alone.
+int ZTDynamicMetaClass::indexOfInvokable(std::string_view name, bool isConst,
+                                         const std::type_index& signature) const
+{
+    for (unsigned int i = 0; i < m_invokables.size(); ++i)
+        if (m_invokables[i]->m_name == name && m_invokables[i]->m_isConst == isConst)
+            return static_cast<int>(m_invokableOffset + i);
+    return m_superClass ? m_superClass->indexOfInvokable(name, isConst, signature) : -1;
+}
+
+int ZTDynamicMetaClass::indexOfInvokable(void* function) const
+{
+    for (unsigned int i = 0; i < m_invokables.size(); ++i)
+        if (m_invokables[i]->m_functionKey == function)
+            return static_cast<int>(m_invokableOffset + i);
+    return m_superClass ? m_superClass->indexOfInvokable(function) : -1;
+}
+
+void ZTDynamicMetaClass::setSuperClass(const ZTMetaClass* super)
+{
+    m_superClass = super;
+    m_classInfoOffset = super ? super->classInfoCount() : 0;
+    m_enumOffset = super ? super->enumCount() : 0;
+    m_propertyOffset = super ? super->propertyCount() : 0;
+    m_invokableOffset = super ? super->invokableCount() : 0;
+}
+
+void ZTDynamicMetaClass::addInvokable()
+{
+    m_invokables.push_back(std::make_shared<ZTDynamicMetaInvokable>(this, m_invokables.size()));
+}
+
+void ZTDynamicMetaClass::freezeIndices()
+{
+    auto index = static_cast<int>(m_invokableOffset);
+    for (const auto& invokable : m_invokables)
+        invokable->freezeIndex(index++);
+}
