@@ -55,6 +55,7 @@ std::string shownDynamicProperties(const ZTBase& object, const Names& names)
     auto keys = object.dynamicProperties();
     std::sort(keys.begin(), keys.end());
     std::vector<std::string> texts;
+    texts.reserve(keys.size());
     for (std::string_view key : keys)
         texts.push_back(std::string(key) + "=" + shown(object.property(key), names));
     return listed(texts);
