@@ -29,6 +29,25 @@ ZTDataStream& operator<<(ZTDataStream& stream, const ZTVariant& variant)
     return stream;
 }
 
+namespace
+{
+/// How deep variants are nested in the one that is being read. A damaged stream can nest them as
+/// often as it has bytes for, which the call stack must not have to bear.
+class NestingDepth
+{
+public:
+    NestingDepth() { ++depth; }
+    NestingDepth(const NestingDepth&) = delete;
+    NestingDepth& operator=(const NestingDepth&) = delete;
+    ~NestingDepth() { --depth; }
+    [[nodiscard]] static bool isTooDeep() { return depth > limit; }
+
+private:
+    static constexpr int limit = 500;
+    inline static thread_local int depth = 0;
+};
+} // namespace
+
 ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant)
 {
     const ZTMetaType* type = nullptr;
@@ -37,8 +56,9 @@ ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant)
         variant.reset();
         return stream;
     }
+    NestingDepth nesting;
     variant = ZTVariant(*type, nullptr);
-    if (!type->deserialize(stream, variant.data())) {
+    if (NestingDepth::isTooDeep() || !type->deserialize(stream, variant.data())) {
         variant.reset();
         ztLog("Zintar: ZTVariant deserialization failed for type " + type->name() + ".",
               ZTLogType::Warning);

@@ -121,7 +121,8 @@ ZT_EXPORT std::ostream& operator<<(std::ostream& stream, const ZTVariant& varian
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, const ZTVariant& variant);
 /// Reads a variant whose type is registered in this process. An unknown type, or one that cannot
 /// read, logs a warning and makes the variant invalid; the bytes of its value then stay on the
-/// stream. Test the stream with `good()` to know whether the value is complete.
+/// stream. Variants within variants are read 500 deep. Test the stream with `good()` to know
+/// whether the value is complete.
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant);
 
 template <zt::detail::VariantValue T>
