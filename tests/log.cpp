@@ -4,11 +4,6 @@
 
 namespace
 {
-static_assert(sizeof(ZTLogType) == 4);
-static_assert(static_cast<int>(ZTLogType::Info) == 0);
-static_assert(static_cast<int>(ZTLogType::Warning) == 1);
-static_assert(static_cast<int>(ZTLogType::Error) == 2);
-
 using namespace std::string_literals;
 
 struct Case {
@@ -32,8 +27,7 @@ TEST_P(Log, WritesOneLineToTheStreamOfItsType)
 INSTANTIATE_TEST_SUITE_P(
     Messages, Log,
     testing::Values(Case{"a", 0, "a\n", ""}, Case{"a", 1, "", "a\n"}, Case{"a", 2, "", "a\n"},
-                    Case{"", 0, "\n", ""}, Case{"", 2, "", "\n"}, Case{"a\0b"s, 0, "a\0b\n"s, ""},
-                    Case{"two\nlines", 1, "", "two\nlines\n"},
+                    Case{"", 0, "\n", ""}, Case{"a\0b"s, 2, "", "a\0b\n"s},
                     // The message is dropped: a type that is no type says nothing of its sink.
                     Case{"a", 3, "", "Zintar: Error unsupported log type 3.\n"},
                     Case{"a", -1, "", "Zintar: Error unsupported log type -1.\n"}));

@@ -1,13 +1,12 @@
-#include "support/logs.h"
-
+#include <zintar/base.h>
+#include <zintar/dynamicbase.h>
 #include <zintar/metatypeof.h>
-#include <zintar/zintar.h>
+#include <zintar/variant.h>
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <functional>
-#include <map>
-#include <memory>
-#include <optional>
 #include <vector>
 
 struct Garden {};
@@ -47,13 +46,11 @@ using house::Box;
 using house::Room;
 using house::Tag;
 
-// All of it is worked out while compiling.
-static_assert(ztTypeName<std::string>() ==
-              "class std::basic_string<char,struct std::char_traits<char>,"
-              "class std::allocator<char> >");
-static_assert(ztTypeName<const std::string>() ==
-              "const class std::basic_string<char,struct std::char_traits<char>,"
-              "class std::allocator<char> >");
+// All of it is worked out while compiling. First the library's own types:
+constexpr std::string_view stringName =
+    "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >";
+static_assert(ztTypeName<std::string>() == stringName);
+static_assert(ztTypeName<const std::string>().substr(6) == stringName);
 static_assert(ztTypeName<ZTBase*>() == "struct ZTBase*");
 static_assert(ztTypeName<const ZTBase*>() == "const struct ZTBase*");
 static_assert(ztTypeName<ZTDynamicBase*>() == "struct ZTDynamicBase*");
@@ -61,38 +58,27 @@ static_assert(ztTypeName<const ZTDynamicBase*>() == "const struct ZTDynamicBase*
 static_assert(ztTypeName<ZTMetaClass*>() == "struct ZTMetaClass*");
 static_assert(ztTypeName<const ZTMetaClass*>() == "const struct ZTMetaClass*");
 static_assert(ztTypeName<ZTVariant>() == "struct ZTVariant");
-
+// A host's:
 static_assert(ztTypeName<Room>() == "struct house::Room");
-static_assert(ztTypeName<const Room*>() == "const struct house::Room*");
 static_assert(ztTypeName<Room* const*>() == "struct house::Room*const*");
 static_assert(ztTypeName<house::Either>() == "union house::Either");
 static_assert(ztTypeName<Room::Kind>() == "enum house::Room::Kind");
-static_assert(ztTypeName<Room::Mode*>() == "enum house::Room::Mode*");
-static_assert(ztTypeName<Box<Room>>() == "struct house::Box<struct house::Room>");
 static_assert(ztTypeName<Box<Box<Room::Mode>>>() ==
               "struct house::Box<struct house::Box<enum house::Room::Mode> >");
-static_assert(ztTypeName<std::optional<house::Either>>() ==
-              "struct std::optional<union house::Either>");
 static_assert(
     ztTypeName<std::vector<Room*>>() ==
     "struct std::vector<struct house::Room*,struct std::allocator<struct house::Room*> >");
 static_assert(ztTypeName<std::function<void(const Room&, int)>>() ==
               "struct std::function<void(const struct house::Room&,int)>");
-static_assert(ztTypeName<Tag<7>>() == "struct house::Tag<7>");
 static_assert(ztTypeName<Tag<-7>>() == "struct house::Tag<-7>");
-
-// An 8-byte `long` is the `long long` at the top, and told apart within.
-static_assert(sizeof(ZTLong) == 4 && sizeof(ZTULong) == 4);
-static_assert(ztTypeName<ZTLong>() == "long");
-static_assert(ztTypeName<ZTULong>() == "unsigned long");
-static_assert(sizeof(long) == 4 || ztTypeName<long>() == "__int64");
-static_assert(sizeof(long) == 4 || ztTypeName<unsigned long>() == "unsigned __int64");
+// An 8-byte `long` is the `long long` at the top, and told apart within:
+static_assert(sizeof(ZTLong) == 4 && ztTypeName<ZTLong>() == "long");
+static_assert(sizeof(ZTULong) == 4 && ztTypeName<ZTULong>() == "unsigned long");
 static_assert(sizeof(long) == 4 || ztTypeName<const long>() == "const __int64");
-static_assert(ztTypeName<long*>() != ztTypeName<long long*>());
+static_assert(sizeof(long) == 4 || ztTypeName<unsigned long>() == "unsigned __int64");
 
-/// All names differ.
 template <class... T>
-constexpr bool differ()
+constexpr bool namesDiffer()
 {
     constexpr std::array<std::string_view, sizeof...(T)> names{ztTypeName<T>()...};
     for (std::size_t i = 0; i < names.size(); ++i)
@@ -101,24 +87,15 @@ constexpr bool differ()
                 return false;
     return true;
 }
-static_assert(differ<int, const int, int*, int**, const int*, int* const, int&, const int&, int&&,
-                     int[2], int[3], int[], int(), int(int), int(int) const, int (*)(int),
-                     int Room::*, int (Room::*)(), int (Room::*)() const, volatile int>());
-static_assert(differ<char, signed char, unsigned char, wchar_t, char8_t, char16_t, char32_t, bool,
-                     short, unsigned short, int, unsigned int, ZTLong, ZTULong, long long,
-                     unsigned long long, float, double, long double, void, std::nullptr_t>());
-static_assert(differ<Tag<1>, Tag<1U>, Tag<1LL>, Tag<'1'>, Tag<true>, Tag<Room::Hall>,
-                     Tag<Room::Mode::Heat>, Tag<-1>>());
-static_assert(differ<Box<int>, Box<long long>, Box<long>, Box<int>::Lid, Box<char>::Lid,
-                     std::map<int, Room>, std::map<int, Room*>, std::unique_ptr<Room>>());
-
-TEST(TypeName, IsTheOneUnderWhichTheTypeIsRegistered)
-{
-    EXPECT_EQ(ztMetaType<Box<Room>>().name(), "struct house::Box<struct house::Room>");
-    EXPECT_EQ(&ztMetaType("struct house::Box<struct house::Room>"), &ztMetaType<Box<Room>>());
-    EXPECT_EQ(ztMetaType<const Room*>().name(), "const struct house::Room*");
-    EXPECT_NE(ztMetaType<const Room*>(), ztMetaType<Room*>());
-}
+static_assert(namesDiffer<int, const int, int*, int**, const int*, int* const, int&, const int&,
+                          int&&, int[2], int[3], int[], int(), int(int), int (*)(int), int Room::*,
+                          int (Room::*)(), int (Room::*)() const, volatile int>());
+static_assert(namesDiffer<char, signed char, unsigned char, wchar_t, char8_t, char16_t, char32_t,
+                          bool, short, unsigned short, int, unsigned int, ZTLong, ZTULong,
+                          long long, unsigned long long, float, double, long double, void>());
+static_assert(namesDiffer<Tag<1>, Tag<1U>, Tag<1LL>, Tag<'1'>, Tag<true>, Tag<Room::Hall>,
+                          Tag<Room::Mode::Heat>, Tag<-1>>());
+static_assert(namesDiffer<Box<int>, Box<long long>, Box<long>, Box<int>::Lid, long*, long long*>());
 
 TEST(TypeName, SpellsAClassKeyWhereverATypeStands)
 {
@@ -148,5 +125,12 @@ TEST(TypeName, OfATypeInAFunctionIsNotThatOfAnother)
 {
     EXPECT_NE(nameInAttic(), nameInCellar());
     EXPECT_NE(nameInAttic(), ztTypeName<Garden>());
+}
+
+TEST(TypeName, IsTheOneUnderWhichTheTypeIsRegistered)
+{
+    const ZTMetaType& type = ztMetaType<const Box<Room>*>();
+    EXPECT_EQ(type.name(), "const struct house::Box<struct house::Room>*");
+    EXPECT_EQ(&ztMetaType(type.name()), &type);
 }
 } // namespace
