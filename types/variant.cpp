@@ -8,8 +8,9 @@ ZTVariant::ZTVariant(const ZTMetaType& type, const void* value)
     : m_type(&type), m_data(type.create(value))
 {}
 
+// A source without a block gives a copy with a default value, if the type has one.
 ZTVariant::ZTVariant(const ZTVariant& other)
-    : m_type(other.m_type), m_data(other.m_data ? other.m_type->create(other.m_data) : nullptr)
+    : m_type(other.m_type), m_data(other.isValid() ? other.m_type->create(other.m_data) : nullptr)
 {}
 
 ZTVariant& ZTVariant::operator=(const ZTVariant& other)

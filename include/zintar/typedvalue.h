@@ -102,12 +102,15 @@ template <class T>
 template <class T>
 [[nodiscard]] T* ztVariantPointer(ZTVariant& variant)
 {
-    bool holds = variant.data() && &variant.type() == &::ztMetaType<std::remove_cv_t<T>>();
+    using Value = std::remove_cv_t<T>;
+    static_assert(std::is_same_v<zt::detail::Canonical<Value>, Value>,
+                  "ztVariantPointer<T>: an 8-byte long is held as a long long. Ask for a pointer "
+                  "to that.");
+    bool holds = variant.data() && &variant.type() == &ztMetaType<Value>();
     return holds ? static_cast<T*>(variant.data()) : nullptr;
 }
 template <class T>
 [[nodiscard]] const T* ztVariantPointer(const ZTVariant& variant)
 {
-    bool holds = variant.data() && &variant.type() == &::ztMetaType<std::remove_cv_t<T>>();
-    return holds ? static_cast<const T*>(variant.data()) : nullptr;
+    return ztVariantPointer<const T>(const_cast<ZTVariant&>(variant));
 }

@@ -14,9 +14,10 @@
 ///     ztTypeName<const Room*>()               "const struct Room*"
 ///     ztTypeName<std::vector<Room::Kind>>()   "struct std::vector<enum Room::Kind,..."
 ///
-/// A type inside of a function, or below an inline namespace, has the name that the compiler
-/// gives; its spelling may differ between compilers. The text lives as long as the program (or
-/// the plugin that asked).
+/// What no template can take apart is spelled as the compiler does, which may differ between
+/// compilers: a type inside of a function, an inline namespace, the arguments of a class template
+/// in the name of a class within it, a floating-point number in a template argument. The text
+/// lives as long as the program (or the plugin that asked).
 template <class T>
 [[nodiscard]] constexpr std::string_view ztTypeName() noexcept
 {

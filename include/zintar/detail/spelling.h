@@ -42,6 +42,22 @@ constexpr std::string_view compilerSpelling() noexcept
     return text.substr(before, text.size() - before - behind);
 }
 
+/// The same for a value, with one way to write an address.
+template <auto Value>
+constexpr std::string_view compilerValueSpelling() noexcept
+{
+    constexpr std::string_view known = valueProbe<12345>();
+    constexpr std::size_t before = known.rfind("12345");
+    constexpr std::size_t behind = known.size() - before - 5;
+    std::string_view text = valueProbe<Value>();
+    text = text.substr(before, text.size() - before - behind);
+    if (text.starts_with("(& "))
+        text = text.substr(3, text.size() - 4);
+    else if (text.starts_with("&"))
+        text.remove_prefix(1);
+    return text;
+}
+
 constexpr bool isIdentifierChar(char c) noexcept
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
@@ -169,12 +185,21 @@ struct SpellingReader {
     }
 };
 
-/// A qualified name in the one form that does not depend on the compiler.
 template <class T>
+struct CompilerType {
+    static constexpr std::string_view text = compilerSpelling<T>();
+};
+template <auto Value>
+struct CompilerValue {
+    static constexpr std::string_view text = compilerValueSpelling<Value>();
+};
+
+/// The compiler's text in the one form that does not depend on the compiler.
+template <class Source>
 constexpr auto normalised()
 {
-    TextBuffer<2 * compilerSpelling<T>().size() + 16> out;
-    SpellingReader in{compilerSpelling<T>()};
+    TextBuffer<2 * Source::text.size() + 16> out;
+    SpellingReader in{Source::text};
     while (!in.rest.empty()) {
         if (in.skip("__cxx11::"))
             continue;
@@ -240,7 +265,7 @@ inline constexpr std::string_view noexceptBehind = "noexcept";
 
 template <class T>
 struct QualifiedName {
-    static constexpr auto buffer = normalised<T>();
+    static constexpr auto buffer = normalised<CompilerType<T>>();
     static constexpr std::string_view text = buffer.view();
 };
 
@@ -370,10 +395,14 @@ struct ValueSpelling {
         } else if constexpr (std::is_integral_v<T>) {
             return NumberSpelling<Value>::buffer;
         } else {
-            constexpr std::string_view name = valueName<Value>();
-            TextBuffer<name.size() + 1> out;
-            out.append("&");
-            out.append(name);
+            constexpr auto value = normalised<CompilerValue<Value>>();
+            // An object as a value: its type, and what is in it.
+            constexpr std::size_t content =
+                std::is_class_v<T> ? value.view().find('{') : std::string_view::npos;
+            constexpr bool isObject = content != std::string_view::npos;
+            TextBuffer<Spelling<T>::text.size() + value.size + 1> out;
+            out.append(isObject ? Spelling<T>::text : std::string_view("&"));
+            out.append(isObject ? value.view().substr(content) : value.view());
             return out;
         }
     }();
