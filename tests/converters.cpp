@@ -48,7 +48,15 @@ TEST_F(Converters, ServeOneDirectionOfOnePair)
     EXPECT_EQ(source.degrees, 7);
     EXPECT_FALSE(celsius.canConvert(ztMetaType<Rankine>())); // not by way of a third type
     EXPECT_FALSE(ztMetaType<int>().canConvert(ztMetaType<double>()));
-    EXPECT_TRUE(ztMetaType<int>().canConvert(ztMetaType<int>()));
+}
+
+TEST_F(Converters, AreAskedByAVariant)
+{
+    EXPECT_TRUE(ZTVariant(source).canConvert(celsius));
+    EXPECT_TRUE(ZTVariant(source).canConvert(kelvin));
+    EXPECT_FALSE(ZTVariant(target).canConvert(celsius));
+    EXPECT_FALSE(ZTVariant(source).canConvert(bad));
+    EXPECT_FALSE(ZTVariant().canConvert(celsius) || ZTVariant().canConvert(bad));
 }
 
 TEST_F(Converters, MayRefuseAValueAndBeReplaced)

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <type_traits>
 #include <vector>
@@ -13,61 +12,37 @@
 namespace
 {
 static_assert(!std::is_copy_constructible_v<ZTDataStream>);
-static_assert(!std::is_move_assignable_v<ZTDataStream>);
-static_assert(std::is_nothrow_move_constructible_v<ZTDataStream>);
-static_assert(std::has_virtual_destructor_v<ZTDataStream>);
 
 using support::bytesOf;
 using support::streamOf;
 
-void expectFailed(const ZTDataStream& stream)
+/// What a stream says of itself in its four ways; they never disagree.
+std::string stateOf(const ZTDataStream& stream)
 {
-    EXPECT_FALSE(stream.good());
-    EXPECT_TRUE(stream.atEnd());
-    EXPECT_TRUE(!stream);
-    EXPECT_FALSE(stream());
-}
-void expectGood(const ZTDataStream& stream)
-{
-    EXPECT_TRUE(stream.good());
-    EXPECT_FALSE(stream.atEnd());
-    EXPECT_FALSE(!stream);
-    EXPECT_TRUE(stream());
+    EXPECT_EQ(stream(), stream.good());
+    EXPECT_EQ(!stream, !stream.good());
+    EXPECT_EQ(stream.atEnd(), !stream.good());
+    return stream.good() ? "good" : "failed";
 }
 
-template <class T>
-std::string written(const T& value)
+TEST(DataStream, WritesPrimitivesLittleEndianWithoutPadding)
 {
     ZTDataStream stream;
-    stream << value;
-    return bytesOf(stream);
-}
-
-TEST(DataStream, WritesPrimitivesLittleEndian)
-{
-    EXPECT_EQ(written(true), "01");
-    EXPECT_EQ(written(false), "00");
-    EXPECT_EQ(written(static_cast<signed char>(-2)), "FE");
-    EXPECT_EQ(written(static_cast<unsigned char>(200)), "C8");
-    EXPECT_EQ(written(short(-2)), "FE FF");
-    EXPECT_EQ(written(static_cast<unsigned short>(0x1234)), "34 12");
-    EXPECT_EQ(written(1), "01 00 00 00");
-    EXPECT_EQ(written(0x12345678U), "78 56 34 12");
-    EXPECT_EQ(written(0.5F), "00 00 00 3F");
-    EXPECT_EQ(written(0.5), "00 00 00 00 00 00 E0 3F");
-    EXPECT_EQ(written(-2LL), "FE FF FF FF FF FF FF FF");
-    EXPECT_EQ(written(0x0102030405060708ULL), "08 07 06 05 04 03 02 01");
-    EXPECT_EQ(written(std::int64_t(-2)), "FE FF FF FF FF FF FF FF");
+    stream << true << false << static_cast<signed char>(-2) << static_cast<unsigned char>(200);
+    stream << short(-2) << static_cast<unsigned short>(0x1234) << 1 << 0x12345678U;
+    EXPECT_EQ(bytesOf(stream), "01 00 FE C8 FE FF 34 12 01 00 00 00 78 56 34 12");
+    ZTDataStream wide;
+    wide << 0.5F << 0.5 << -2LL << 0x0102030405060708ULL << std::int64_t(1);
+    EXPECT_EQ(bytesOf(wide), "00 00 00 3F 00 00 00 00 00 00 E0 3F FE FF FF FF FF FF FF FF "
+                             "08 07 06 05 04 03 02 01 01 00 00 00 00 00 00 00");
 }
 
 TEST(DataStream, WritesEveryKindOfTextAlike)
 {
-    const std::string abc = "03 00 00 00 00 00 00 00 61 62 63";
-    EXPECT_EQ(written<const char*>("abc"), abc);
-    EXPECT_EQ(written(std::string_view("abcd").substr(0, 3)), abc);
-    EXPECT_EQ(written(std::string("abc")), abc);
-    EXPECT_EQ(written(std::string()), "00 00 00 00 00 00 00 00");
-    EXPECT_EQ(written(std::string("\0", 1)), "01 00 00 00 00 00 00 00 00");
+    ZTDataStream stream;
+    stream << "abc" << std::string_view("abcd").substr(0, 3) << std::string("abc") << "";
+    const std::string abc = "03 00 00 00 00 00 00 00 61 62 63 ";
+    EXPECT_EQ(bytesOf(stream), abc + abc + abc + "00 00 00 00 00 00 00 00");
 }
 
 /// Values at the edges of a type: its limits, and powers of two with their neighbours.
@@ -75,10 +50,9 @@ template <class T>
 std::vector<T> edges()
 {
     using Limits = std::numeric_limits<T>;
-    std::vector<T> values{Limits::lowest(), Limits::max(), T(0), T(1)};
+    std::vector<T> values{Limits::lowest(), Limits::max(), T(0)};
     if constexpr (std::is_floating_point_v<T>)
-        values.insert(values.end(),
-                      {Limits::min(), Limits::denorm_min(), Limits::infinity(), T(-0.0)});
+        values.insert(values.end(), {Limits::min(), Limits::denorm_min(), Limits::infinity()});
     else if constexpr (!std::is_same_v<T, bool>)
         for (int bit = 1; bit < Limits::digits; ++bit) {
             T power = static_cast<T>(T(1) << bit);
@@ -106,97 +80,46 @@ TYPED_TEST(Primitive, ComesBackFromTheStream)
         TypeParam read{};
         stream >> read;
         EXPECT_EQ(read, value);
-        if constexpr (std::is_floating_point_v<TypeParam>) {
-            EXPECT_EQ(std::signbit(read), std::signbit(value));
-        }
     }
-    expectGood(stream);
+    EXPECT_EQ(stateOf(stream), "good");
 }
 
-TEST(DataStream, TakesWhatThereIsWhenItEnds)
+TEST(DataStream, FailsAtAReadPastItsEndAndStaysSo)
 {
-    ZTDataStream stream = streamOf("\x11\x22");
+    ZTDataStream stream = streamOf("\x02\x11\x22");
+    bool damaged = false;
     int value = 0x77665544;
+    stream >> damaged;
+    EXPECT_EQ(damaged, true);
+    stream.read(nullptr, 0).write(nullptr, 0);
+    EXPECT_EQ(stateOf(stream), "good");
     stream >> value;
     EXPECT_EQ(value, 0x77662211);
-    expectFailed(stream);
-    double other = 0.5;
-    stream >> other;
-    EXPECT_EQ(other, 0.5);
-}
-
-TEST(DataStream, IsAtItsEndOnlyAfterAReadPastIt)
-{
-    ZTDataStream stream = streamOf("a");
-    unsigned char byte = 0;
-    char none = 'x';
-    expectGood(stream);
-    stream >> byte;
-    expectGood(stream);
-    stream.read(&none, 0).write(&none, 0);
-    expectGood(stream);
-    EXPECT_EQ(&stream.read(&none, 1), &stream);
-    expectFailed(stream);
-    EXPECT_EQ(none, 'x');
-    EXPECT_EQ(byte, 'a');
-}
-
-TEST(DataStream, StaysFailed)
-{
-    ZTDataStream stream = streamOf("a");
-    int value = 0;
-    stream >> value;
+    EXPECT_EQ(stateOf(stream), "failed");
     stream << 5;
-    EXPECT_EQ(stream.data(), "a");
+    EXPECT_EQ(bytesOf(stream), "02 11 22");
     stream.setData("abcd");
-    EXPECT_EQ(stream.data(), "abcd");
-    expectFailed(stream);
     stream >> value;
-    EXPECT_EQ(value, 'a');
+    EXPECT_EQ(value, 0x77662211);
+    EXPECT_EQ(stream.data(), "abcd");
+    EXPECT_EQ(stateOf(stream), "failed");
 }
 
 TEST(DataStream, ReadsAndWritesAtPositionsOfTheirOwn)
 {
-    ZTDataStream stream;
-    int number = 0;
-    double fraction = 0;
-    std::string text;
-    stream << 1 << 0.5;
-    stream >> number;
-    stream << "abc";
-    const std::string all = stream.data();
-    stream >> fraction >> text;
-    EXPECT_EQ(number, 1);
-    EXPECT_EQ(fraction, 0.5);
-    EXPECT_EQ(text, "abc");
-    EXPECT_EQ(all.size(), 4U + 8U + 11U);
-    EXPECT_EQ(stream.data(), all);
-}
-
-TEST(DataStream, OverwritesDataThatWasSet)
-{
-    ZTDataStream stream = streamOf("abc");
     unsigned char byte = 0;
+    ZTDataStream stream = streamOf("abc");
     stream << static_cast<unsigned char>('X');
     EXPECT_EQ(stream.data(), "Xbc");
     stream >> byte;
     EXPECT_EQ(byte, 'X');
     stream << 0x31323334;
     EXPECT_EQ(stream.data(), "X4321");
-    stream.setData("q");
-    stream >> byte;
-    EXPECT_EQ(byte, 'q');
-}
-
-TEST(DataStream, MovesWithItsBytesAndPositions)
-{
-    ZTDataStream source = streamOf("ab");
-    unsigned char byte = 0;
-    source >> byte;
-    ZTDataStream moved(std::move(source));
+    ZTDataStream moved(std::move(stream));
     moved >> byte;
-    EXPECT_EQ(byte, 'b');
-    EXPECT_EQ(moved.data(), "ab");
+    EXPECT_EQ(byte, '4');
+    moved << byte;
+    EXPECT_EQ(moved.data(), "X43214");
 }
 
 TEST(DataStream, FailsAtEveryTruncatedRecord)
@@ -212,11 +135,25 @@ TEST(DataStream, FailsAtEveryTruncatedRecord)
         EXPECT_EQ(number, size == 0 ? 0 : 7) << size;
         EXPECT_EQ(text, size < 15 ? "" : "abc") << size;
         EXPECT_FALSE(flag) << size;
-        expectFailed(stream);
+        EXPECT_EQ(stateOf(stream), "failed") << size;
     }
 }
 
-/// A medium of its own: the bytes are kept backwards, and good() is its own as well.
+TEST(DataStream, ReadsALongText)
+{
+    for (std::size_t size : {4095U, 4096U, 4097U, 100'000U}) {
+        std::string text = std::string(size - 1, 'x') + "y";
+        std::string read;
+        std::string next;
+        ZTDataStream stream;
+        stream << text << "end";
+        stream >> read >> next;
+        EXPECT_EQ(read, text) << size;
+        EXPECT_EQ(next, "end") << size;
+    }
+}
+
+/// A medium of its own: the bytes are kept backwards, and `good` is its own as well.
 class Backwards : public ZTDataStream
 {
 public:
@@ -260,65 +197,25 @@ TEST(DerivedStream, ChangesTheMediumOfEveryOperator)
     EXPECT_FALSE(stream());
 }
 
-/// A text that says it has `length` bytes, with three behind it.
-std::string forged(unsigned long long length)
-{
-    ZTDataStream stream;
-    stream << length;
-    return stream.data() + "abc";
-}
-
 class ForgedLength : public testing::TestWithParam<unsigned long long>
 {};
 
 TEST_P(ForgedLength, FailsTheStreamAndTakesNoMemory)
 {
-    ZTDataStream stream = streamOf(forged(GetParam()));
-    std::string text;
-    stream >> text;
-    expectFailed(stream);
-    EXPECT_EQ(text, "");
-    EXPECT_LT(text.capacity(), 100'000U);
-}
-
-TEST_P(ForgedLength, DoesSoOnADerivedStream)
-{
-    Backwards stream;
-    const std::string bytes = forged(GetParam());
-    stream.bytes.assign(bytes.rbegin(), bytes.rend());
-    std::string text = "old";
-    stream >> text;
-    EXPECT_TRUE(!stream);
-    EXPECT_EQ(text, "");
-    EXPECT_LT(text.capacity(), 100'000U);
-    EXPECT_LT(stream.largestRead, 100'000U);
+    ZTDataStream plain;
+    Backwards derived;
+    for (ZTDataStream* stream : {&plain, static_cast<ZTDataStream*>(&derived)}) {
+        (*stream << GetParam()).write("abc", 3);
+        std::string text = "old";
+        *stream >> text;
+        EXPECT_FALSE(stream->good());
+        EXPECT_EQ(text, "");
+        EXPECT_LT(text.capacity(), 100'000U);
+    }
+    EXPECT_LT(derived.largestRead, 100'000U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, ForgedLength,
                          testing::Values(4ULL, 1ULL << 20, 1ULL << 32, (1ULL << 32) + 3, 1ULL << 63,
                                          ~0ULL));
-
-TEST(DataStream, ReadsALongText)
-{
-    for (std::size_t size : {4095U, 4096U, 4097U, 100'000U}) {
-        std::string text(size, 'x');
-        text.back() = 'y';
-        std::string read;
-        ZTDataStream stream;
-        stream << text << "end";
-        stream >> read;
-        EXPECT_EQ(read, text) << size;
-        stream >> read;
-        EXPECT_EQ(read, "end");
-    }
-}
-
-TEST(DataStream, ReadsADamagedBoolAsTrue)
-{
-    ZTDataStream stream = streamOf("\x02");
-    bool flag = false;
-    stream >> flag;
-    EXPECT_TRUE(flag);
-    EXPECT_EQ(written(flag), "01");
-}
 } // namespace

@@ -13,9 +13,6 @@ struct Lamp {
     void changed() {}
     int dim(int by) { return level -= by; }
 };
-struct Spot : Lamp {
-    void changed(int) {}
-};
 
 Lamp* lampOf(const ZTVariant& object) { return *static_cast<Lamp**>(object.data()); }
 
@@ -125,36 +122,22 @@ struct SpotTables : LampTables {
 class StaticClass : public testing::Test, protected SpotTables
 {};
 
-TEST(StaticTables, StartEmpty)
+TEST_F(StaticClass, TablesDropEmptyListsAndSurviveAMove)
 {
-    const ZTStaticMetaPropertyData property("p", nullptr, nullptr, 0, nullptr);
-    const ZTStaticMetaInvokableData defaulted;
-    EXPECT_EQ(property.changeEventIndex, -1);
-    EXPECT_EQ(property.metaType, nullptr);
-    EXPECT_EQ(defaulted.index, -1);
-    EXPECT_EQ(defaulted.accessSpecifier, ZTAccessSpecifier::Private);
-    EXPECT_EQ(defaulted.name.data(), nullptr);
-
-    LampTables full;
-    const ZTStaticMetaClassData table(0, full.infos.data(), 0, full.enums.data(), 0,
-                                      full.properties.data(), 0, full.invokables.data(), nullptr,
-                                      nullptr);
-    EXPECT_TRUE(!table.classInfos && !table.enums && !table.properties && !table.invokables);
-    EXPECT_TRUE(!table.superClass && !table.metaType && !table.reserved && !table.userData);
-}
-
-TEST(StaticTables, MoveLeavesTheSourceAsItWas)
-{
-    LampTables tables;
-    tables.table.reserved = true;
+    const ZTStaticMetaPropertyData bareProperty("p", nullptr, nullptr, 0, nullptr);
+    const ZTStaticMetaInvokableData bareInvokable;
+    EXPECT_EQ(bareProperty.changeEventIndex, -1);
+    EXPECT_EQ(bareInvokable.index, -1);
+    EXPECT_EQ(static_cast<int>(bareInvokable.accessSpecifier), 0);
+    const ZTStaticMetaClassData noMembers(0, infos.data(), 0, enums.data(), 0, properties.data(), 0,
+                                          invokables.data(), nullptr, nullptr);
+    EXPECT_TRUE(!noMembers.classInfos && !noMembers.enums && !noMembers.properties &&
+                !noMembers.invokables);
     ZTStaticMetaClassData moved;
-    moved = std::move(tables.table);
-    EXPECT_EQ(moved.typeName, "struct Lamp");
-    EXPECT_EQ(moved.invokables, tables.invokables.data());
-    EXPECT_TRUE(moved.reserved);
-    EXPECT_EQ(tables.table.typeName, "struct Lamp");
-    EXPECT_EQ(tables.table.invokableCount, 2U);
-    EXPECT_EQ(tables.lamp.invokable(1U)->name(), "dim");
+    moved = std::move(table);
+    EXPECT_EQ(moved.invokables, invokables.data());
+    EXPECT_EQ(lamp.typeName(), "struct Lamp"); // the source of a move stays as it was
+    EXPECT_EQ(lamp.invokableCount(), 2U);
 }
 
 TEST_F(StaticClass, WithoutAnythingAnswersNeutrally)
@@ -162,19 +145,11 @@ TEST_F(StaticClass, WithoutAnythingAnswersNeutrally)
     const ZTStaticMetaClassData blank;
     const auto owned = createStaticMetaClass(&blank);
     const ZTMetaClass& empty = *owned;
-    EXPECT_FALSE(empty);
-    EXPECT_FALSE(empty.metaType());
-    EXPECT_EQ(empty.classInfoOffset() + empty.enumOffset() + empty.propertyOffset() +
-                  empty.invokableOffset(),
-              0U);
-    EXPECT_EQ(empty.classInfoCount() + empty.enumCount() + empty.propertyCount() +
-                  empty.invokableCount(),
-              0U);
-    EXPECT_TRUE(!empty.classInfo(0U) && !empty.metaEnum(0) && !empty.property(0U) &&
-                !empty.invokable(0U));
-    EXPECT_TRUE(!empty.classInfo("") && !empty.property(""));
-    int function = 0;
-    EXPECT_EQ(empty.indexOfInvokable(&function), -1);
+    EXPECT_FALSE(empty || empty.metaType());
+    EXPECT_EQ(empty.invokableOffset() + empty.invokableCount() + empty.propertyCount(), 0U);
+    EXPECT_TRUE(!empty.classInfo(0U) && !empty.metaEnum(0) && !empty.property(0U));
+    EXPECT_TRUE(!empty.classInfo("") && !empty.property("") && !empty.invokable(0U));
+    EXPECT_EQ(empty.indexOfInvokable(static_cast<void*>(&spot)), -1);
     EXPECT_EQ(empty.indexOfInvokable<void()>("changed"), -1);
     EXPECT_EQ(empty.indexOfInvokable("changed", false, {}), -1);
 }
@@ -212,17 +187,13 @@ TEST_F(StaticClass, FindsItsOwnMemberByNameFirst)
     EXPECT_EQ(lamp.property("level"), lamp.property(0U)); // the first of two with that name
     EXPECT_EQ(spot.classInfo("category"), spot.classInfo(1U));
     EXPECT_TRUE(!spot.property("Level") && !spot.property("leve") && !spot.classInfo(""));
-    spotTable.superClass = nullptr;
-    EXPECT_EQ(spot.property("levels"), nullptr);
 }
 
 TEST_F(StaticClass, FindsInvokablesByFunctionAndSignature)
 {
     int (Lamp::*dimFunction)(int) = &Lamp::dim;
-    EXPECT_EQ(lamp.indexOfInvokable(&dimFunction), 1);
     EXPECT_EQ(spot.indexOfInvokable(&dimFunction), 1); // it has no callback: the super class's turn
     EXPECT_EQ(spot.invokable(&dimFunction), lamp.invokable(1U));
-    EXPECT_EQ(spot.indexOfInvokable<void(int)>("dim"), 1);
     EXPECT_EQ(spot.invokable<void(int)>("dim"), lamp.invokable(1U));
     EXPECT_EQ(spot.indexOfInvokable<void(const int&)>("dim"), -1);
     EXPECT_EQ(spot.indexOfInvokable<void(int)>("dim", true), -1);
@@ -232,11 +203,6 @@ TEST_F(StaticClass, FindsInvokablesByFunctionAndSignature)
     EXPECT_EQ(spot.indexOfInvokable(&dimFunction), 2);
     spotTable.indexOfInvokableByFunction = [](const ZTMetaClass*, void*) { return -7; };
     EXPECT_EQ(spot.indexOfInvokable(&dimFunction), 1);
-    spotTable.indexOfInvokableBySignature = [](const ZTMetaClass* self, std::string_view, bool,
-                                               const std::type_index&) {
-        return self->superClass() ? 0 : -1;
-    };
-    EXPECT_EQ(spot.indexOfInvokable<void(int)>("dim"), 2);
 }
 
 TEST_F(StaticClass, FindsInvokablesByParameterListFromTheRootOn)
@@ -275,29 +241,20 @@ TEST_F(StaticClass, ReadsAndCallsThroughItsTables)
     EXPECT_EQ(lamp.invokable(1U)->invoke(pointer, {ZTVariant(2)}), ZTVariant(7));
     EXPECT_EQ(property.getter(), &getLevel);
     EXPECT_EQ(property.setter(), &setLevel);
-    EXPECT_EQ(&property.metaType(), &ztMetaType<int>());
     EXPECT_EQ(property.changeEvent(), lamp.invokable(0U));
-    EXPECT_EQ(property.changeEventIndex(), 0);
-    EXPECT_EQ(property.propInfoKey(0), "unit");
     EXPECT_EQ(property.propInfoValue(0), "lumen");
     EXPECT_NE(property.propInfoValue(1).data(), nullptr);
-
     const ZTMetaInvokable& dimming = *lamp.invokable(1U);
-    EXPECT_EQ(&dimming.returnMetaType(), &ztMetaType<int>());
     EXPECT_EQ(&dimming.parameterMetaType(0), &ztMetaType<int>());
     for (unsigned int absent : {1U, 2U}) // a null entry, and one past the end
         EXPECT_EQ(&dimming.parameterMetaType(absent), &ZTMetaType::ZTBadMetaType);
-    EXPECT_EQ(lamp.invokable(0U)->accessSpecifier(), ZTAccessSpecifier::Protected);
-    EXPECT_TRUE(lamp.invokable(0U)->isEvent());
 }
 
 TEST_F(StaticClass, WithoutFunctionsGivesInvalidVariants)
 {
-    const ZTMetaProperty& property = *lamp.property(1U);
-    EXPECT_FALSE(property.canGet() || property.canSet());
-    EXPECT_FALSE(property.get(ZTVariant()));
-    EXPECT_FALSE(property.set(ZTVariant(), ZTVariant(1)));
-    EXPECT_FALSE(property.metaType());
+    const ZTMetaProperty& bare = *lamp.property(1U);
+    EXPECT_FALSE(bare.canGet() || bare.canSet() || bare.metaType());
+    EXPECT_FALSE(bare.get(ZTVariant()) || bare.set(ZTVariant(), ZTVariant(1)));
     EXPECT_FALSE(lamp.invokable(0U)->invoke(ZTVariant(), ZTArgumentArray()));
     EXPECT_FALSE(lamp.invokable(0U)->returnMetaType());
 }
@@ -308,16 +265,11 @@ TEST_F(StaticClass, CopyReadsTheSameTableWithDescriptorsOfItsOwn)
     int word = 0;
     copy.setUserData(&word);
     EXPECT_EQ(spot.userData(), &word);
-    EXPECT_EQ(copy.typeName().data(), spot.typeName().data());
     EXPECT_NE(copy.invokable(2U), spot.invokable(2U));
     EXPECT_EQ(copy.invokable(2U)->name().data(), spot.invokable(2U)->name().data());
-    EXPECT_EQ(copy.invokable(1U), spot.invokable(1U));
     EXPECT_FALSE(copy.isDerivedFrom(&spot));
     EXPECT_TRUE(copy.isDerivedFrom(&lamp));
-    copy = lamp;
-    EXPECT_EQ(copy.typeName(), "struct Lamp");
-    EXPECT_EQ(copy.invokable(1U)->name(), "dim");
-    ZTStaticMetaClass& itself = copy;
+    ZTStaticMetaClass& itself = copy = lamp;
     copy = itself;
     EXPECT_EQ(copy.invokable(1U)->name(), "dim");
 }
@@ -334,8 +286,5 @@ TEST_F(StaticClass, MoveTakesTheDescriptorsOver)
     target = std::move(moved);
     EXPECT_EQ(target.invokable(0U), first);
     EXPECT_EQ(target.invokableCount(), 2U);
-    ZTStaticMetaClass& itself = target;
-    target = std::move(itself);
-    EXPECT_EQ(target.invokable(0U), first);
 }
 } // namespace

@@ -53,28 +53,20 @@ void write(ZTDataStream& stream, const ZTVariant& variant, const std::string& wa
     EXPECT_EQ(log.out(), "");
 }
 
-TEST(TypeOnStream, IsItsName)
+TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
 {
     ZTDataStream stream;
     stream << ztMetaType<int>() << ZTMetaType::ZTBadMetaType << ztMetaType<std::string>();
     EXPECT_EQ(stream.data(), nameBytes("int") + nameBytes("ZTBadMetaType") + nameBytes(stringName));
+    stream << "std::string"
+           << "no such type";
+    const ZTMetaType* type = nullptr;
     EXPECT_LOGS_NOTHING([&] {
-        for (const ZTMetaType* expected :
-             {&ztMetaType<int>(), &ZTMetaType::ZTBadMetaType, &ztMetaType<std::string>()}) {
-            const ZTMetaType* type = nullptr;
+        for (const char* name : {"int", "ZTBadMetaType", "std::string", "std::string"}) {
             stream >> type;
-            EXPECT_EQ(type, expected);
+            EXPECT_EQ(type, &ztMetaType(name));
         }
     });
-    EXPECT_TRUE(stream.good());
-}
-
-TEST(TypeOnStream, IsFoundByItsNameOrAlias)
-{
-    ZTDataStream stream = streamOf(nameBytes("std::string") + nameBytes("no such type"));
-    const ZTMetaType* type = nullptr;
-    EXPECT_LOGS_NOTHING([&] { stream >> type; });
-    EXPECT_EQ(type, &ztMetaType<std::string>());
     EXPECT_LOGS(unknown("no such type"), [&] { stream >> type; });
     EXPECT_EQ(type, &ZTMetaType::ZTBadMetaType);
     EXPECT_TRUE(stream.good());
@@ -93,6 +85,18 @@ TEST(VariantOnStream, IsItsTypeAndItsValue)
               fiveBytes + nameBytes("struct ZTVariant") + fiveBytes + nameBytes("bool") + "\1");
 }
 
+/// Reads and writes itself, and reads what nobody wrote.
+struct Streamed {
+    int number = 0;
+    bool operator==(const Streamed&) const = default;
+    friend ZTDataStream& operator<<(ZTDataStream& s, const Streamed& v) { return s << v.number; }
+    friend ZTDataStream& operator>>(ZTDataStream& s, Streamed& v) { return s >> v.number; }
+};
+struct ReadOnly {
+    int number = 0;
+    friend ZTDataStream& operator>>(ZTDataStream& s, ReadOnly& v) { return s >> v.number; }
+};
+
 TEST(VariantOnStream, ComesBackEqual)
 {
     ZTVariant invalid;
@@ -101,6 +105,7 @@ TEST(VariantOnStream, ComesBackEqual)
                                   ZTVariant(0.5),
                                   text,
                                   ZTVariant(std::int64_t(-5)),
+                                  ZTVariant(Streamed{7}),
                                   ZTVariant(ztMetaType<ZTVariant>(), &text),
                                   ZTVariant(ztMetaType<ZTVariant>(), &invalid),
                                   invalid};
@@ -112,16 +117,6 @@ TEST(VariantOnStream, ComesBackEqual)
         EXPECT_EQ(&read.type(), &variant.type());
         EXPECT_EQ(read, variant);
     }
-    EXPECT_TRUE(stream.good());
-}
-
-TEST(VariantOnStream, WhenInvalidIsANameAndEmptiesTheTarget)
-{
-    ZTDataStream stream;
-    write(stream, ZTVariant());
-    EXPECT_EQ(stream.data().size(), 21U);
-    EXPECT_EQ(stream.data(), nameBytes("ZTBadMetaType"));
-    EXPECT_FALSE(readOver(stream));
     EXPECT_TRUE(stream.good());
 }
 
@@ -155,20 +150,12 @@ TEST(VariantOnStream, OfATypeThatIsNotReadLeavesItsValueBehind)
         write(stream, variant);
         EXPECT_EQ(stream.data().size(), nameBytes(name).size() + left) << name;
         EXPECT_FALSE(readOver(stream, notRead(name)));
-        unsigned char byte = 0;
-        for (std::size_t i = 0; i < left; ++i)
-            stream >> byte;
-        EXPECT_TRUE(stream.good()) << name;
-        stream >> byte;
-        EXPECT_FALSE(stream.good()) << name;
+        std::string rest(left, '\0');
+        char past = 0;
+        EXPECT_TRUE(stream.read(rest.data(), static_cast<unsigned int>(left)).good()) << name;
+        EXPECT_FALSE(stream.read(&past, 1).good()) << name;
     }
 }
-
-/// Reads what nobody wrote.
-struct ReadOnly {
-    int number = 0;
-    friend ZTDataStream& operator>>(ZTDataStream& s, ReadOnly& v) { return s >> v.number; }
-};
 
 TEST(VariantOnStream, OfATypeThatIsOnlyReadTakesWhatFollows)
 {
@@ -177,16 +164,6 @@ TEST(VariantOnStream, OfATypeThatIsOnlyReadTakesWhatFollows)
     write(stream, ZTVariant(ReadOnly{3}), notWritten(name));
     stream << 5;
     EXPECT_EQ(ztVariantValue<ReadOnly>(readOver(stream)).number, 5);
-}
-
-TEST(VariantOnStream, OfAnUnknownTypeIsInvalid)
-{
-    ZTDataStream stream = streamOf(nameBytes("no such type") + std::string(4, '\0'));
-    int left = -1;
-    EXPECT_FALSE(readOver(stream, unknown("no such type")));
-    stream >> left;
-    EXPECT_EQ(left, 0);
-    EXPECT_TRUE(stream.good());
 }
 
 TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)

@@ -166,15 +166,6 @@ TEST(Variant, ComparesWithinOneType)
     EXPECT_EQ(holding(ZTVariant(Opaque()), ZTVariant(Opaque())), "!= <= >= ");
 }
 
-TEST(Variant, ConvertsToItsOwnTypeAlone)
-{
-    EXPECT_TRUE(ZTVariant(5).canConvert(ztMetaType<int>()));
-    EXPECT_FALSE(ZTVariant(5).canConvert(ztMetaType<long long>()));
-    EXPECT_FALSE(ZTVariant(5).canConvert(ZTMetaType::ZTBadMetaType));
-    EXPECT_FALSE(ZTVariant().canConvert(ztMetaType<int>()));
-    EXPECT_FALSE(ZTVariant().canConvert(ZTMetaType::ZTBadMetaType));
-}
-
 std::string printed(const ZTVariant& variant)
 {
     std::ostringstream stream;
