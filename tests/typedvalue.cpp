@@ -144,15 +144,4 @@ TEST(VariantPointer, LooksAtTheBlockAndConvertsNothing)
     });
     EXPECT_EQ(support::Counted::copies, 0);
 }
-
-TEST(VariantPointer, ToALongSeesWhatALongLongWrites)
-{
-    ZTVariant variant(5L);
-    long long& wide = *ztVariantPointer<long long>(variant);
-    long* narrow = ztVariantPointer<long>(variant);
-    ASSERT_NE(narrow, nullptr);
-    wide = 6;
-    *narrow = 7;
-    EXPECT_EQ(wide, 7);
-}
 } // namespace
