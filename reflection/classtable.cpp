@@ -31,7 +31,7 @@ unsigned int sizeOf(const List& list)
 }
 } // namespace
 
-int positionInList(const MemberSpec* members, std::size_t count, const void* variable)
+int positionInList(const MemberRecord* members, std::size_t count, const void* variable)
 {
     int position = 0;
     for (std::size_t i = 0; i < count; ++i) {
@@ -44,7 +44,7 @@ int positionInList(const MemberSpec* members, std::size_t count, const void* var
     return -1;
 }
 
-ClassTable::ClassTable(const ClassSpec& spec) : m_spec(spec)
+ClassTable::ClassTable(const ClassDeclaration& declaration) : m_declaration(declaration)
 {
     addMembers();
     m_classInfoList = addressesOf(m_classInfos);
@@ -65,8 +65,8 @@ void ClassTable::addMembers()
 {
     std::size_t parameters = 0;
     std::size_t infos = 0;
-    for (std::size_t i = 0; i < m_spec.memberCount; ++i) {
-        const MemberSpec& member = m_spec.members[i];
+    for (std::size_t i = 0; i < m_declaration.memberCount; ++i) {
+        const MemberRecord& member = m_declaration.members[i];
         switch (member.kind) {
         case MemberKind::Info:
             m_classInfos.emplace_back(member.name, member.value);
@@ -75,12 +75,12 @@ void ClassTable::addMembers()
             m_enums.emplace_back(member.name, member.count, member.enumerators, member.values);
             break;
         case MemberKind::Property:
-            m_propertySpecs.push_back(&member);
+            m_propertyRecords.push_back(&member);
             infos += member.count;
             break;
         case MemberKind::Method:
         case MemberKind::Event:
-            m_invokableSpecs.push_back(&member);
+            m_invokableRecords.push_back(&member);
             parameters += member.count;
             break;
         }
@@ -88,16 +88,16 @@ void ClassTable::addMembers()
     // Reserved, since the records point into these.
     m_propertyInfos.reserve(infos);
     m_parameterTypes.resize(parameters);
-    for (const MemberSpec* property : m_propertySpecs) {
+    for (const MemberRecord* property : m_propertyRecords) {
         const ZTPropertyInfo* first = m_propertyInfos.data() + m_propertyInfos.size();
         for (std::size_t i = 0; i < property->count; ++i) {
-            const InfoText& text = m_spec.infos[property->firstInfo + i];
+            const InfoText& text = m_declaration.infos[property->firstInfo + i];
             m_propertyInfos.emplace_back(text.key, text.value);
         }
         m_properties.emplace_back(property->name, property->getter, property->setter,
                                   property->count, property->count ? first : nullptr);
     }
-    for (const MemberSpec* invokable : m_invokableSpecs)
+    for (const MemberRecord* invokable : m_invokableRecords)
         m_invokables.emplace_back(invokable->name, invokable->isConst, invokable->count,
                                   invokable->function, invokable->access);
 }
@@ -107,19 +107,19 @@ const ZTMetaClass& ClassTable::link()
     if (m_linked)
         return *m_descriptor;
     m_linked = true;
-    if (m_spec.linkedSuperClass) {
-        superClass = &m_spec.linkedSuperClass();
+    if (m_declaration.linkedSuperClass) {
+        superClass = &m_declaration.linkedSuperClass();
         classInfoOffset = superClass->classInfoCount();
         enumOffset = superClass->enumCount();
         propertyOffset = superClass->propertyCount();
         invokableOffset = superClass->invokableCount();
     }
-    const ZTMetaType& pointerType = m_spec.registerPointers(m_descriptor.get());
-    typeName = m_spec.typeName;
+    const ZTMetaType& pointerType = m_declaration.registerPointers(m_descriptor.get());
+    typeName = m_declaration.typeName;
     metaType = &pointerType;
     for (std::size_t i = 0; i < m_invokables.size(); ++i) {
         m_invokables[i].index = static_cast<int>(m_descriptor->invokableOffset() + i);
-        m_invokables[i].isEvent = m_invokableSpecs[i]->kind == MemberKind::Event;
+        m_invokables[i].isEvent = m_invokableRecords[i]->kind == MemberKind::Event;
     }
     linkChangeEvents();
     return *m_descriptor;
@@ -128,9 +128,9 @@ const ZTMetaClass& ClassTable::link()
 void ClassTable::linkChangeEvents()
 {
     for (std::size_t i = 0; i < m_properties.size(); ++i) {
-        if (!m_propertySpecs[i]->changeEvent.isSet())
+        if (!m_propertyRecords[i]->changeEvent.isSet())
             continue;
-        void* event = const_cast<void*>(m_propertySpecs[i]->changeEventKey);
+        void* event = const_cast<void*>(m_propertyRecords[i]->changeEventKey);
         m_properties[i].changeEventIndex = m_descriptor->indexOfInvokable(event);
         m_properties[i].changeEvent = m_descriptor->invokable(event);
     }
@@ -140,17 +140,17 @@ void ClassTable::fillTypes()
 {
     link();
     m_typed = true;
-    if (m_spec.superClass)
-        m_spec.superClass();
+    if (m_declaration.superClass)
+        m_declaration.superClass();
     for (std::size_t i = 0; i < m_properties.size(); ++i)
-        m_properties[i].metaType = &m_propertySpecs[i]->type();
+        m_properties[i].metaType = &m_propertyRecords[i]->type();
     const ZTMetaType** next = m_parameterTypes.data();
     for (std::size_t i = 0; i < m_invokables.size(); ++i) {
-        const MemberSpec& spec = *m_invokableSpecs[i];
-        m_invokables[i].returnMetaType = &spec.type();
-        m_invokables[i].parameterMetaTypes = spec.count ? next : nullptr;
-        for (unsigned int parameter = 0; parameter < spec.count; ++parameter)
-            *next++ = &spec.parameterTypes[parameter]();
+        const MemberRecord& listed = *m_invokableRecords[i];
+        m_invokables[i].returnMetaType = &listed.type();
+        m_invokables[i].parameterMetaTypes = listed.count ? next : nullptr;
+        for (unsigned int parameter = 0; parameter < listed.count; ++parameter)
+            *next++ = &listed.parameterTypes[parameter]();
     }
 }
 
@@ -161,11 +161,11 @@ const ClassTable& ClassTable::of(const ZTMetaClass* self)
 
 int ClassTable::positionByFunction(const ZTMetaClass* self, void* function)
 {
-    const auto& specs = of(self).m_invokableSpecs;
+    const auto& listed = of(self).m_invokableRecords;
     if (!function)
         return -1;
-    for (std::size_t i = specs.size(); i-- > 0;)
-        if (isSameMember(specs[i]->key, function))
+    for (std::size_t i = listed.size(); i-- > 0;)
+        if (isSameMember(listed[i]->key, function))
             return static_cast<int>(i);
     return -1;
 }
@@ -173,10 +173,10 @@ int ClassTable::positionByFunction(const ZTMetaClass* self, void* function)
 int ClassTable::positionBySignature(const ZTMetaClass* self, std::string_view name, bool isConst,
                                     const std::type_index& signature)
 {
-    const auto& specs = of(self).m_invokableSpecs;
-    for (std::size_t i = specs.size(); i-- > 0;)
-        if (specs[i]->isConst == isConst && specs[i]->name == name &&
-            specs[i]->signature() == signature)
+    const auto& listed = of(self).m_invokableRecords;
+    for (std::size_t i = listed.size(); i-- > 0;)
+        if (listed[i]->isConst == isConst && listed[i]->name == name &&
+            listed[i]->signature() == signature)
             return static_cast<int>(i);
     return -1;
 }

@@ -39,7 +39,7 @@ constexpr MemberIdentity memberIdentity()
 }
 
 /// One member as the class declares it. What does not apply to its kind is empty.
-struct MemberSpec {
+struct MemberRecord {
     MemberKind kind = MemberKind::Info;
     std::string_view name;     ///< the key of an annotation
     std::string_view value;    ///< of an annotation
@@ -69,13 +69,13 @@ struct MemberSpec {
 
 /// The position among the invokables of a list of the member function to which the variable holds
 /// the pointer, or -1.
-[[nodiscard]] ZT_EXPORT int positionInList(const MemberSpec* members, std::size_t count,
+[[nodiscard]] ZT_EXPORT int positionInList(const MemberRecord* members, std::size_t count,
                                            const void* variable);
 
 /// What a class table is made from.
-struct ClassSpec {
+struct ClassDeclaration {
     std::string_view typeName;
-    const MemberSpec* members = nullptr;
+    const MemberRecord* members = nullptr;
     std::size_t memberCount = 0;
     const InfoText* infos = nullptr;
     /// The super class, of which at least the counts are final; null for the root.
@@ -95,7 +95,7 @@ struct ClassSpec {
 class ZT_EXPORT ClassTable : private ZTStaticMetaClassData
 {
 public:
-    explicit ClassTable(const ClassSpec& spec);
+    explicit ClassTable(const ClassDeclaration& declaration);
     ClassTable(const ClassTable&) = delete;
     ClassTable& operator=(const ClassTable&) = delete;
     ~ClassTable();
@@ -118,7 +118,7 @@ private:
     static int positionBySignature(const ZTMetaClass* self, std::string_view name, bool isConst,
                                    const std::type_index& signature);
 
-    ClassSpec m_spec;
+    ClassDeclaration m_declaration;
     bool m_linked = false;
     bool m_typed = false;
 
@@ -129,9 +129,9 @@ private:
     std::vector<ZTPropertyInfo> m_propertyInfos;
     std::vector<const ZTMetaType*> m_parameterTypes;
 
-    // The specs of properties and invokables, in the order of the records.
-    std::vector<const MemberSpec*> m_propertySpecs;
-    std::vector<const MemberSpec*> m_invokableSpecs;
+    // The list's properties and invokables, in its order.
+    std::vector<const MemberRecord*> m_propertyRecords;
+    std::vector<const MemberRecord*> m_invokableRecords;
 
     // What the class data points to.
     std::vector<const ZTStaticMetaClassInfoData*> m_classInfoList;

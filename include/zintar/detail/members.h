@@ -91,10 +91,10 @@ constexpr bool takesValue()
         return false;
 }
 
-/// The annotations of one list, behind the member specs of that list.
+/// The annotations of one list, behind the members of that list.
 template <std::size_t InfoCount>
 struct ListedMember {
-    MemberSpec spec;
+    MemberRecord record;
     std::array<InfoText, InfoCount> infos{};
 
     static constexpr std::size_t infoCount = InfoCount;
@@ -106,14 +106,14 @@ struct InvokableEntry : ListedMember<0> {
     constexpr InvokableEntry as(std::string_view name) const
     {
         InvokableEntry named = *this;
-        named.spec.name = name;
+        named.record.name = name;
         return named;
     }
     /// Public where nothing else is said: the compiler does not tell.
     constexpr InvokableEntry access(ZTAccessSpecifier specifier) const
     {
         InvokableEntry changed = *this;
-        changed.spec.access = specifier;
+        changed.record.access = specifier;
         return changed;
     }
 };
@@ -122,7 +122,7 @@ struct EnumerationEntry : ListedMember<0> {
     constexpr EnumerationEntry as(std::string_view name) const
     {
         EnumerationEntry named = *this;
-        named.spec.name = name;
+        named.record.name = name;
         return named;
     }
 };
@@ -132,7 +132,7 @@ struct PropertyEntry : ListedMember<InfoCount> {
     constexpr PropertyEntry as(std::string_view name) const
     {
         PropertyEntry named = *this;
-        named.spec.name = name;
+        named.record.name = name;
         return named;
     }
 
@@ -141,8 +141,8 @@ struct PropertyEntry : ListedMember<InfoCount> {
     constexpr PropertyEntry notify() const
     {
         PropertyEntry linked = *this;
-        linked.spec.changeEvent = memberIdentity<Event>();
-        linked.spec.changeEventKey = &memberVariable<Event>;
+        linked.record.changeEvent = memberIdentity<Event>();
+        linked.record.changeEventKey = &memberVariable<Event>;
         return linked;
     }
 
@@ -150,8 +150,8 @@ struct PropertyEntry : ListedMember<InfoCount> {
     constexpr PropertyEntry<InfoCount + 1> info(std::string_view key, std::string_view value) const
     {
         PropertyEntry<InfoCount + 1> longer;
-        longer.spec = this->spec;
-        longer.spec.count = InfoCount + 1;
+        longer.record = this->record;
+        longer.record.count = InfoCount + 1;
         for (std::size_t i = 0; i < InfoCount; ++i)
             longer.infos[i] = this->infos[i];
         longer.infos[InfoCount] = {key, value};
@@ -162,13 +162,13 @@ struct PropertyEntry : ListedMember<InfoCount> {
 /// The list that `zt::members` gives.
 template <std::size_t MemberCount, std::size_t InfoCount>
 struct MemberList {
-    std::array<MemberSpec, MemberCount> members{};
+    std::array<MemberRecord, MemberCount> members{};
     std::array<InfoText, InfoCount> infos{};
 
     template <class Entry>
     constexpr void add(const Entry& entry, std::size_t& member, std::size_t& info)
     {
-        members[member] = entry.spec;
+        members[member] = entry.record;
         members[member].firstInfo = info;
         ++member;
         for (const InfoText& text : entry.infos)
@@ -177,12 +177,12 @@ struct MemberList {
 
     constexpr bool isListedTwice(std::size_t position) const
     {
-        const MemberSpec& member = members[position];
+        const MemberRecord& member = members[position];
         bool hasName =
             member.kind == MemberKind::Property || member.kind == MemberKind::Enumeration;
         bool isMember = member.kind != MemberKind::Info && member.kind != MemberKind::Enumeration;
         for (std::size_t i = 0; i < position; ++i) {
-            const MemberSpec& other = members[i];
+            const MemberRecord& other = members[i];
             if (other.kind == member.kind && ((hasName && member.name == other.name) ||
                                               (isMember && member.identity == other.identity)))
                 return true;
@@ -200,7 +200,7 @@ struct MemberList {
 
     constexpr bool hasEvent(MemberIdentity event) const
     {
-        for (const MemberSpec& member : members)
+        for (const MemberRecord& member : members)
             if (member.kind == MemberKind::Event && member.identity == event)
                 return true;
         return false;
@@ -257,9 +257,9 @@ namespace zt
 constexpr detail::ListedMember<0> info(std::string_view key, std::string_view value)
 {
     detail::ListedMember<0> entry;
-    entry.spec.kind = detail::MemberKind::Info;
-    entry.spec.name = key;
-    entry.spec.value = value;
+    entry.record.kind = detail::MemberKind::Info;
+    entry.record.name = key;
+    entry.record.value = value;
     return entry;
 }
 
@@ -296,11 +296,11 @@ constexpr detail::EnumerationEntry enumeration(detail::Enumerators<Values...>)
                   "zt::enumeration<E>: the value of an enumerator does not fit into an int.");
     using List = detail::Enumerators<Values...>;
     detail::EnumerationEntry entry;
-    entry.spec.kind = detail::MemberKind::Enumeration;
-    entry.spec.name = detail::bareName<Enum>();
-    entry.spec.enumerators = List::names.data();
-    entry.spec.values = List::values.data();
-    entry.spec.count = sizeof...(Values);
+    entry.record.kind = detail::MemberKind::Enumeration;
+    entry.record.name = detail::bareName<Enum>();
+    entry.record.enumerators = List::names.data();
+    entry.record.values = List::values.data();
+    entry.record.count = sizeof...(Values);
     return entry;
 }
 
@@ -318,17 +318,17 @@ constexpr InvokableEntry invokableEntry(MemberKind kind)
     static_assert(Params::plain,
                   "The parameters of a method or an event are values or references to const.");
     InvokableEntry entry;
-    entry.spec.kind = kind;
-    entry.spec.name = valueName<Member>();
-    entry.spec.identity = memberIdentity<Member>();
-    entry.spec.key = &memberVariable<Member>;
-    entry.spec.type = &resultType<typename Traits::Result>;
-    entry.spec.parameterTypes = Params::types;
-    entry.spec.count = Params::count;
-    entry.spec.signature = &Params::signature;
+    entry.record.kind = kind;
+    entry.record.name = valueName<Member>();
+    entry.record.identity = memberIdentity<Member>();
+    entry.record.key = &memberVariable<Member>;
+    entry.record.type = &resultType<typename Traits::Result>;
+    entry.record.parameterTypes = Params::types;
+    entry.record.count = Params::count;
+    entry.record.signature = &Params::signature;
     if constexpr (Params::count <= maxParamCount && Params::plain)
-        entry.spec.function = &invokeMember<Member>;
-    entry.spec.isConst = Traits::isConst;
+        entry.record.function = &invokeMember<Member>;
+    entry.record.isConst = Traits::isConst;
     return entry;
 }
 } // namespace detail
@@ -363,11 +363,11 @@ constexpr detail::PropertyEntry<0> property()
     static_assert(detail::isObjectClass<typename Traits::Class>,
                   "The member belongs to a class that is not an object class.");
     detail::PropertyEntry<0> entry;
-    entry.spec.kind = detail::MemberKind::Property;
-    entry.spec.name = detail::valueName<Getter>();
-    entry.spec.identity = detail::memberIdentity<Getter>();
-    entry.spec.key = &detail::memberVariable<Getter>;
-    entry.spec.type = &detail::resultType<Result>;
+    entry.record.kind = detail::MemberKind::Property;
+    entry.record.name = detail::valueName<Getter>();
+    entry.record.identity = detail::memberIdentity<Getter>();
+    entry.record.key = &detail::memberVariable<Getter>;
+    entry.record.type = &detail::resultType<Result>;
     constexpr bool readable = [] {
         if constexpr (Traits::isFunction)
             return Traits::isConst && Traits::Params::count == 0 && !std::is_void_v<Result>;
@@ -377,15 +377,15 @@ constexpr detail::PropertyEntry<0> property()
     static_assert(readable, "The getter of a property is a const member function without "
                             "parameters, or a data member.");
     if constexpr (readable)
-        entry.spec.getter = &detail::getProperty<Getter>;
+        entry.record.getter = &detail::getProperty<Getter>;
     if constexpr (!std::is_null_pointer_v<decltype(Setter)>) {
         constexpr bool fits = detail::takesValue<Result, decltype(Setter)>();
         static_assert(fits, "The setter of a property takes what the getter gives, and nothing "
                             "else.");
         if constexpr (fits)
-            entry.spec.setter = &detail::setByFunction<Setter>;
+            entry.record.setter = &detail::setByFunction<Setter>;
     } else if constexpr (!Traits::isFunction && !std::is_const_v<Result>) {
-        entry.spec.setter = &detail::setField<Getter>;
+        entry.record.setter = &detail::setField<Getter>;
     }
     return entry;
 }
@@ -440,7 +440,7 @@ constexpr bool listsEvent(MemberIdentity event)
 template <class C>
 constexpr bool notifiesEventsOnly()
 {
-    for (const MemberSpec& member : Declared<C>::members().members)
+    for (const MemberRecord& member : Declared<C>::members().members)
         if (member.changeEvent.isSet() && !listsEvent<C>(member.changeEvent))
             return false;
     return true;
@@ -481,7 +481,7 @@ const ZTMetaType& registerPointers(const ZTMetaClass* metaClass)
 }
 
 template <class C>
-ClassSpec classSpec()
+ClassDeclaration classDeclaration()
 {
     static constexpr auto list = Declared<C>::members();
     static_assert(!list.hasMemberListedTwice(),
@@ -492,28 +492,28 @@ ClassSpec classSpec()
                   "super classes.");
     static_assert(ClassAccess::offsetOfBase<C>() == 0,
                   "ZTBase must be the first base of an object class that has virtual functions.");
-    ClassSpec spec;
-    spec.typeName = ztTypeName<C>();
-    spec.members = list.members.data();
-    spec.memberCount = list.members.size();
-    spec.infos = list.infos.data();
+    ClassDeclaration declaration;
+    declaration.typeName = ztTypeName<C>();
+    declaration.members = list.members.data();
+    declaration.memberCount = list.members.size();
+    declaration.infos = list.infos.data();
     using Super = typename Declared<C>::Super;
     if constexpr (!std::is_void_v<Super>) {
         static_assert(std::is_base_of_v<Super, C>,
                       "ZT_OBJECT names a class as super class that the class does not derive "
                       "from.");
-        spec.linkedSuperClass = &linkedClass<Super>;
-        spec.superClass = &completeClass<Super>;
+        declaration.linkedSuperClass = &linkedClass<Super>;
+        declaration.superClass = &completeClass<Super>;
     }
-    spec.registerPointers = &registerPointers<C>;
-    return spec;
+    declaration.registerPointers = &registerPointers<C>;
+    return declaration;
 }
 
 /// The one table of a declared class; instantiated in the file of its `ZT_CLASS` alone.
 template <class C>
 ClassTable& declaredTable()
 {
-    static ClassTable table(classSpec<C>());
+    static ClassTable table(classDeclaration<C>());
     return table;
 }
 
