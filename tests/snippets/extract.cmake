@@ -7,6 +7,7 @@
 # Other blocks are left alone.
 
 file(READ ${ROOT}/${PAGE} rest)
+string(APPEND rest "\n") # the last line may lack it
 set(code "#include \"page.h\"\n")
 set(table "")
 set(number 0)   # of the line
