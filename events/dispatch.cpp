@@ -80,6 +80,10 @@ void callHandler(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokabl
         invokable->invoke(ZTVariant(subscriber), values.array());
         return;
     }
+    if (subscription.arrayHandler) {
+        subscription.arrayHandler->invokeWith(values.array());
+        return;
+    }
     const ZTBase* target = handler->isMemberFunction() ? subscriber : nullptr;
     void** addresses = values.addresses(event);
     if (subscription.parameterCount == event.parameterCount()) {

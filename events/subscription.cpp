@@ -25,6 +25,15 @@ const ZTMetaType& DescribedHandler::parameterMetaType(unsigned int index) const
 {
     return m_types[index]();
 }
+
+bool ArrayHandler::isMemberFunction() const { return false; }
+
+bool ArrayHandler::isComparable() const { return false; }
+
+bool ArrayHandler::equals(void*) const { return false; }
+
+/// The dispatch hands such a handler the array instead.
+void ArrayHandler::invoke(const ZTBase*, void*, void**) {}
 } // namespace zt::detail
 
 ZTSubscriptionPrivate::~ZTSubscriptionPrivate() { delete ownedHandler(); }

@@ -139,6 +139,7 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
     if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
         return {};
     auto record = makeRecord(sender, *event, subscriber, handler->parameterCount());
+    record->arrayHandler = dynamic_cast<zt::detail::ArrayHandler*>(handler);
     record->handler = owned.release();
     return sender->priv->addSubscription(std::move(record));
 }

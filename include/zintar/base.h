@@ -190,8 +190,9 @@ public:
     ///     ZTBase::subscribe(lamp, &Lamp::switched, journal, &Journal::note);
     ///     ZTBase::subscribe(lamp, &Lamp::switched, journal, [=](bool on) { ... });
     ///
-    /// A callable lives until the subscription ends, so at most as long as the receiver. Whatever
-    /// the compiler can see to be wrong does not compile.
+    /// A callable that takes a `const ZTArgumentArray&` fits every event and gets all arguments as
+    /// variants. A callable lives until the subscription ends, so at most as long as the receiver.
+    /// Whatever the compiler can see to be wrong does not compile.
     template <class Sender, class Event, class Receiver, class Handler>
         requires(!(zt::detail::isInvokablePointer<Event> &&
                    zt::detail::isInvokablePointer<Handler>))

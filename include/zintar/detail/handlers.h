@@ -157,6 +157,38 @@ private:
     Callable m_callable;
 };
 
+/// A handler that takes the arguments as the sender packed them, whatever they are.
+struct ZT_EXPORT ArrayHandler : DescribedHandler {
+    using DescribedHandler::DescribedHandler;
+    virtual void invokeWith(const ZTArgumentArray& arguments) = 0;
+
+    [[nodiscard]] bool isMemberFunction() const final;
+    [[nodiscard]] bool isComparable() const final;
+    [[nodiscard]] bool equals(void* key) const final;
+    void invoke(const ZTBase* subscriber, void* result, void** arguments) final;
+};
+
+template <class Callable>
+class ArrayCallableHandler final : public ArrayHandler
+{
+public:
+    explicit ArrayCallableHandler(Callable callable)
+        : ArrayHandler(ztTypeName<Callable>(), 0, nullptr), m_callable(std::move(callable))
+    {}
+    void invokeWith(const ZTArgumentArray& arguments) override
+    {
+        Call running(*this);
+        m_callable(arguments);
+    }
+
+private:
+    Callable m_callable;
+};
+
+template <class F>
+concept TakesArgumentArray = PlainCallable<F> &&
+    std::is_same_v<typename CallableTraits<F>::Params, Parameters<const ZTArgumentArray&>>;
+
 template <class F>
 inline constexpr bool isMemberPointer = std::is_member_function_pointer_v<F>;
 
@@ -205,25 +237,36 @@ constexpr auto handlerParameters()
     }
 }
 
-/// Makes the handler for what a host wrote, with the mistakes that the compiler can see told in
-/// one sentence each.
-template <class Receiver, class EventParams, class F>
-ZTHandlerBase* makeHandler(F handler)
+template <class Receiver, class F, class Params>
+ZTHandlerBase* makeTypedHandler(F handler, Params)
 {
-    using Params = decltype(handlerParameters<F, EventParams>());
     static_assert(Params::plain, "The parameters of a handler are values or references to const.");
-    if constexpr (!std::is_same_v<EventParams, UnknownParameters>)
-        static_assert(Params::lead(EventParams{}),
-                      "A handler takes the leading parameters of the event, of the same types.");
     if constexpr (isMemberPointer<F>) {
         static_assert(std::is_base_of_v<typename MemberTraits<F>::Class, Receiver>,
                       "The handler is a member function of another class than the receiver's.");
-        return handler ? new MemberHandler<Receiver, F>(handler) : nullptr;
+        return new MemberHandler<Receiver, F>(handler);
     } else {
-        if constexpr (std::is_pointer_v<F>)
-            if (!handler)
-                return nullptr;
         return new CallableHandler<F, Params>(std::move(handler));
+    }
+}
+
+/// Makes the handler for what a host wrote, with the mistakes that the compiler can see told in
+/// one sentence each. Null for a null pointer and an empty `std::function`.
+template <class Receiver, class EventParams, class F>
+ZTHandlerBase* makeHandler(F handler)
+{
+    if constexpr (!std::is_empty_v<F> && requires { handler == nullptr; })
+        if (handler == nullptr)
+            return nullptr;
+    if constexpr (TakesArgumentArray<F>) {
+        return new ArrayCallableHandler<F>(std::move(handler));
+    } else {
+        auto params = handlerParameters<F, EventParams>();
+        if constexpr (!std::is_same_v<EventParams, UnknownParameters>)
+            static_assert(
+                decltype(params)::lead(EventParams{}),
+                "A handler takes the leading parameters of the event, of the same types.");
+        return makeTypedHandler<Receiver>(std::move(handler), params);
     }
 }
 } // namespace zt::detail
