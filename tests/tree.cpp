@@ -1,0 +1,189 @@
+#include "support/hostclasses.h"
+
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+namespace
+{
+using namespace host;
+
+class Tree : public TreeTest
+{};
+
+TEST_F(Tree, ChildrenStandInTheOrderOfTheirJoining)
+{
+    Named p("p"), q("q");
+    watch(p);
+    watch(q);
+    auto *a = watched("a"), *b = watched("b");
+    a->setParent(&p);
+    b->setParent(&p);
+    EXPECT_EQ(diary.take(), "p+a p+b");
+    EXPECT_EQ(treeOf(&p), "p(a b)");
+
+    a->setParent(&p);
+    EXPECT_EQ(diary.take(), "p-a p+a");
+    EXPECT_EQ(treeOf(&p), "p(b a)");
+
+    a->setParent(&q);
+    EXPECT_EQ(diary.take(), "p-a q+a");
+    EXPECT_EQ(treeOf(&p) + treeOf(&q), "p(b)q(a)");
+}
+
+TEST_F(Tree, RootBelongsToNobody)
+{
+    std::unique_ptr<Named> p(watched("p")), c(watched("c", p.get()));
+    c->setParent(nullptr);
+    EXPECT_EQ(diary.take(), "p-c");
+    c->setParent(nullptr);
+    p.reset();
+    EXPECT_EQ(diary.take(), "~p");
+    EXPECT_EQ(nameOf(c.get()), "c");
+}
+
+TEST_F(Tree, HandlersSeeTheChildWhereItIs)
+{
+    Named p("p"), q("q");
+    auto* c = new Named("c", &p);
+    on(&p, &ZTBase::childRemoved, [&] { diary.add(treeOf(&p) + treeOf(&q)); });
+    on(&q, &ZTBase::childAdded, [&] { diary.add(treeOf(&p) + treeOf(&q)); });
+    c->setParent(&q);
+    EXPECT_EQ(diary.take(), "pq pq(c)");
+}
+
+TEST_F(Tree, ConstructorMakesAFullChild)
+{
+    Named p("p");
+    watch(p);
+    auto* plain = new ZTBase(&p);
+    auto* dynamic = new ZTDynamicBase(&p);
+    EXPECT_EQ(p.children(), (std::vector<ZTBase*>{plain, dynamic}));
+    EXPECT_EQ(diary.take(), "p+? p+?");
+    delete plain;
+    EXPECT_EQ(diary.take(), "p-?");
+}
+
+TEST_F(Tree, NoObjectIsItsOwnParent)
+{
+    Named p("p");
+    auto *a = watched("a", &p), *b = watched("b", &p);
+    support::CapturedLog log;
+    a->setParent(a);
+    EXPECT_EQ(log.err(), "Zintar Error: Cannot parent an ZTBase object under itself.\n");
+    EXPECT_EQ(log.out(), "");
+    EXPECT_EQ(p.children(), (std::vector<ZTBase*>{a, b}));
+    EXPECT_TRUE(a->children().empty());
+    EXPECT_EQ(diary.take(), "");
+}
+
+TEST_F(Tree, CircleDiesAsAWhole)
+{
+    auto *a = watched("a"), *b = watched("b");
+    a->setParent(b);
+    b->setParent(a);
+    EXPECT_EQ(diary.take(), "b+a a+b");
+    delete a;
+    EXPECT_EQ(diary.take(), "~a b-a ~b");
+}
+
+TEST_F(Tree, ObjectPrintsAsItsAddress)
+{
+    const Named object("o");
+    const ZTBase* none = nullptr;
+    std::ostringstream printed, expected;
+    printed << static_cast<const ZTBase*>(&object) << " " << none;
+    expected << static_cast<const void*>(&object) << " " << static_cast<const void*>(none);
+    EXPECT_EQ(printed.str(), expected.str());
+}
+
+// Handlers that change the tree while `setParent` is at work.
+class TreeReentry : public TreeTest
+{
+protected:
+    TreeReentry()
+    {
+        watch(*p);
+        watch(*q);
+        watch(*r);
+    }
+    std::unique_ptr<Named> p{new Named("p")}, q{new Named("q")}, r{new Named("r")};
+    Named* c = new Named("c", p.get());
+};
+
+TEST_F(TreeReentry, TargetOfTheOuterCallWins)
+{
+    on(p.get(), &ZTBase::childRemoved, [&] { c->setParent(r.get()); });
+    c->setParent(q.get());
+    EXPECT_EQ(treeOf(p.get()) + treeOf(q.get()) + treeOf(r.get()), "pq(c)r");
+    EXPECT_EQ(diary.take(), "p-c q+c");
+    c->setParent(r.get());
+    EXPECT_EQ(diary.take(), "q-c r+c");
+}
+
+TEST_F(TreeReentry, ChildMayMoveOnAsSoonAsItHasArrived)
+{
+    on(q.get(), &ZTBase::childAdded, [&] { c->setParent(r.get()); });
+    c->setParent(q.get());
+    EXPECT_EQ(treeOf(p.get()) + treeOf(q.get()) + treeOf(r.get()), "pqr(c)");
+    EXPECT_EQ(diary.take(), "p-c q+c q-c r+c");
+}
+
+TEST_F(TreeReentry, ChildDiesOnTheWay)
+{
+    on(p.get(), &ZTBase::childRemoved, [&] { delete c; });
+    c->setParent(q.get());
+    EXPECT_EQ(diary.take(), "p-c");
+    auto* d = new Named("d", q.get());
+    on(r.get(), &ZTBase::childAdded, [&] { delete d; });
+    d->setParent(r.get());
+    EXPECT_EQ(diary.take(), "q+d q-d r+d r-d");
+}
+
+TEST_F(TreeReentry, TargetDiesOnTheWay)
+{
+    on(p.get(), &ZTBase::childRemoved, [&] { q.reset(); });
+    c->setParent(q.get());
+    EXPECT_EQ(diary.take(), "p-c ~q");
+    c->setParent(r.get());
+    EXPECT_EQ(diary.take(), "r+c");
+}
+
+TEST_F(TreeReentry, OldParentDiesOnTheWay)
+{
+    on(p.get(), &ZTBase::childRemoved, [&] { p.reset(); });
+    c->setParent(q.get());
+    EXPECT_EQ(diary.take(), "p-c ~p q+c");
+    EXPECT_EQ(treeOf(q.get()), "q(c)");
+}
+
+TEST_F(TreeReentry, EverybodyIsMovedOnTheWay)
+{
+    Named target("t");
+    on(p.get(), &ZTBase::childRemoved, [&] {
+        target = std::move(*q);
+        Named* former = std::exchange(c, new Named(std::move(*c)));
+        delete former;
+        *r = std::move(*p);
+    });
+    c->setParent(q.get());
+    EXPECT_EQ(diary.take(), "p-c q+c");
+    EXPECT_EQ(target.children(), std::vector<ZTBase*>{c});
+    EXPECT_EQ(treeOf(&target) + treeOf(r.get()), "q(c)p");
+}
+
+TEST_F(TreeReentry, ThrowingHandlerLeavesAChildThatCanBePlaced)
+{
+    on(p.get(), &ZTBase::childRemoved, [] { throw std::runtime_error("removed"); });
+    EXPECT_THROW(c->setParent(q.get()), std::runtime_error);
+    EXPECT_EQ(treeOf(p.get()) + treeOf(q.get()), "pq");
+
+    on(q.get(), &ZTBase::childAdded, [] { throw std::runtime_error("added"); });
+    EXPECT_THROW(c->setParent(q.get()), std::runtime_error);
+    EXPECT_EQ(treeOf(q.get()), "q(c)");
+    EXPECT_THROW(ZTBase(q.get()), std::runtime_error);
+    EXPECT_EQ(treeOf(q.get()), "q(c)");
+    c->setParent(r.get());
+    EXPECT_EQ(diary.take(), "p-c q+c q+? q-? q-c r+c");
+}
+} // namespace
