@@ -1,7 +1,7 @@
 #pragma once
 
 #include <zintar/base.h>
-#include <zintar/detail/members.h>
+#include <zintar/detail/declared.h>
 #include <zintar/dynamicbase.h>
 
 /// @file

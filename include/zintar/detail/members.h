@@ -1,96 +1,18 @@
 #pragma once
 
-#include <zintar/base.h>
-#include <zintar/detail/calls.h>
 #include <zintar/detail/classtable.h>
-#include <zintar/dynamicbase.h>
+#include <zintar/detail/memberfunctions.h>
 
 #include <array>
 #include <cstddef>
 #include <string_view>
 #include <type_traits>
-#include <utility>
 
 /// @file
-/// What `zt::members` is made of: each member becomes one constant record, and the few functions
-/// that need its types.
+/// What a class lists with `zt::members`: each member becomes one constant record.
 
 namespace zt::detail
 {
-template <auto Member>
-ZTVariant invokeMember(const ZTVariant& object, const ZTArgumentArray& arguments)
-{
-    using Traits = MemberTraits<decltype(Member)>;
-    auto* self = objectIn<typename Traits::Object>(object);
-    if (!self)
-        return {};
-    return callBoxed<typename Traits::Result>(
-        [self](auto&&... values) -> decltype(auto) {
-            return (self->*Member)(std::forward<decltype(values)>(values)...);
-        },
-        arguments, typename Traits::Params{});
-}
-
-template <auto Member>
-ZTVariant getProperty(const ZTVariant& object)
-{
-    using Traits = MemberTraits<decltype(Member)>;
-    auto* self = objectIn<const typename Traits::Class>(object);
-    if (!self)
-        return {};
-    if constexpr (Traits::isFunction)
-        return boxResult((self->*Member)());
-    else
-        return boxResult(self->*Member);
-}
-
-template <auto Member, class P>
-ZTVariant callSetter(const ZTVariant& object, const ZTVariant& value, Parameters<P>)
-{
-    using Class = typename MemberTraits<decltype(Member)>::Class;
-    return storeUnboxed<Class, P>(object, value, [](Class& self, const Held<P>& held) {
-        (void)(self.*Member)(passAs<P>(held));
-    });
-}
-
-template <auto Member>
-ZTVariant setByFunction(const ZTVariant& object, const ZTVariant& value)
-{
-    return callSetter<Member>(object, value, typename MemberTraits<decltype(Member)>::Params{});
-}
-
-template <auto Member>
-ZTVariant setField(const ZTVariant& object, const ZTVariant& value)
-{
-    using Traits = MemberTraits<decltype(Member)>;
-    using Class = typename Traits::Class;
-    using Field = typename Traits::Result;
-    return storeUnboxed<Class, Field>(object, value, [](Class& self, const Held<Field>& held) {
-        self.*Member = static_cast<Field>(held);
-    });
-}
-
-template <class Member>
-struct SetterParameter;
-template <class R, class C, class P>
-struct SetterParameter<R (C::*)(P)> {
-    using type = P;
-};
-template <class R, class C, class P>
-struct SetterParameter<R (C::*)(P) noexcept> {
-    using type = P;
-};
-
-/// Whether `Setter` is a member function of one parameter that takes a `Value`.
-template <class Value, class Setter>
-constexpr bool takesValue()
-{
-    if constexpr (requires { typename SetterParameter<Setter>::type; })
-        return std::is_same_v<Held<typename SetterParameter<Setter>::type>, Held<Value>>;
-    else
-        return false;
-}
-
 /// The annotations of one list, behind the members of that list.
 template <std::size_t InfoCount>
 struct ListedMember {
@@ -206,49 +128,6 @@ struct MemberList {
         return false;
     }
 };
-
-/// The way to what a declared class keeps private.
-struct ClassAccess {
-    template <class C>
-    static constexpr auto members()
-    {
-        return C::members();
-    }
-    template <class C>
-    static ClassTable& table()
-    {
-        return C::ztTable();
-    }
-
-    /// Where the `ZTBase` in an object of class `C` begins, in words.
-    template <class C>
-    static constexpr std::size_t offsetOfBase()
-    {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Winvalid-offsetof"
-        return __builtin_offsetof(C, priv) - __builtin_offsetof(ZTBase, priv);
-#pragma GCC diagnostic pop
-    }
-};
-
-/// What the kit knows of a declared class; its super class is `void` for the root.
-template <class C>
-struct Declared {
-    using Super = typename C::ZtSuper;
-    static constexpr auto members() { return ClassAccess::members<C>(); }
-};
-
-/// Whether the descriptor of `C` comes from the kit, and not from a table that the host laid out.
-template <class C>
-constexpr bool isDeclared()
-{
-    if constexpr (std::is_same_v<C, ZTBase> || std::is_same_v<C, ZTDynamicBase>)
-        return true;
-    else if constexpr (requires { typename C::Self; })
-        return &C::typeMetaClass == &C::Self::typeMetaClass;
-    else
-        return false;
-}
 } // namespace zt::detail
 
 namespace zt
@@ -401,130 +280,3 @@ constexpr auto members(const Entries&... entries)
     return list;
 }
 } // namespace zt
-
-namespace zt::detail
-{
-template <>
-struct Declared<ZTBase> {
-    using Super = void;
-    static constexpr auto members()
-    {
-        return zt::members(zt::event<&ZTBase::destroyed>(),
-                           zt::event<&ZTBase::dynamicPropertyChanged>(),
-                           zt::event<&ZTBase::childAdded>(), zt::event<&ZTBase::childRemoved>());
-    }
-};
-
-template <>
-struct Declared<ZTDynamicBase> {
-    using Super = ZTBase;
-    static constexpr auto members()
-    {
-        return zt::members(zt::event<&ZTDynamicBase::metaClassInitialized>());
-    }
-};
-
-/// Whether the class or one of its super classes lists the event.
-template <class C>
-constexpr bool listsEvent(MemberIdentity event)
-{
-    if constexpr (!isDeclared<C>())
-        return true; // a table laid out by the host cannot be asked while compiling
-    else if constexpr (std::is_void_v<typename Declared<C>::Super>)
-        return Declared<C>::members().hasEvent(event);
-    else
-        return Declared<C>::members().hasEvent(event) ||
-               listsEvent<typename Declared<C>::Super>(event);
-}
-
-template <class C>
-constexpr bool notifiesEventsOnly()
-{
-    for (const MemberRecord& member : Declared<C>::members().members)
-        if (member.changeEvent.isSet() && !listsEvent<C>(member.changeEvent))
-            return false;
-    return true;
-}
-
-template <class C>
-struct DeclaredHere {
-    static int indexOf(const void* variable)
-    {
-        static constexpr auto list = Declared<C>::members();
-        int position = positionInList(list.members.data(), list.members.size(), variable);
-        unsigned int offset = C::typeMetaClass().invokableOffset();
-        return position < 0 ? -1 : position + static_cast<int>(offset);
-    }
-};
-
-template <class C>
-const ZTMetaClass& linkedClass()
-{
-    if constexpr (isDeclared<C>())
-        return ClassAccess::table<C>().link();
-    else
-        return C::typeMetaClass();
-}
-
-template <class C>
-const ZTMetaClass& completeClass()
-{
-    return C::typeMetaClass();
-}
-
-template <class C>
-const ZTMetaType& registerPointers(const ZTMetaClass* metaClass)
-{
-    const ZTMetaType& type = registerType<C*>(metaClass);
-    registerType<const C*>(metaClass);
-    return type;
-}
-
-template <class C>
-ClassDeclaration classDeclaration()
-{
-    static constexpr auto list = Declared<C>::members();
-    static_assert(!list.hasMemberListedTwice(),
-                  "zt::members: a member is listed twice, or two properties or enumerations have "
-                  "one name.");
-    static_assert(notifiesEventsOnly<C>(),
-                  "zt::members: a property's notify<...>() names no event of the class or its "
-                  "super classes.");
-    static_assert(ClassAccess::offsetOfBase<C>() == 0,
-                  "ZTBase must be the first base of an object class that has virtual functions.");
-    ClassDeclaration declaration;
-    declaration.typeName = ztTypeName<C>();
-    declaration.members = list.members.data();
-    declaration.memberCount = list.members.size();
-    declaration.infos = list.infos.data();
-    using Super = typename Declared<C>::Super;
-    if constexpr (!std::is_void_v<Super>) {
-        static_assert(std::is_base_of_v<Super, C>,
-                      "ZT_OBJECT names a class as super class that the class does not derive "
-                      "from.");
-        declaration.linkedSuperClass = &linkedClass<Super>;
-        declaration.superClass = &completeClass<Super>;
-    }
-    declaration.registerPointers = &registerPointers<C>;
-    return declaration;
-}
-
-/// The one table of a declared class; instantiated in the file of its `ZT_CLASS` alone.
-template <class C>
-ClassTable& declaredTable()
-{
-    static ClassTable table(classDeclaration<C>());
-    return table;
-}
-
-template <class C>
-const ZTMetaClass* classOfObject(const C& object)
-{
-    static_assert(std::is_same_v<typename C::Self, C>,
-                  "ZT_CLASS: the class has no ZT_OBJECT of its own.");
-    if constexpr (std::is_base_of_v<ZTDynamicBase, C>)
-        return object.ZTDynamicBase::metaClass();
-    else
-        return &C::typeMetaClass();
-}
-} // namespace zt::detail
