@@ -1,0 +1,399 @@
+#include "support/bytes.h"
+#include "support/logs.h"
+
+#include <zintar/declare.h>
+#include <zintar/metaclassbuilder.h>
+
+#include <memory>
+
+// What both families of descriptors promise alike. The same two classes come from a declaration,
+// from the builders, from the builders with the declared class as the prototype, and from a stream;
+// every test runs on each of them.
+namespace sample
+{
+class Device : public ZTBase
+{
+    ZT_OBJECT(Device, ZTBase)
+public:
+    enum class State { Idle = 0, Busy = 1 };
+    std::string label = "none";
+    void renamed(const std::string& name) { sendEvent<&Self::renamed>(name); }
+
+private:
+    static constexpr auto members()
+    {
+        return zt::members(zt::info("vendor", "acme"),
+                           zt::enumeration<State>(zt::enumerators<State::Idle, State::Busy>),
+                           zt::event<&Self::renamed>(), zt::property<&Self::label>());
+    }
+};
+
+class Heater : public Device
+{
+    ZT_OBJECT(Heater, Device)
+public:
+    enum class Mode { Off = -1, Heat = 5 };
+    int level() const { return m_level; }
+    void setLevel(int level) { levelChanged(m_level = level); }
+    int serial() const { return 77; }
+    void levelChanged(int level) { sendEvent<&Self::levelChanged>(level); }
+    double boost(int minutes, double factor) { return m_level += minutes, m_level * factor; }
+    std::string describe() const { return "heater"; }
+
+private:
+    static constexpr auto members()
+    {
+        return zt::members(zt::info("vendor", "thermo"), zt::info("", ""),
+                           zt::enumeration<Mode>(zt::enumerators<Mode::Off, Mode::Heat>),
+                           zt::method<&Self::boost>(), zt::event<&Self::levelChanged>(),
+                           zt::method<&Self::describe>().access(ZTAccessSpecifier::Protected),
+                           zt::property<&Self::serial>(),
+                           zt::property<&Self::level, &Self::setLevel>()
+                               .notify<&Self::levelChanged>()
+                               .info("unit", "watt")
+                               .info("unit", "W"));
+    }
+    int m_level = 1;
+};
+
+ZT_CLASS(Device)
+ZT_CLASS(Heater)
+} // namespace sample
+
+namespace
+{
+using namespace sample;
+
+/// The two classes from one source. The first is the super class of the second.
+struct Classes {
+    const ZTMetaClass* device = nullptr;
+    const ZTMetaClass* heater = nullptr;
+    std::unique_ptr<ZTMetaClass> ownedDevice = nullptr;
+    std::unique_ptr<ZTMetaClass> ownedHeater = nullptr;
+
+    static Classes owning(ZTMetaClass* device, ZTMetaClass* heater)
+    {
+        return {device, heater, std::unique_ptr<ZTMetaClass>(device),
+                std::unique_ptr<ZTMetaClass>(heater)};
+    }
+};
+
+Classes declared() { return {&Device::typeMetaClass(), &Heater::typeMetaClass()}; }
+
+ZTMetaClass* buildDevice()
+{
+    ZTMetaClassBuilder builder;
+    builder.setTypeName(Device::typeMetaClass().typeName());
+    builder.setSuperClass(&ZTBase::typeMetaClass());
+    auto vendor = builder.addClassInfo();
+    vendor.setKey("vendor");
+    vendor.setValue("acme");
+    auto state = builder.addEnum();
+    state.setName("State");
+    state.add("Idle", 0);
+    state.add("Busy", 1);
+    auto renamed = builder.addInvokable();
+    renamed.setName("renamed");
+    renamed.setEvent<const std::string&>();
+    renamed.setAccessSpecifier(ZTAccessSpecifier::Public);
+    auto label = builder.addProperty();
+    label.setName("label");
+    label.setGetter([](const Device& self) { return self.label; });
+    label.setSetter([](Device& self, const std::string& text) { self.label = text; });
+    return builder.toMetaClass();
+}
+
+void buildHeaterInvokables(ZTMetaClassBuilder& builder)
+{
+    auto boost = builder.addInvokable();
+    boost.setName("boost");
+    boost.setFunction([](Heater& self, int minutes, double f) { return self.boost(minutes, f); });
+    boost.setAccessSpecifier(ZTAccessSpecifier::Public);
+    auto changed = builder.addInvokable();
+    changed.setName("levelChanged");
+    changed.setEvent<int>();
+    changed.setAccessSpecifier(ZTAccessSpecifier::Public);
+    auto describe = builder.addInvokable();
+    describe.setName("describe");
+    describe.setFunction([](const Heater& self) { return self.describe(); });
+    describe.setAccessSpecifier(ZTAccessSpecifier::Protected);
+}
+
+ZTMetaClass* buildHeater(const ZTMetaClass* device)
+{
+    ZTMetaClassBuilder builder;
+    builder.setTypeName(Heater::typeMetaClass().typeName());
+    builder.setSuperClass(device);
+    auto vendor = builder.addClassInfo();
+    vendor.setKey("vendor");
+    vendor.setValue("thermo");
+    builder.addClassInfo();
+    auto mode = builder.addEnum();
+    mode.setName("Mode");
+    mode.add("Off", -1);
+    mode.add("Heat", 5);
+    buildHeaterInvokables(builder);
+    auto serial = builder.addProperty();
+    serial.setName("serial");
+    serial.setGetter([](const Heater& self) { return self.serial(); });
+    auto level = builder.addProperty();
+    level.setName("level");
+    level.setGetter([](const Heater& self) { return self.level(); });
+    level.setSetter([](Heater& self, int value) { self.setLevel(value); });
+    level.setChangeEvent(builder.invokable(1));
+    level.addPropInfo("unit", "watt");
+    level.addPropInfo("unit", "W");
+    return builder.toMetaClass();
+}
+
+Classes built()
+{
+    ZTMetaClass* device = buildDevice();
+    return Classes::owning(device, buildHeater(device));
+}
+
+Classes copiesOf(const Classes& prototypes)
+{
+    ZTMetaClassBuilder device(prototypes.device);
+    ZTMetaClassBuilder heater(prototypes.heater);
+    ZTMetaClass* copy = device.toMetaClass();
+    heater.setSuperClass(copy);
+    return Classes::owning(copy, heater.toMetaClass());
+}
+Classes copied() { return copiesOf(declared()); }
+Classes rebuilt() { return copiesOf(built()); }
+
+Classes streamed()
+{
+    ZTDataStream stream;
+    stream << Device::typeMetaClass() << Heater::typeMetaClass();
+    ZTMetaClassBuilder device;
+    device.deserialize(stream, {});
+    ZTMetaClass* read = device.toMetaClass();
+    ZTMetaClassBuilder heater;
+    heater.deserialize(stream, {{std::string(read->typeName()), read}});
+    return Classes::owning(read, heater.toMetaClass());
+}
+
+struct Source {
+    const char* name;
+    Classes (*make)();
+};
+
+void PrintTo(const Source& source, std::ostream* out) { *out << source.name; }
+
+class DescriptorContract : public testing::TestWithParam<Source>
+{
+protected:
+    const Classes classes = GetParam().make();
+    const ZTMetaClass& device = *classes.device;
+    const ZTMetaClass& heater = *classes.heater;
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, DescriptorContract,
+                         testing::Values(Source{"Declared", &declared}, Source{"Built", &built},
+                                         Source{"Copied", &copied}, Source{"Streamed", &streamed}),
+                         [](const auto& source) { return source.param.name; });
+
+bool isEmptyView(std::string_view text) { return text.empty() && text.data(); }
+
+TEST_P(DescriptorContract, IndicesRunFromTheRootOn)
+{
+    const ZTMetaClass& root = ZTBase::typeMetaClass();
+    EXPECT_EQ(device.superClass(), &root);
+    EXPECT_EQ(heater.superClass(), &device);
+    EXPECT_EQ(device.invokableOffset(), root.invokableCount());
+    EXPECT_EQ(heater.classInfoOffset(), root.classInfoCount() + 1);
+    EXPECT_EQ(heater.classInfoCount(), heater.classInfoOffset() + 2);
+    EXPECT_EQ(heater.enumOffset(), root.enumCount() + 1);
+    EXPECT_EQ(heater.enumCount(), heater.enumOffset() + 1);
+    EXPECT_EQ(heater.propertyOffset(), root.propertyCount() + 1);
+    EXPECT_EQ(heater.propertyCount(), heater.propertyOffset() + 2);
+    EXPECT_EQ(heater.invokableOffset(), root.invokableCount() + 1);
+    EXPECT_EQ(heater.invokableCount(), heater.invokableOffset() + 3);
+}
+
+TEST_P(DescriptorContract, AnIndexMeansTheSameMemberFurtherDown)
+{
+    for (unsigned int i = 0; i < device.invokableCount(); ++i)
+        EXPECT_EQ(heater.invokable(i), device.invokable(i));
+    EXPECT_EQ(heater.classInfo(0U), device.classInfo(0U));
+    EXPECT_EQ(heater.metaEnum(0), device.metaEnum(0));
+    EXPECT_EQ(heater.property(0U), device.property("label"));
+    for (unsigned int i = 0; i < heater.invokableCount(); ++i)
+        EXPECT_EQ(heater.invokable(i)->index(), static_cast<int>(i));
+    EXPECT_EQ(heater.invokable(heater.invokableOffset())->name(), "boost");
+    EXPECT_EQ(heater.property(heater.propertyOffset())->name(), "serial");
+}
+
+TEST_P(DescriptorContract, IndicesOutOfRangeGiveNull)
+{
+    for (unsigned int beyond : {0U, 1U, 1000U, ~0U - 100U}) {
+        EXPECT_EQ(heater.classInfo(heater.classInfoCount() + beyond), nullptr);
+        EXPECT_EQ(heater.metaEnum(heater.enumCount() + beyond), nullptr);
+        EXPECT_EQ(heater.property(heater.propertyCount() + beyond), nullptr);
+        EXPECT_EQ(heater.invokable(heater.invokableCount() + beyond), nullptr);
+    }
+}
+
+TEST_P(DescriptorContract, NamesFindTheOwnMemberFirst)
+{
+    EXPECT_EQ(heater.typeName(), "struct sample::Heater");
+    EXPECT_TRUE(device && heater);
+    EXPECT_EQ(device.classInfo("vendor")->value(), "acme");
+    EXPECT_EQ(heater.classInfo("vendor")->value(), "thermo");
+    EXPECT_EQ(heater.classInfo(""), heater.classInfo(heater.classInfoOffset() + 1));
+    EXPECT_TRUE(*heater.classInfo(""));
+    EXPECT_EQ(heater.property("label"), device.property("label"));
+    EXPECT_EQ(heater.property("level"), heater.property(2U));
+    EXPECT_TRUE(!heater.property("leve") && !heater.property("") && !device.property("level"));
+    EXPECT_TRUE(!device.classInfo("") && !device.classInfo("vendors"));
+}
+
+TEST_P(DescriptorContract, EnumsListTheirEnumerators)
+{
+    const ZTMetaEnum& mode = *heater.metaEnum(heater.enumOffset());
+    EXPECT_EQ(mode.name(), "Mode");
+    EXPECT_EQ(mode.count(), 2U);
+    EXPECT_EQ(mode.enumerator(0), "Off");
+    EXPECT_EQ(mode.value(0), -1);
+    EXPECT_EQ(mode.enumerator(1), "Heat");
+    EXPECT_EQ(mode.value(1), 5);
+    EXPECT_TRUE(isEmptyView(mode.enumerator(2)));
+    EXPECT_EQ(mode.value(2), -1);
+}
+
+TEST_P(DescriptorContract, InvokablesTellTheirSignature)
+{
+    const ZTMetaInvokable& boost = *heater.invokable<void(int, double)>("boost");
+    EXPECT_FALSE(boost.isConst() || boost.isEvent());
+    EXPECT_EQ(&boost.returnMetaType(), &ztMetaType<double>());
+    ASSERT_EQ(boost.parameterCount(), 2U);
+    EXPECT_EQ(&boost.parameterMetaType(0), &ztMetaType<int>());
+    EXPECT_EQ(&boost.parameterMetaType(1), &ztMetaType<double>());
+    EXPECT_EQ(&boost.parameterMetaType(2), &ZTMetaType::ZTBadMetaType);
+    const ZTMetaInvokable& describe = *heater.invokable<void()>("describe", true);
+    EXPECT_TRUE(describe.isConst() && !describe.isEvent());
+    EXPECT_EQ(describe.accessSpecifier(), ZTAccessSpecifier::Protected);
+    EXPECT_EQ(boost.accessSpecifier(), ZTAccessSpecifier::Public);
+    const ZTMetaInvokable& renamed = *heater.invokable<void(const std::string&)>("renamed");
+    EXPECT_TRUE(renamed.isEvent());
+    EXPECT_EQ(&renamed.returnMetaType(), &ztMetaType<void>());
+    EXPECT_EQ(&renamed.parameterMetaType(0), &ztMetaType<std::string>());
+}
+
+TEST_P(DescriptorContract, InvokablesAreFoundByNameConstnessAndTypes)
+{
+    const std::vector<const ZTMetaType*> types{&ztMetaType<int>(), &ztMetaType<double>()};
+    const auto offset = static_cast<int>(heater.invokableOffset());
+    EXPECT_EQ(heater.indexOfInvokable("boost", false, types), offset);
+    EXPECT_EQ(heater.indexOfInvokable("boost", true, types), -1);
+    EXPECT_EQ(heater.indexOfInvokable("boost", false, {types[0], nullptr}), -1);
+    EXPECT_EQ(heater.indexOfInvokable("boost", false, {types[0]}), -1);
+    EXPECT_EQ(heater.invokable("boos", false, types), nullptr);
+    EXPECT_EQ(heater.indexOfInvokable<void(int, double)>("boost"), offset);
+    EXPECT_EQ(heater.indexOfInvokable<void(int, double)>("boost", true), -1);
+    EXPECT_EQ(heater.indexOfInvokable<void(const std::string&)>("renamed"), offset - 1);
+    EXPECT_EQ(heater.indexOfInvokable<void(ZTBase*)>("destroyed"), 0);
+    EXPECT_EQ(heater.indexOfInvokable<void(int)>("destroyed"), -1); // the root is a declared class
+    void (ZTBase::*unknown)() = nullptr;
+    EXPECT_EQ(heater.indexOfInvokable(&unknown), -1);
+    EXPECT_EQ(heater.invokable(&unknown), nullptr);
+}
+
+TEST_P(DescriptorContract, PropertiesTellTypeEventAndAnnotations)
+{
+    const ZTMetaProperty& level = *heater.property("level");
+    EXPECT_EQ(&level.metaType(), &ztMetaType<int>());
+    EXPECT_EQ(level.changeEvent(), heater.invokable<void(int)>("levelChanged"));
+    EXPECT_EQ(level.changeEventIndex(), level.changeEvent()->index());
+    ASSERT_EQ(level.propInfoCount(), 2U);
+    EXPECT_EQ(level.propInfoKey(1), "unit");
+    EXPECT_EQ(level.propInfoValue(0), "watt");
+    EXPECT_EQ(level.propInfoValue(1), "W");
+    EXPECT_TRUE(isEmptyView(level.propInfoKey(2)) && isEmptyView(level.propInfoValue(~0U)));
+    const ZTMetaProperty& serial = *heater.property("serial");
+    EXPECT_EQ(serial.changeEvent(), nullptr);
+    EXPECT_EQ(serial.changeEventIndex(), -1);
+    EXPECT_EQ(serial.propInfoCount(), 0U);
+}
+
+TEST_P(DescriptorContract, IsOneFamilyThroughout)
+{
+    const bool dynamic = GetParam().make != &declared;
+    EXPECT_EQ(heater.isDynamic(), dynamic);
+    EXPECT_EQ(heater.property("level")->isDynamic(), dynamic);
+    EXPECT_EQ(heater.invokable(heater.invokableOffset())->isDynamic(), dynamic);
+    EXPECT_EQ(&heater.metaType(), dynamic ? &ZTMetaType::ZTBadMetaType : &ztMetaType<Heater*>());
+    EXPECT_FALSE(heater.invokable(0U)->isDynamic());
+    support::CapturedLog log;
+    EXPECT_TRUE(heater.isDerivedFrom(&device) && heater.isDerivedFrom(&ZTBase::typeMetaClass()));
+    EXPECT_FALSE(device.isDerivedFrom(&heater) || heater.isDerivedFrom(nullptr));
+    EXPECT_EQ(log.err().empty(), !dynamic);
+}
+
+TEST_P(DescriptorContract, UserDataIsTheClassesOwn)
+{
+    int word = 0;
+    auto& writable = const_cast<ZTMetaClass&>(heater);
+    EXPECT_EQ(heater.userData(), nullptr);
+    writable.setUserData(&word);
+    EXPECT_EQ(heater.userData(), &word);
+    EXPECT_EQ(device.userData(), nullptr);
+    writable.setUserData(nullptr);
+}
+
+/// Where the methods have functions too.
+class CallContract : public DescriptorContract
+{};
+INSTANTIATE_TEST_SUITE_P(Each, CallContract,
+                         testing::Values(Source{"Declared", &declared}, Source{"Built", &built},
+                                         Source{"Rebuilt", &rebuilt}),
+                         [](const auto& source) { return source.param.name; });
+
+TEST_P(CallContract, FunctionsReachTheObject)
+{
+    Heater object;
+    const ZTVariant pointer(&object);
+    const ZTMetaProperty& level = *heater.property("level");
+    EXPECT_TRUE(level.canGet() && level.canSet());
+    EXPECT_FALSE(heater.property("serial")->canSet());
+    level.set(pointer, ZTVariant(4));
+    EXPECT_EQ(level.get(pointer), ZTVariant(4));
+    EXPECT_EQ(heater.property("label")->get(pointer), ZTVariant("none"));
+    EXPECT_FALSE(heater.property("serial")->set(pointer, ZTVariant(1)));
+    EXPECT_EQ(heater.invokable<void(int, double)>("boost")->invoke(&object, 2, 0.5),
+              ZTVariant(3.0));
+    EXPECT_EQ(heater.invokable<void()>("describe", true)->invoke(&object), ZTVariant("heater"));
+}
+
+TEST_P(CallContract, WrongObjectsAndValuesChangeNothing)
+{
+    Heater object;
+    support::CapturedLog log;
+    heater.property("level")->set(ZTVariant(&object), ZTVariant(std::string("hot")));
+    EXPECT_EQ(log.all(),
+              "Zintar Warning: Retrieved default-constructed value of type \"int\" while "
+              "converting from ZTVariant. Conversion failed from type type \"class "
+              "std::basic_string<char,struct std::char_traits<char>,class "
+              "std::allocator<char> >\".\n");
+    EXPECT_EQ(object.level(), 1);
+    EXPECT_FALSE(heater.property("level")->get(ZTVariant()));
+    EXPECT_FALSE(heater.property("level")->set(ZTVariant(7), ZTVariant(1)));
+    EXPECT_FALSE(heater.invokable<void()>("describe", true)->invoke(ZTVariant("x")));
+}
+
+TEST_P(DescriptorContract, StreamFormIsTheSameButForTheFunctions)
+{
+    ZTDataStream stream;
+    ZTDataStream expected;
+    stream << device;
+    expected << Device::typeMetaClass();
+    const std::size_t flags = expected.data().size() - 5; // before the count of annotations
+    std::string bytes = expected.data();
+    EXPECT_EQ(bytes[flags], 3);
+    bytes[flags] = stream.data()[flags];
+    EXPECT_EQ(support::bytesOf(stream), support::hex(bytes));
+    EXPECT_EQ(bytes[flags], GetParam().make == &streamed ? 0 : 3);
+}
+} // namespace
