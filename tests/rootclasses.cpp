@@ -1,0 +1,134 @@
+#include "support/hostclasses.h"
+
+namespace
+{
+using namespace host;
+
+const ZTMetaClass& root = ZTBase::typeMetaClass();
+const ZTMetaClass& dynamicRoot = ZTDynamicBase::typeMetaClass();
+
+std::string invokablesOf(const ZTMetaClass& metaClass)
+{
+    std::string text;
+    for (unsigned int i = 0; i < metaClass.invokableCount(); ++i)
+        text += textOf(*metaClass.invokable(i)) + "\n";
+    return text;
+}
+
+TEST(RootClasses, AreTheirEvents)
+{
+    const std::string text = ztMetaType<std::string>().name();
+    const std::string events = "event 0 void destroyed(struct ZTBase*)\n"
+                               "event 1 void dynamicPropertyChanged(" +
+                               text +
+                               ", struct ZTVariant)\n"
+                               "event 2 void childAdded(struct ZTBase*)\n"
+                               "event 3 void childRemoved(struct ZTBase*)\n";
+    EXPECT_EQ(invokablesOf(root), events);
+    EXPECT_EQ(invokablesOf(dynamicRoot),
+              events + "event 4 void metaClassInitialized(const struct ZTMetaClass*)\n");
+    for (unsigned int i = 0; i < 5; ++i)
+        EXPECT_EQ(dynamicRoot.invokable(i)->accessSpecifier(), ZTAccessSpecifier::Public);
+    EXPECT_EQ(dynamicRoot.invokable(5U), nullptr);
+    EXPECT_EQ(dynamicRoot.invokable(0U), root.invokable(0U));
+}
+
+TEST(RootClasses, StandAtTheTop)
+{
+    EXPECT_EQ(root.typeName(), "struct ZTBase");
+    EXPECT_EQ(dynamicRoot.typeName(), "struct ZTDynamicBase");
+    EXPECT_EQ(root.superClass(), nullptr);
+    EXPECT_EQ(dynamicRoot.superClass(), &root);
+    EXPECT_EQ(root.invokableOffset(), 0U);
+    EXPECT_EQ(dynamicRoot.invokableOffset(), 4U);
+    for (const ZTMetaClass* one : {&root, &dynamicRoot}) {
+        EXPECT_EQ(one->propertyCount() + one->enumCount() + one->classInfoCount(), 0U);
+        EXPECT_FALSE(one->isDynamic() || one->userData());
+        EXPECT_TRUE(*one && one->isDerivedFrom(&root));
+    }
+}
+
+TEST(RootClasses, AreFoundByTheNamesOfTheirPointers)
+{
+    auto classOf = [](const char* name) { return ztMetaType(name).metaClass(); };
+    EXPECT_EQ(classOf("struct ZTBase*"), &root);
+    EXPECT_EQ(classOf("const struct ZTBase*"), &root);
+    EXPECT_EQ(classOf("struct ZTDynamicBase*"), &dynamicRoot);
+    EXPECT_EQ(classOf("const struct ZTDynamicBase*"), &dynamicRoot);
+    EXPECT_EQ(&root.metaType(), &ztMetaType("struct ZTBase*"));
+    EXPECT_EQ(&dynamicRoot.metaType(), &ztMetaType<ZTDynamicBase*>());
+    EXPECT_EQ(&root.invokable(0U)->parameterMetaType(0), &root.metaType());
+    EXPECT_EQ(classOf("const struct ZTMetaClass*"), nullptr);
+    EXPECT_EQ(&ztMetaType("struct ZTVariant"), &ztMetaType("ZTVariant"));
+}
+
+TEST(RootClasses, FindTheirEventsBySignature)
+{
+    EXPECT_EQ(root.indexOfInvokable<void(ZTBase*)>("childAdded"), 2);
+    EXPECT_EQ(root.indexOfInvokable<void(ZTBase*)>("childAdded", true), -1);
+    using Changed = void(const std::string&, const ZTVariant&);
+    EXPECT_EQ(root.indexOfInvokable<Changed>("dynamicPropertyChanged"), 1);
+    EXPECT_EQ(root.indexOfInvokable<Changed>("childAdded"), -1);
+    EXPECT_EQ(root.indexOfInvokable<void(std::string, ZTVariant)>("dynamicPropertyChanged"), -1);
+    EXPECT_EQ(dynamicRoot.indexOfInvokable<void(ZTBase*)>("destroyed"), 0);
+    using Initialized = void(const ZTMetaClass*);
+    EXPECT_EQ(dynamicRoot.indexOfInvokable<Initialized>("metaClassInitialized"), 4);
+    EXPECT_EQ(root.indexOfInvokable<Initialized>("metaClassInitialized"), -1);
+}
+
+TEST(RootClasses, FindTheirEventsByFunction)
+{
+    auto removed = &ZTBase::childRemoved;
+    auto changed = &ZTBase::dynamicPropertyChanged;
+    auto initialized = &ZTDynamicBase::metaClassInitialized;
+    auto setParent = &ZTBase::setParent;
+    EXPECT_EQ(root.indexOfInvokable(&removed), 3);
+    EXPECT_EQ(root.indexOfInvokable(&changed), 1);
+    EXPECT_EQ(dynamicRoot.indexOfInvokable(&removed), 3);
+    EXPECT_EQ(dynamicRoot.indexOfInvokable(&initialized), 4);
+    EXPECT_EQ(root.indexOfInvokable(&initialized), -1);
+    EXPECT_EQ(root.indexOfInvokable(&setParent), -1);
+}
+
+class RootEvents : public TreeTest
+{
+protected:
+    ZTDynamicBase object;
+};
+
+TEST_F(RootEvents, AreRaisedThroughTheirDescriptors)
+{
+    Named child("c");
+    on(&object, &ZTBase::childAdded, [&](ZTBase* added) { diary.add("+" + nameOf(added)); });
+    on(&object, &ZTBase::dynamicPropertyChanged,
+       [&](const std::string& name, const ZTVariant& value) {
+           diary.add(name + (value.isValid() ? "=1" : "="));
+       });
+    on(&object, &ZTDynamicBase::metaClassInitialized,
+       [&](const ZTMetaClass* metaClass) { diary.add(std::string(metaClass->typeName())); });
+    ZTBase* none = nullptr;
+    EXPECT_FALSE(root.invokable(2U)->invoke(&object, static_cast<ZTBase*>(&child)).isValid());
+    root.invokable(2U)->invoke(&object, none);
+    root.invokable(1U)->invoke(&object, "n", 1);
+    root.invokable(1U)->invoke(&object, "n", ZTVariant());
+    dynamicRoot.invokable(4U)->invoke(&object, &root);
+    EXPECT_EQ(diary.take(), "+c +null n=1 n= struct ZTBase");
+}
+
+TEST_F(RootEvents, AreNotRaisedOnWhatIsNoObject)
+{
+    const ZTMetaInvokable* added = root.invokable(2U);
+    on(&object, &ZTBase::childAdded, [&](ZTBase* child) { diary.add(nameOf(child)); });
+    const std::string head =
+        "Zintar Warning: Retrieved default-constructed value of type \"struct ZTBase*\" ";
+    EXPECT_LOGS(head + "while converting from ZTVariant. Conversion failed from type type "
+                       "\"int\".\n",
+                [&] { EXPECT_FALSE(added->invoke(ZTVariant(3), {}).isValid()); });
+    ZTBase* none = nullptr;
+    EXPECT_LOGS_NOTHING([&] { added->invoke(ZTVariant(none), {}); });
+    EXPECT_EQ(diary.take(), "");
+    EXPECT_LOGS(head + "converting from invalid ZTVariant.\n",
+                [&] { added->invoke(ZTVariant(&object), {}); });
+    EXPECT_EQ(diary.take(), "null");
+}
+} // namespace
