@@ -92,6 +92,13 @@ struct Streamed {
     friend ZTDataStream& operator<<(ZTDataStream& s, const Streamed& v) { return s << v.number; }
     friend ZTDataStream& operator>>(ZTDataStream& s, Streamed& v) { return s >> v.number; }
 };
+/// Has no default value, so that no block is there to read into.
+struct Pin {
+    explicit Pin(int n) : number(n) {}
+    int number;
+    friend ZTDataStream& operator<<(ZTDataStream& s, const Pin& v) { return s << v.number; }
+    friend ZTDataStream& operator>>(ZTDataStream& s, Pin& v) { return s >> v.number; }
+};
 struct ReadOnly {
     int number = 0;
     friend ZTDataStream& operator>>(ZTDataStream& s, ReadOnly& v) { return s >> v.number; }
@@ -142,6 +149,7 @@ TEST(VariantOnStream, OfATypeThatIsNotReadLeavesItsValueBehind)
     ZTBase object;
     const std::pair<ZTVariant, std::size_t> variants[] = {{ZTVariant('x'), 4},
                                                           {ZTVariant(ZTLong(7)), 4},
+                                                          {ZTVariant(Pin(7)), 4},
                                                           {ZTVariant(nullptr), 0},
                                                           {ZTVariant(&object), 1}};
     for (const auto& [variant, left] : variants) {
@@ -182,5 +190,14 @@ TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)
         EXPECT_FALSE(stream.good()) << size;
         EXPECT_FALSE(readOver(stream, unknown(""))) << size;
     }
+}
+TEST(VariantOnStream, ThatNestsWithoutEndIsSurvived)
+{
+    std::string bytes;
+    for (int i = 0; i < 100'000; ++i)
+        bytes += nameBytes("struct ZTVariant");
+    ZTDataStream stream = streamOf(bytes);
+    ZTVariant variant;
+    EXPECT_NE(support::logOf([&] { stream >> variant; }), "");
 }
 } // namespace

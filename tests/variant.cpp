@@ -25,6 +25,13 @@ void expectInvalid(const ZTVariant& variant)
     EXPECT_EQ(&variant.type(), &ZTMetaType::ZTBadMetaType);
 }
 
+std::string printed(const ZTVariant& variant)
+{
+    std::ostringstream stream;
+    stream << variant;
+    return stream.str();
+}
+
 TEST(Variant, WithoutAValueIsInvalid)
 {
     ZTVariant variant;
@@ -46,6 +53,24 @@ TEST(Variant, IsOfItsTypeEvenWithoutABlock)
         EXPECT_EQ(variant.data(), nullptr);
         EXPECT_EQ(ZTVariant(variant).type().name(), name);
     }
+}
+
+/// No value of it can be made of a null source, which its functions have to bear.
+struct Pin {
+    explicit Pin(int n) : number(n) {}
+    int number;
+    bool operator==(const Pin&) const = default;
+    friend std::ostream& operator<<(std::ostream& s, const Pin& p) { return s << p.number; }
+};
+
+TEST(Variant, WithoutABlockIsComparedAndPrinted)
+{
+    const ZTVariant none(ztMetaType<Pin>(), nullptr);
+    EXPECT_EQ(none.data(), nullptr);
+    EXPECT_NE(none, ZTVariant(Pin(5)));
+    EXPECT_NE(ZTVariant(Pin(5)), none);
+    EXPECT_EQ(ZTVariant(none).data(), nullptr);
+    EXPECT_EQ(printed(none), "ZTVariant(" + none.type().name() + ", )");
 }
 
 TEST(Variant, CopyOfOneWithoutABlockIsMadeByTheType)
@@ -164,13 +189,6 @@ TEST(Variant, ComparesWithinOneType)
     EXPECT_EQ(holding(nan, ZTVariant(1.0)), "!= > >= ");
     EXPECT_EQ(holding(ZTVariant(1.0), nan), "!= > >= ");
     EXPECT_EQ(holding(ZTVariant(Opaque()), ZTVariant(Opaque())), "!= <= >= ");
-}
-
-std::string printed(const ZTVariant& variant)
-{
-    std::ostringstream stream;
-    stream << variant;
-    return stream.str();
 }
 
 TEST(Variant, PrintsItsTypeAndValue)
