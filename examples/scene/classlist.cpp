@@ -54,7 +54,7 @@ std::string describeProperty(const ZTMetaProperty& property)
         text += ", announced by " + std::string(event->name());
     for (unsigned int i = 0; i < property.propInfoCount(); ++i)
         text += ", " + std::string(property.propInfoKey(i)) + " \"" +
-                std::string(property.propInfoValue(i)) + "\"";
+                onOneLine(std::string(property.propInfoValue(i))) + "\"";
     return text;
 }
 

@@ -1,5 +1,6 @@
 #include "converters.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -106,6 +107,16 @@ const ZTMetaEnum* enumerationOf(const ZTMetaType& type)
 {
     auto found = enumerations().find(&type);
     return found == enumerations().end() ? nullptr : found->second;
+}
+
+std::vector<const ZTMetaType*> enumerationTypes()
+{
+    std::vector<const ZTMetaType*> types;
+    for (const auto& [type, enumeration] : enumerations())
+        types.push_back(type);
+    std::sort(types.begin(), types.end(),
+              [](const auto* a, const auto* b) { return a->name() < b->name(); });
+    return types;
 }
 
 const ZTMetaEnum* describeEnumeration(const ZTMetaType& type, const ZTMetaClass& owner)

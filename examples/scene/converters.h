@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// @file
 /// The library converts nothing on its own: which values may take another type's place is the
@@ -22,6 +23,9 @@ std::optional<ZTVariant> convert(const ZTVariant& value, const ZTMetaType& type)
 
 /// The enumeration behind a type, once it has been registered; null for any other type.
 const ZTMetaEnum* enumerationOf(const ZTMetaType& type);
+
+/// The types of the registered enumerations, in the order of their names.
+std::vector<const ZTMetaType*> enumerationTypes();
 
 /// Notes which enumeration of a class describes a type.
 /// @return null when the class declares no enumeration of that name

@@ -1,17 +1,36 @@
 #include "factories.h"
 
 #include "converters.h"
+#include "declaredobject.h"
 #include "hostclasses.h"
-#include "members.h"
+
+#include <type_traits>
 
 namespace scene
 {
 namespace
 {
 template <class C>
+concept Restorable = requires(C& object, std::string_view property, const ZTVariant& value)
+{
+    object.restore(property, value);
+};
+
+template <class C>
 Factory makes()
 {
-    return {&C::typeMetaClass, []() -> std::unique_ptr<ZTBase> { return std::make_unique<C>(); }};
+    Factory factory{&C::typeMetaClass(),
+                    []() -> std::unique_ptr<ZTBase> { return std::make_unique<C>(); }, nullptr,
+                    nullptr};
+    if constexpr (std::is_base_of_v<ZTDynamicBase, C>)
+        factory.makeAs = [](const ZTMetaClass& declared) -> std::unique_ptr<ZTBase> {
+            return std::make_unique<DeclaredObject<C>>(declared);
+        };
+    if constexpr (Restorable<C>)
+        factory.restore = [](ZTBase& object, std::string_view property, const ZTVariant& value) {
+            static_cast<C&>(object).restore(property, value);
+        };
+    return factory;
 }
 } // namespace
 
@@ -25,18 +44,16 @@ const std::vector<Factory>& factories()
     return table;
 }
 
+const Factory& dynamicRoot()
+{
+    static const Factory root = makes<ZTDynamicBase>();
+    return root;
+}
+
 void registerHostEnumerations()
 {
     registerEnumeration<Room, Room::Purpose>();
     registerEnumeration<Crop, Crop::Stage>();
     registerEnumeration<Thermostat, Thermostat::Mode>();
-}
-
-const Factory* factoryOf(std::string_view className)
-{
-    for (const Factory& factory : factories())
-        if (nameOf(factory.metaClass()) == className)
-            return &factory;
-    return nullptr;
 }
 } // namespace scene

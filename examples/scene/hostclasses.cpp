@@ -31,6 +31,12 @@ Crop::Stage Crop::grow(int days)
     return now;
 }
 
+void Crop::restore(std::string_view property, const ZTVariant& value)
+{
+    if (property == "age")
+        m_age = std::clamp(ztVariantValue<int>(value), 0, 1'000'000);
+}
+
 int Bed::harvest()
 {
     auto isRipe = [](ZTBase* child) {
@@ -110,6 +116,12 @@ double Sensor::measure(double raw)
     return value;
 }
 
+void Sensor::restore(std::string_view property, const ZTVariant& value)
+{
+    if (property == "reading")
+        m_reading = ztVariantValue<double>(value);
+}
+
 bool MoistureSensor::check(double raw)
 {
     bool isDry = measure(raw) < dryBelow;
@@ -155,4 +167,12 @@ int Journal::clear()
 {
     m_last.clear();
     return std::exchange(m_entries, 0);
+}
+
+void Journal::restore(std::string_view property, const ZTVariant& value)
+{
+    if (property == "entries")
+        m_entries = ztVariantValue<int>(value);
+    else if (property == "last")
+        m_last = ztVariantValue<std::string>(value);
 }

@@ -3,6 +3,7 @@
 #include <zintar/zintar.h>
 
 #include <string>
+#include <string_view>
 
 /// @file
 /// The classes of the host: what stands in a greenhouse. They know nothing of the scene program,
@@ -55,6 +56,8 @@ public:
 
     /// Whoever hears of `ripened` may delete the crop.
     Stage grow(int days);
+    /// Gives a saved crop back what a property that can only be read said. So in each class here.
+    void restore(std::string_view property, const ZTVariant& value);
 
     void ripened(int age) { sendEvent<&Self::ripened>(age); }
 
@@ -189,6 +192,7 @@ public:
 
     /// Takes a raw value and gives the corrected one.
     double measure(double raw);
+    void restore(std::string_view property, const ZTVariant& value);
 
     void measured(const std::string& what, double value)
     {
@@ -245,6 +249,7 @@ public:
     void noteReading(const std::string& quantity, double value);
     void noteArrival(ZTBase* newcomer);
     int clear();
+    void restore(std::string_view property, const ZTVariant& value);
 
     void full() { sendEvent<&Self::full>(); }
 

@@ -1,34 +1,18 @@
 #include "jsonfile.h"
 
+#include "files.h"
 #include "members.h"
 #include "mistake.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
 #include <limits>
 #include <set>
 #include <sstream>
-#include <system_error>
 
 namespace scene
 {
 namespace
 {
-std::string contentsOf(const std::string& file)
-{
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    std::string contents;
-    char block[4096];
-    while (stream.read(block, sizeof block) || stream.gcount() > 0)
-        contents.append(block, static_cast<std::size_t>(stream.gcount()));
-    // A folder can be opened, but not read.
-    if (!stream.is_open() || stream.bad())
-        throw Mistake("file", "cannot be read: " + std::generic_category().message(errno));
-    return contents;
-}
-
 /// "line 3, column 14" for the byte with that number, from 1 on.
 std::string lineAndColumn(const std::string& contents, std::size_t byte)
 {
@@ -76,9 +60,10 @@ private:
 };
 } // namespace
 
-Json readJson(const std::string& file)
+Json readJson(const std::string& file) { return parseJson(readFile(file)); }
+
+Json parseJson(const std::string& contents)
 {
-    std::string contents = contentsOf(file);
     std::istringstream stream(contents);
     auto here = [&] { return lineAndColumn(contents, static_cast<std::size_t>(stream.tellg())); };
     try {
@@ -117,6 +102,8 @@ void Node::refuse(const std::string& expected) const
     throw Mistake(place(), "expected " + expected + ", found " + kindOf(*m_value));
 }
 
+bool Node::isObject() const { return m_value->is_object(); }
+
 bool Node::has(const char* key) const
 {
     if (!m_value->is_object())
@@ -128,7 +115,7 @@ Node Node::operator[](const char* key) const
 {
     if (!has(key))
         throw Mistake(place(), "\"" + std::string(key) + "\" is missing");
-    return {m_value->at(key), m_place / key};
+    return Node(m_value->at(key), m_place / key);
 }
 
 std::vector<std::pair<std::string, Node>> Node::members(const char* key) const
@@ -213,5 +200,14 @@ bool isName(std::string_view text)
 {
     auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 127; };
     return !text.empty() && std::none_of(text.begin(), text.end(), isControl);
+}
+
+bool isIdentifier(std::string_view text)
+{
+    auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    auto isPart = [&](char c) {
+        return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    };
+    return !text.empty() && !isDigit(text[0]) && std::all_of(text.begin(), text.end(), isPart);
 }
 } // namespace scene

@@ -18,20 +18,34 @@ using Json = nlohmann::ordered_json;
 /// Reads a JSON file; throws `Mistake` when it cannot be read, is no JSON, or says a thing twice.
 Json readJson(const std::string& file);
 
+/// The same of a text alone.
+Json parseJson(const std::string& text);
+
 /// Whether a line of output can hold the text as a name: it is not empty and has no control
 /// characters.
 bool isName(std::string_view text);
+/// Whether it is a name that a class or a member of one can have: letters, digits and "_", not
+/// with a digit in front.
+bool isIdentifier(std::string_view text);
 
 /// A value in a JSON document that knows its place. Whatever is not as it was asked for is a
 /// `Mistake` at that place. Good as long as the document.
 class Node
 {
 public:
-    explicit Node(const Json& document) : m_value(&document) {}
+    using Place = nlohmann::json_pointer<Json>;
+
+    /// @param place  of the document, where it is a part of another one
+    explicit Node(const Json& document, Place place = Place())
+        : m_value(&document), m_place(std::move(place))
+    {}
 
     /// The place as a JSON pointer: "/tree/children/0/name".
     std::string place() const;
+    const Place& pointer() const { return m_place; }
 
+    /// Whether it is no plain value: one with members.
+    bool isObject() const;
     /// Whether the object has a member of that name.
     bool has(const char* key) const;
     Node operator[](const char* key) const;
@@ -51,12 +65,9 @@ public:
     std::string written() const;
 
 private:
-    Node(const Json& value, nlohmann::json_pointer<Json> place)
-        : m_value(&value), m_place(std::move(place))
-    {}
     [[noreturn]] void refuse(const std::string& expected) const;
 
     const Json* m_value;
-    nlohmann::json_pointer<Json> m_place;
+    Place m_place;
 };
 } // namespace scene

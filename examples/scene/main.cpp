@@ -1,64 +1,56 @@
 #include "actions.h"
 #include "classlist.h"
+#include "commandline.h"
 #include "converters.h"
+#include "files.h"
+#include "members.h"
 #include "mistake.h"
 #include "print.h"
+#include "recorder.h"
+#include "savedscene.h"
 #include "scenefile.h"
 
-#include <algorithm>
 #include <iostream>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace
 {
 constexpr int mistaken = 2;
 
-constexpr std::string_view usage = "Usage: scene FILE.json | scene --classes | scene --help";
-
-constexpr std::string_view help = R"(
-Builds a living tree of objects from a file, by reflection alone, carries out the actions in the
-file, and tells every event that one object delivers to another meanwhile.
-
-  scene FILE.json   print the tree, the actions with what they cause, and the tree again
-  scene --classes   list the classes that a file can use, with all their members
-  scene --help      print this
-
-A mistake in the file is told in one line, "file: place: what", with exit code 2, before any
-object is made. The file is an object of three parts; the last two may be missing:
-
-  "tree"         one object: {"class": "Room", "name": "north", "properties": {"area": 20},
-                 "dynamic": {"note": "damp"}, "children": [...]}. Names are unique in the whole
-                 file. A property that the class does not know belongs in "dynamic".
-  "connections"  a list of {"from": "north", "event": "childAdded", "to": "journal",
-                 "method": "noteArrival"}. The method's parameters are the event's leading ones.
-  "actions"      a list of, in the order in which they happen:
-                 {"set": "heater", "property": "level", "value": 2}; a dynamic property also needs
-                 "dynamic": true
-                 {"call": "climate", "method": "program", "arguments": ["Heat", 21.5]}
-                 {"move": "heater", "to": "south"}
-                 {"delete": "heater"}
-
-Text and numbers become what a property or a parameter takes, where they fit: "21.5" is 21.5 for a
-number, and enumerators are given by name.
-)";
-
-int listClasses()
+void listClasses(const scene::CommandLine& line)
 {
-    for (const scene::Factory& factory : scene::factories()) {
-        if (&factory != &scene::factories().front())
+    scene::Classes classes;
+    if (!line.file.empty())
+        (void)scene::readScene(line.file, classes);
+    if (!line.load.empty())
+        (void)scene::loadScene(line.load, classes);
+    for (const scene::SceneClass& known : classes.all()) {
+        if (&known != &classes.all().front())
             std::cout << "\n";
-        scene::printClass(std::cout, factory.metaClass());
+        scene::printClass(std::cout, *known.metaClass);
     }
-    return 0;
 }
 
-void run(const std::string& file)
+void save(const std::string& file, const scene::Classes& classes, const scene::Scene& scene,
+          const scene::Names& names)
 {
-    scene::ScenePlan plan = scene::readScene(file);
+    scene::SavedScene saved = scene::saveScene(classes, scene, names);
+    scene::writeFile(file, saved.bytes);
+    std::cout << "\nSaved in " << file << "\n  the first " << saved.classesEnd
+              << " bytes: " << classes.declared().size() << " class records\n  from byte "
+              << saved.objectsBegin + 1 << " on: " << saved.objects
+              << " objects, as variants in a row\n";
+}
+
+void run(const scene::CommandLine& line)
+{
+    scene::Classes classes;
+    scene::ScenePlan plan = scene::readScene(line.file, classes);
     scene::Names names;
     scene::Trace trace(std::cout, names);
     scene::Scene scene(plan, names, trace);
+    scene::Recorder recorder(line.record, scene, names);
     std::cout << "Before\n";
     scene::printTree(std::cout, scene.top(), names);
     std::cout
@@ -66,27 +58,39 @@ void run(const std::string& file)
     scene::carryOut(plan.actions, scene, trace);
     std::cout << "\nAfter\n";
     scene::printTree(std::cout, scene.top(), names);
-}
-
-/// Keeps a message on its line, whatever the file put into it.
-std::string onOneLine(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(),
-        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 127; }, '?');
-    return text;
-}
-
-int runFile(const std::string& file)
-{
-    try {
-        run(file);
-        return 0;
-    } catch (const scene::Mistake& mistake) {
-        std::cout.flush();
-        std::cerr << onOneLine(file + ": " + mistake.where() + ": " + mistake.what()) << "\n";
-        return mistaken;
+    if (!line.record.empty()) {
+        std::cout << "\nRecorded\n";
+        recorder.print(std::cout);
     }
+    if (!line.save.empty())
+        save(line.save, classes, scene, names);
+}
+
+void load(const scene::CommandLine& line)
+{
+    scene::Classes classes;
+    scene::ScenePlan plan = scene::loadScene(line.load, classes);
+    scene::Names names;
+    scene::Trace trace(std::cout, names);
+    scene::Scene scene(plan, names, trace);
+    if (plan.root)
+        scene::restoreState(*plan.root, scene);
+    std::cout << "Loaded\n";
+    scene::printTree(std::cout, scene.top(), names);
+    if (!line.save.empty())
+        save(line.save, classes, scene, names);
+}
+
+void carryOut(const scene::CommandLine& line)
+{
+    if (line.help)
+        std::cout << scene::usage << scene::help;
+    else if (line.classes)
+        listClasses(line);
+    else if (!line.load.empty())
+        load(line);
+    else
+        run(line);
 }
 } // namespace
 
@@ -95,16 +99,20 @@ int main(int argc, char** argv)
     scene::registerConverters();
     scene::registerHostEnumerations();
 
-    std::string_view argument = argc == 2 ? argv[1] : "";
-    if (argument == "--help") {
-        std::cout << usage << "\n" << help;
-        return 0;
-    }
-    if (argument == "--classes")
-        return listClasses();
-    if (argument.empty() || argument.starts_with("-")) {
-        std::cerr << usage << "\n";
+    auto line = scene::readCommandLine({argv + 1, argv + argc});
+    if (!line) {
+        std::cerr << scene::usage;
         return mistaken;
     }
-    return runFile(std::string(argument));
+    try {
+        carryOut(*line);
+        return 0;
+    } catch (const scene::Mistake& mistake) {
+        std::cout.flush();
+        const std::string& file = line->load.empty() ? line->file : line->load;
+        // Whatever the file put into it, the message stays on its line.
+        std::cerr << scene::onOneLine(file + ": " + mistake.where() + ": " + mistake.what())
+                  << "\n";
+        return mistaken;
+    }
 }

@@ -92,6 +92,14 @@ bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event)
     return true;
 }
 
+std::string onOneLine(std::string text)
+{
+    std::replace_if(
+        text.begin(), text.end(),
+        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 127; }, '?');
+    return text;
+}
+
 std::string listed(const std::vector<std::string>& names)
 {
     std::string text;

@@ -31,6 +31,9 @@ std::string unknownProperty(const ZTMetaClass& metaClass, std::string_view name)
 /// Whether a handler can take what an event sends: its parameters are the event's leading ones.
 bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event);
 
+/// The text without what would end its line.
+std::string onOneLine(std::string text);
+
 /// "one, two, three"
 std::string listed(const std::vector<std::string>& names);
 } // namespace scene

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "factories.h"
+#include "classes.h"
 
 #include <zintar/metaclass.h>
 #include <zintar/variant.h>
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -22,9 +23,11 @@ struct PropertyPlan {
 };
 
 struct ObjectPlan {
-    const Factory* factory = nullptr;
+    const SceneClass* sceneClass = nullptr;
     std::string name;
     std::vector<PropertyPlan> properties;
+    /// Of properties that can only be read: what a saved object had.
+    std::vector<PropertyPlan> readOnly;
     std::vector<ObjectPlan> children;
 };
 
@@ -55,7 +58,7 @@ struct ActionPlan {
 };
 
 struct ScenePlan {
-    ObjectPlan root;
+    std::optional<ObjectPlan> root; ///< none in a scene that was saved when all was deleted
     std::vector<ConnectionPlan> connections;
     std::vector<ActionPlan> actions;
 };

@@ -6,14 +6,15 @@ namespace scene
 {
 Scene::Scene(const ScenePlan& plan, Names& names, Trace& trace) : m_names(names)
 {
-    build(plan.root, &m_top);
+    if (plan.root)
+        build(*plan.root, &m_top);
     for (const ConnectionPlan& connection : plan.connections)
         connect(connection, trace);
 }
 
 void Scene::build(const ObjectPlan& plan, ZTBase* parent)
 {
-    ZTBase* object = plan.factory->make().release();
+    ZTBase* object = plan.sceneClass->make().release();
     object->setParent(parent); // which deletes it from here on
     m_names.add(object, plan.name);
     for (const PropertyPlan& property : plan.properties)

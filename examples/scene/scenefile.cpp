@@ -1,6 +1,8 @@
 #include "scenefile.h"
 
+#include "classdeclarations.h"
 #include "converters.h"
+#include "fit.h"
 #include "jsonfile.h"
 #include "members.h"
 #include "mistake.h"
@@ -12,31 +14,14 @@ namespace scene
 {
 namespace
 {
-/// What was expected of a value that does not fit: "a Thermostat::Mode (Off, Heat, Cool)".
-std::string expectation(const ZTMetaType& type)
-{
-    std::string text = nameOf(type);
-    if (const ZTMetaEnum* enumeration = enumerationOf(type)) {
-        std::vector<std::string> names;
-        for (unsigned int i = 0; i < enumeration->count(); ++i)
-            names.emplace_back(enumeration->enumerator(i));
-        text += " (" + listed(names) + ")";
-    }
-    return text;
-}
-
-Mistake misfit(const Node& node, const std::string& where, const ZTMetaType& type)
-{
-    return {node.place(),
-            node.written() + " does not fit " + where + " of type " + expectation(type)};
-}
-
 class SceneReader
 {
 public:
+    explicit SceneReader(const Classes& classes) : m_classes(classes) {}
+
     ScenePlan read(const Node& file)
     {
-        file.allowOnly({"tree", "connections", "actions"});
+        file.allowOnly({"classes", "tree", "connections", "actions"});
         ScenePlan plan;
         plan.root = readObject(file["tree"], {});
         for (const Node& node : file.elements("connections"))
@@ -51,9 +36,9 @@ private:
     {
         node.allowOnly({"class", "name", "properties", "dynamic", "children"});
         ObjectPlan object;
-        object.factory = readClass(node["class"]);
+        object.sceneClass = &m_classes.named(node["class"].name(), node["class"].place());
         object.name = node["name"].name();
-        const ZTMetaClass& metaClass = object.factory->metaClass();
+        const ZTMetaClass& metaClass = *object.sceneClass->metaClass;
         m_population.add(object.name, metaClass, parent, node["name"].place());
         for (const auto& [name, value] : node.members("properties"))
             object.properties.push_back(readDeclared(metaClass, name, value, value));
@@ -62,18 +47,6 @@ private:
         for (const Node& child : node.elements("children"))
             object.children.push_back(readObject(child, object.name));
         return object;
-    }
-
-    static const Factory* readClass(const Node& node)
-    {
-        std::string name = node.name();
-        const Factory* factory = factoryOf(name);
-        if (factory)
-            return factory;
-        std::vector<std::string> known;
-        for (const Factory& other : factories())
-            known.push_back(nameOf(other.metaClass()));
-        throw Mistake(node.place(), "unknown class \"" + name + "\"; known are " + listed(known));
     }
 
     /// @param naming  where the file names the property
@@ -86,10 +59,7 @@ private:
         std::string fullName = nameOf(metaClass) + "." + name;
         if (!property->canSet())
             throw Mistake(naming.place(), fullName + " can only be read");
-        auto fitting = convert(value.value(), property->metaType());
-        if (!fitting)
-            throw misfit(value, fullName, property->metaType());
-        return {name, *std::move(fitting), false};
+        return {name, fit(value, fullName, property->metaType()), false};
     }
 
     static PropertyPlan readDynamic(const ZTMetaClass& metaClass, const std::string& name,
@@ -225,13 +195,16 @@ private:
         return action;
     }
 
+    const Classes& m_classes;
     Population m_population;
 };
 } // namespace
 
-ScenePlan readScene(const std::string& file)
+ScenePlan readScene(const std::string& file, Classes& classes)
 {
     Json document = readJson(file);
-    return SceneReader().read(Node(document));
+    Node scene(document);
+    declareClasses(scene, classes);
+    return SceneReader(classes).read(scene);
 }
 } // namespace scene

@@ -15,6 +15,17 @@ scene_prints(classes --classes 0 classes.txt)
 scene_prints(help --help 0 help.txt)
 scene_prints(usage "two.json;files.json" 2 usage.txt)
 
+set(recorded "--record;workshop/lathe.finished;--record;lathe.turns;--record;ivy.ripened")
+scene_prints(workshop "workshop.json;${recorded}" 0 workshop.txt)
+scene_prints(workshop_classes "--classes;workshop.json" 0 workshopclasses.txt)
+scene_prints(record_nobody "workshop.json;--record;workshop/stove.turns" 2 late/recordnobody.txt)
+
+# What one process saves, another one brings back.
+add_test(NAME scene_saved
+         COMMAND ${CMAKE_COMMAND} -D SCENE=$<TARGET_FILE:scene>
+                     -D FOLDER=${CMAKE_CURRENT_BINARY_DIR} -P checksaved.cmake
+         WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+
 # Mistakes that show only while the actions are carried out.
 scene_prints(late_circle late/circle.json 2 late/circle.txt)
 scene_prints(late_harvested late/harvested.json 2 late/harvested.txt)

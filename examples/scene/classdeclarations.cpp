@@ -1,0 +1,175 @@
+#include "classdeclarations.h"
+
+#include "converters.h"
+#include "declaredclass.h"
+#include "fit.h"
+#include "members.h"
+#include "mistake.h"
+
+#include <zintar/typedvalue.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace scene
+{
+namespace
+{
+/// Makes each class behind its super class, whatever their order in the file is.
+class ClassReader
+{
+public:
+    explicit ClassReader(Classes& classes) : m_classes(classes) {}
+
+    void read(const std::vector<Node>& nodes)
+    {
+        for (const Node& node : nodes) {
+            node.allowOnly({"name", "super", "properties", "events", "methods"});
+            std::string name = node["name"].name();
+            auto [known, isNew] = m_waiting.emplace(name, node);
+            if (!isNew)
+                throw Mistake(node["name"].place(), "the class \"" + name + "\" is declared by " +
+                                                        known->second.place() + " already");
+        }
+        for (const Node& node : nodes)
+            if (std::string name = node["name"].name(); !m_made.contains(name))
+                make(name);
+    }
+
+private:
+    void make(const std::string& name)
+    {
+        const Node& node = m_waiting.at(name);
+        ZTMetaClassBuilder builder;
+        builder.setTypeName(name);
+        builder.setSuperClass(&readSuperClass(name, node));
+        readEvents(node, builder);
+        readProperties(node, builder);
+        readMethods(node, builder);
+        m_classes.add(finishClass(builder, node.pointer(), m_classes));
+        m_made.insert(name);
+    }
+
+    const ZTMetaClass& readSuperClass(const std::string& name, const Node& node)
+    {
+        Node superNode = node["super"];
+        std::string super = superNode.name();
+        if (m_waiting.contains(super) && !m_made.contains(super)) {
+            m_open.push_back(name);
+            refuseCircle(super, superNode);
+            make(super);
+            m_open.pop_back();
+        }
+        if (const ZTMetaClass* known = m_classes.superClass(super))
+            return *known;
+        if (m_classes.find(super))
+            throw Mistake(superNode.place(), super +
+                                                 " cannot be a super class: it does not derive "
+                                                 "from " +
+                                                 nameOf(*dynamicRoot().metaClass));
+        throw Mistake(superNode.place(), "unknown super class \"" + super + "\"; known are " +
+                                             listed(m_classes.superClassNames()));
+    }
+
+    void refuseCircle(const std::string& super, const Node& node) const
+    {
+        auto first = std::find(m_open.begin(), m_open.end(), super);
+        if (first != m_open.end())
+            throw Mistake(node.place(), "the super classes run in a circle: " +
+                                            chained({first, m_open.end()}) + super);
+        if (m_open.size() > deepestChain)
+            throw Mistake(node.place(), "more than " + std::to_string(deepestChain) +
+                                            " classes derive from each other");
+    }
+
+    static std::string chained(const std::vector<std::string>& names)
+    {
+        std::string text;
+        for (const std::string& name : names)
+            text += name + " : ";
+        return text;
+    }
+
+    static std::vector<const ZTMetaType*> readTypes(const std::vector<Node>& nodes)
+    {
+        std::vector<const ZTMetaType*> types;
+        for (const Node& node : nodes)
+            types.push_back(&readType(node));
+        return types;
+    }
+
+    static void readEvents(const Node& node, ZTMetaClassBuilder& builder)
+    {
+        for (const auto& [name, types] : node.members("events")) {
+            auto event = builder.addInvokable();
+            event.setName(name);
+            event.setEvent(readTypes(node["events"].elements(name.c_str())));
+            event.setAccessSpecifier(ZTAccessSpecifier::Public);
+        }
+    }
+
+    static void readProperties(const Node& node, ZTMetaClassBuilder& builder)
+    {
+        for (const auto& [name, described] : node.members("properties")) {
+            described.allowOnly({"type", "start", "event"});
+            auto property = builder.addProperty();
+            property.setName(name);
+            property.setMetaType(readType(described["type"]));
+            if (described.has("start")) {
+                ZTVariant start = fit(described["start"], name, property.metaType());
+                auto text = convert(start, ztMetaType<std::string>());
+                property.addPropInfo(startKey, ztVariantValue<std::string>(*text));
+            }
+            if (described.has("event"))
+                linkChangeEvent(described["event"], builder, property);
+        }
+    }
+
+    static void linkChangeEvent(const Node& node, ZTMetaClassBuilder& builder,
+                                ZTMetaPropertyBuilder& property)
+    {
+        std::string name = node.name();
+        std::vector<std::string> known;
+        for (unsigned int i = 0; i < static_cast<unsigned int>(builder.invokableCount()); ++i) {
+            auto event = builder.invokable(i);
+            if (event.name() == name)
+                return property.setChangeEvent(event);
+            known.emplace_back(event.name());
+        }
+        throw Mistake(node.place(), std::string(builder.typeName()) + " declares no event \"" +
+                                        name + "\"; it declares " +
+                                        (known.empty() ? "none" : listed(known)));
+    }
+
+    static void readMethods(const Node& node, ZTMetaClassBuilder& builder)
+    {
+        for (const auto& [name, described] : node.members("methods")) {
+            std::vector<const ZTMetaType*> types;
+            for (const auto& [parameter, type] : described.members("parameters"))
+                types.push_back(&readType(type));
+            auto method = builder.addInvokable();
+            method.setName(name);
+            method.setParameterMetaTypes(types);
+            method.setReturnMetaType(ztMetaType<void>());
+            method.setAccessSpecifier(ZTAccessSpecifier::Public);
+            auto body = builder.addClassInfo();
+            body.setKey(std::string(methodKey) + name);
+            body.setValue(described.written());
+        }
+    }
+
+    static constexpr std::size_t deepestChain = 60;
+
+    Classes& m_classes;
+    std::map<std::string, Node> m_waiting;
+    std::set<std::string> m_made;
+    std::vector<std::string> m_open; ///< waiting for their super classes
+};
+} // namespace
+
+void declareClasses(const Node& scene, Classes& classes)
+{
+    ClassReader(classes).read(scene.elements("classes"));
+}
+} // namespace scene

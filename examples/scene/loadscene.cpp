@@ -1,0 +1,194 @@
+#include "savedscene.h"
+
+#include "converters.h"
+#include "declaredclass.h"
+#include "files.h"
+#include "fit.h"
+#include "librarymessages.h"
+#include "members.h"
+#include "population.h"
+
+#include <zintar/datastream.h>
+#include <zintar/typedvalue.h>
+
+#include <map>
+
+namespace scene
+{
+namespace
+{
+class SceneLoader
+{
+public:
+    SceneLoader(const std::string& bytes, Classes& classes) : m_classes(classes)
+    {
+        m_stream.setData(bytes);
+    }
+
+    ScenePlan load()
+    {
+        while (loadClass())
+            continue;
+        m_place = "number of objects";
+        int count = read<int>();
+        for (int i = 0; i < count; ++i)
+            loadObject(i);
+        refuseMore();
+        ScenePlan plan;
+        if (!m_objects.empty())
+            plan.root = withChildren(m_objects.front());
+        return plan;
+    }
+
+private:
+    /// @return false for the nameless class, which ends the classes
+    bool loadClass()
+    {
+        m_place = "class record " + std::to_string(m_classes.declared().size() + 1);
+        auto supers = m_classes.superClasses();
+        supers.emplace("ZTNone", nullptr); // the nameless class has no super class
+        ZTMetaClassBuilder builder;
+        builder.deserialize(m_stream, supers);
+        refuseDamage();
+        std::string name(builder.typeName());
+        if (name.empty())
+            return false;
+        m_classes.add(finishClass(builder, Node::Place() / "classes" / name, m_classes));
+        return true;
+    }
+
+    void loadObject(int index)
+    {
+        m_place = "object " + std::to_string(index + 1);
+        ObjectPlan object;
+        object.sceneClass = &m_classes.named(read<std::string>(), m_place);
+        object.name = readName();
+        auto parent = read<std::string>();
+        if (parent.empty() != (index == 0))
+            throw Mistake(m_place, "the first object, and no other, is the root");
+        if (index > 0)
+            m_population.classOf(parent, m_place);
+        m_population.add(object.name, *object.sceneClass->metaClass, parent, m_place);
+        int count = read<int>();
+        for (int i = 0; i < count; ++i)
+            loadProperty(object);
+        m_childrenOf[parent].push_back(m_objects.size());
+        m_objects.push_back(std::move(object));
+    }
+
+    void loadProperty(ObjectPlan& object)
+    {
+        PropertyPlan property;
+        property.name = readName();
+        property.value = readValue();
+        property.dynamic = read<bool>();
+        const ZTMetaClass& metaClass = *object.sceneClass->metaClass;
+        const ZTMetaProperty* declared = metaClass.property(property.name);
+        if (property.dynamic == (declared != nullptr))
+            throw Mistake(m_place, property.dynamic
+                                       ? nameOf(metaClass) + "." + property.name + " is not dynamic"
+                                       : unknownProperty(metaClass, property.name));
+        if (declared && enumerationOf(declared->metaType()))
+            if (auto enumerator = convert(property.value, declared->metaType()))
+                property.value = *std::move(enumerator);
+        const ZTMetaType& type = property.value.type();
+        if (declared ? type != declared->metaType()
+                     : !isValueType(type) && type != ztMetaType<long long>())
+            throw Mistake(m_place, property.name + " cannot have a value of type " + nameOf(type));
+        auto& properties = declared && !declared->canSet() ? object.readOnly : object.properties;
+        properties.push_back(std::move(property));
+    }
+
+    ZTVariant readValue()
+    {
+        ZTVariant value;
+        m_stream >> value;
+        refuseDamage();
+        return value;
+    }
+
+    template <class T>
+    T read()
+    {
+        ZTVariant value = readValue();
+        if (const T* typed = ztVariantPointer<T>(value))
+            return *typed;
+        throw Mistake(m_place, "expected a value of type " + nameOf(ztMetaType<T>()) +
+                                   ", found one of type " + nameOf(value.type()));
+    }
+
+    std::string readName()
+    {
+        auto name = read<std::string>();
+        if (!isName(name))
+            throw Mistake(m_place, "expected a name of printable characters");
+        return name;
+    }
+
+    void refuseDamage() const
+    {
+        if (!m_stream.good())
+            throw Mistake(m_place, "the file ends here, or is damaged");
+        if (std::string message = m_messages.first(); !message.empty())
+            throw Mistake(m_place, message);
+    }
+
+    void refuseMore()
+    {
+        unsigned char more = 0;
+        m_stream >> more;
+        if (m_stream.good())
+            throw Mistake("end", "the file goes on behind the last object");
+    }
+
+    ObjectPlan withChildren(const ObjectPlan& loaded)
+    {
+        ObjectPlan object = loaded;
+        for (std::size_t child : m_childrenOf[object.name])
+            object.children.push_back(withChildren(m_objects[child]));
+        return object;
+    }
+
+    LibraryMessages m_messages;
+    ZTDataStream m_stream;
+    Classes& m_classes;
+    Population m_population;
+    std::vector<ObjectPlan> m_objects; ///< without their children
+    std::map<std::string, std::vector<std::size_t>> m_childrenOf;
+    std::string m_place;
+};
+
+bool isSame(const ZTVariant& a, const ZTVariant& b)
+{
+    // By their bytes: what is no number equals itself here.
+    ZTDataStream bytesOfA;
+    ZTDataStream bytesOfB;
+    bytesOfA << a;
+    bytesOfB << b;
+    return bytesOfA.data() == bytesOfB.data();
+}
+} // namespace
+
+ScenePlan loadScene(const std::string& file, Classes& classes)
+{
+    return SceneLoader(readFile(file), classes).load();
+}
+
+void restoreState(const ObjectPlan& plan, const Scene& scene)
+{
+    ZTBase& object = *scene.find(plan.name);
+    for (const PropertyPlan& property : plan.readOnly)
+        if (auto restore = plan.sceneClass->host->restore)
+            restore(object, property.name, property.value);
+    for (const PropertyPlan& property : plan.properties)
+        if (!isSame(object.property(property.name), property.value))
+            object.setProperty(property.name, property.value, property.dynamic);
+    for (const auto* properties : {&plan.readOnly, &plan.properties})
+        for (const PropertyPlan& property : *properties)
+            if (!isSame(object.property(property.name), property.value))
+                throw Mistake("object \"" + plan.name + "\"",
+                              property.name + " does not take the saved value");
+    for (const ObjectPlan& child : plan.children)
+        restoreState(child, scene);
+}
+} // namespace scene

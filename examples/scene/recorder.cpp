@@ -1,0 +1,66 @@
+#include "recorder.h"
+
+#include "members.h"
+#include "mistake.h"
+#include "print.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace scene
+{
+namespace
+{
+/// The object below `parent` whose name or whose path it is; null when there is none.
+ZTBase* findByPath(const ZTBase& parent, const std::string& above, const std::string& path,
+                   const Names& names)
+{
+    for (ZTBase* child : parent.children()) {
+        std::string name = names.of(child);
+        std::string whole = above + name;
+        if (name == path || whole == path)
+            return child;
+        if (ZTBase* found = findByPath(*child, whole + "/", path, names))
+            return found;
+    }
+    return nullptr;
+}
+} // namespace
+
+Recorder::Recorder(const std::vector<std::string>& events, const Scene& scene, const Names& names)
+    : m_names(names)
+{
+    for (const std::string& event : events)
+        record(event, scene);
+}
+
+void Recorder::record(const std::string& event, const Scene& scene)
+{
+    std::string place = "--record " + event;
+    auto dot = event.rfind('.');
+    if (dot == std::string::npos)
+        throw Mistake(place, "expected an object and its event, as in \"lathe.stopped\"");
+    std::string path = event.substr(0, dot);
+    std::string name = event.substr(dot + 1);
+    ZTBase* sender = findByPath(scene.top(), "", path, m_names);
+    if (!sender)
+        throw Mistake(place, "there is no object \"" + path + "\"");
+    auto found = invokablesNamed(*sender->metaClass(), Kind::Event, name);
+    if (found.empty())
+        throw Mistake(place, unknownInvokable(*sender->metaClass(), Kind::Event, name));
+    m_recordings.emplace_back(event, *sender, *found[0]);
+}
+
+void Recorder::print(std::ostream& out) const
+{
+    for (const auto& [title, listener] : m_recordings) {
+        out << "  " << title << ": " << listener.count() << "\n";
+        for (const std::vector<ZTVariant>& record : listener) {
+            std::vector<std::string> texts;
+            for (const ZTVariant& value : record)
+                texts.push_back(shown(value, m_names));
+            out << "    (" << listed(texts) << ")\n";
+        }
+    }
+}
+} // namespace scene

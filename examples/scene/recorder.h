@@ -1,0 +1,39 @@
+#pragma once
+
+#include "names.h"
+#include "scene.h"
+
+#include <zintar/eventlistener.h>
+
+#include <deque>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace scene
+{
+/// Records events of a scene from its making on.
+class Recorder
+{
+public:
+    /// @param events  each PATH.EVENT, where PATH is the name of an object, alone or with those of
+    ///                the objects above it: "shop/lathe.stopped". What is not there is a `Mistake`.
+    Recorder(const std::vector<std::string>& events, const Scene& scene, const Names& names);
+
+    void print(std::ostream& out) const;
+
+private:
+    struct Recording {
+        Recording(std::string of, ZTBase& sender, const ZTMetaInvokable& event)
+            : title(std::move(of)), listener(&sender, &event)
+        {}
+        std::string title;
+        ZTEventListener listener;
+    };
+
+    void record(const std::string& event, const Scene& scene);
+
+    const Names& m_names;
+    std::deque<Recording> m_recordings;
+};
+} // namespace scene

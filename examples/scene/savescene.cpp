@@ -1,0 +1,96 @@
+#include "savedscene.h"
+
+#include "converters.h"
+#include "members.h"
+
+#include <zintar/datastream.h>
+#include <zintar/metaclassbuilder.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace scene
+{
+namespace
+{
+class SceneWriter
+{
+public:
+    explicit SceneWriter(const Names& names) : m_names(names) {}
+
+    SavedScene write(const Classes& classes, const ZTBase& top)
+    {
+        for (const auto& declared : classes.declared())
+            m_stream << *declared;
+        std::size_t classesEnd = m_stream.data().size();
+        m_stream << nameless();
+        std::size_t objectsBegin = m_stream.data().size();
+        collect(top, "");
+        writeValue(static_cast<int>(m_objects.size()));
+        for (const auto& [object, parent] : m_objects)
+            writeObject(*object, parent);
+        return {m_stream.data(), classesEnd, objectsBegin, m_objects.size()};
+    }
+
+private:
+    struct Placed {
+        const ZTBase* object;
+        std::string parent;
+    };
+
+    static const ZTMetaClass& nameless()
+    {
+        static const std::unique_ptr<ZTMetaClass> none(ZTMetaClassBuilder().toMetaClass());
+        return *none;
+    }
+
+    void collect(const ZTBase& parent, const std::string& name)
+    {
+        for (const ZTBase* child : parent.children()) {
+            m_objects.push_back({child, name});
+            collect(*child, m_names.of(child));
+        }
+    }
+
+    template <class T>
+    void writeValue(const T& value)
+    {
+        m_stream << ZTVariant(value);
+    }
+
+    void writeObject(const ZTBase& object, const std::string& parent)
+    {
+        const ZTMetaClass& metaClass = *object.metaClass();
+        auto dynamic = object.dynamicProperties();
+        std::sort(dynamic.begin(), dynamic.end());
+        writeValue(nameOf(metaClass));
+        writeValue(m_names.of(&object));
+        writeValue(parent);
+        writeValue(static_cast<int>(metaClass.propertyCount() + dynamic.size()));
+        for (unsigned int i = 0; i < metaClass.propertyCount(); ++i)
+            writeProperty(object, metaClass.property(i)->name(), false);
+        for (std::string_view name : dynamic)
+            writeProperty(object, name, true);
+    }
+
+    void writeProperty(const ZTBase& object, std::string_view name, bool isDynamic)
+    {
+        writeValue(std::string(name));
+        ZTVariant value = object.property(name);
+        // As text, so that a reader need not know the host's enumerations.
+        m_stream << (enumerationOf(value.type()) ? *convert(value, ztMetaType<std::string>())
+                                                 : value);
+        writeValue(isDynamic);
+    }
+
+    const Names& m_names;
+    ZTDataStream m_stream;
+    std::vector<Placed> m_objects;
+};
+} // namespace
+
+SavedScene saveScene(const Classes& classes, const Scene& scene, const Names& names)
+{
+    return SceneWriter(names).write(classes, scene.top());
+}
+} // namespace scene
