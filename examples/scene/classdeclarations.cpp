@@ -117,7 +117,9 @@ private:
             property.setName(name);
             property.setMetaType(readType(described["type"]));
             if (described.has("start")) {
-                ZTVariant start = fit(described["start"], name, property.metaType());
+                ZTVariant start =
+                    fit(described["start"], std::string(builder.typeName()) + "." + name,
+                        property.metaType());
                 auto text = convert(start, ztMetaType<std::string>());
                 property.addPropInfo(startKey, ztVariantValue<std::string>(*text));
             }

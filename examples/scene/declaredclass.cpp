@@ -103,6 +103,8 @@ private:
     {
         if (!isIdentifier(m_name))
             fail(m_place / "name", "a class needs a name of letters, digits and _");
+        if (m_name.starts_with("ZT"))
+            fail(m_place / "name", "names that begin with ZT are the library's");
         if (m_classes.find(m_name) || m_classes.superClass(m_name))
             fail(m_place / "name", "there is a class \"" + m_name + "\" already");
         int depth = 0;
