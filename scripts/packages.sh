@@ -30,5 +30,5 @@ need_packages() {
     fi
 }
 
-build_packages=(g++ cmake ninja-build nlohmann-json3-dev)
+build_packages=(g++ cmake ninja-build nlohmann-json3-dev libcli11-dev)
 test_packages=("${build_packages[@]}" libgtest-dev)

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace dump
+{
+enum class Form { Listing, Json, Dot };
+
+struct Options {
+    /// "-" is the standard input; none at all means the same.
+    std::vector<std::string> files;
+    Form form = Form::Listing;
+    /// How many class records stand in each file before variants begin.
+    std::size_t classCount = std::numeric_limits<std::size_t>::max();
+    /// The first byte that is read in each file.
+    std::size_t from = 0;
+};
+
+// What the tool exits with.
+inline constexpr int sound = 0;
+inline constexpr int damaged = 1;
+inline constexpr int failed = 2;
+
+/// Reads the files and prints what they hold; what does not make sense, and files that cannot be
+/// read, are told on `errors`, a line each.
+/// @return the exit code
+int dump(const Options& options, std::ostream& out, std::ostream& errors);
+} // namespace dump

@@ -1,0 +1,87 @@
+#include "dump.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace
+{
+constexpr const char* summary =
+    "Shows what a byte stream of the Zintar library holds: classes, or values.";
+
+constexpr const char* more = R"(Examples:
+  zintar-dump plugin.classes
+  zintar-dump --dot base.classes plugin.classes | dot -Tsvg -o classes.svg
+  zintar-dump --variants --json < settings.bin | jq '.files[].variants[].value'
+
+A stream does not say whether it holds classes or variants: tell it by an option.
+A class without name, super class and members ends the classes, and variants follow.
+A super class may stand in any of the files; the library's own are always known. The
+byte at which a file stops making sense is told on standard error.
+
+Exit code: 0 when all was sound, 1 when anything was damaged, 2 when the command
+line was wrong or a file could not be read.)";
+
+/// Leaves out what the descriptions of the options say already.
+class Formatter : public CLI::Formatter
+{
+public:
+    Formatter()
+    {
+        label("Positionals", "Arguments");
+        column_width(20);
+    }
+    std::string make_usage(const CLI::App*, std::string) const override
+    {
+        return "\nUsage: zintar-dump [OPTION...] [FILE...]\n";
+    }
+    std::string make_option_opts(const CLI::Option* option) const override
+    {
+        return option->get_type_size() > 0 ? " " + option->get_type_name() : "";
+    }
+};
+
+void describe(CLI::App& app, dump::Options& options)
+{
+    app.formatter(std::make_shared<Formatter>());
+    app.footer(more);
+    app.set_help_flag("-h,--help", "Print this and exit");
+    app.set_version_flag("--version", "zintar-dump " ZINTAR_DUMP_VERSION,
+                         "Print the version and exit");
+    app.add_option("FILE", options.files, "What to read; standard input when absent or -")
+        ->type_name("...");
+
+    auto* json = app.add_flag_callback(
+        "--json", [&options] { options.form = dump::Form::Json; }, "Print JSON");
+    auto* dot = app.add_flag_callback(
+        "--dot", [&options] { options.form = dump::Form::Dot; },
+        "Print a class diagram for Graphviz");
+    auto* variants = app.add_flag_callback(
+        "--variants", [&options] { options.classCount = 0; },
+        "Each file holds variants rather than classes");
+    app.add_option("--classes", options.classCount, "Each file holds N classes and then variants")
+        ->type_name("N")
+        ->excludes(variants);
+    app.add_option("--from", options.from, "Begin at byte N of each file")->type_name("N");
+    dot->excludes(json)->excludes(variants);
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    dump::Options options;
+    CLI::App app{summary, "zintar-dump"};
+    describe(app, options);
+    try {
+        app.parse(argc, argv);
+        return dump::dump(options, std::cout, std::cerr);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? dump::sound : dump::failed;
+    } catch (const std::exception& error) {
+        std::cerr << "zintar-dump: " << error.what() << "\n";
+        return dump::failed;
+    }
+}
