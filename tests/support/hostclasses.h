@@ -5,6 +5,7 @@
 #include <zintar/zintar.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -114,6 +115,8 @@ public:
                " of " + nameOf(eventSender());
     }
 
+    ZTBase* sender() const { return eventSender(); }
+
     Diary* diary;
     std::function<void()> then;
 
@@ -173,16 +176,22 @@ class SpeechTest : public testing::Test
 protected:
     ZTSubscription listen(Hearer& hearer)
     {
-        return ZTBase::subscribe(&speaker, &Speaker::said, &hearer, &Hearer::hear);
+        return ZTBase::subscribe(speaker.get(), &Speaker::said, &hearer, &Hearer::hear);
+    }
+    std::unique_ptr<Hearer> listening(const std::string& name)
+    {
+        auto hearer = std::make_unique<Hearer>(name, diary);
+        listen(*hearer);
+        return hearer;
     }
     /// What is heard when the speaker says the number.
     std::string say(int number)
     {
-        speaker.said(number);
+        speaker->said(number);
         return diary.take();
     }
 
     Diary diary;
-    Speaker speaker;
+    std::unique_ptr<Speaker> speaker{new Speaker};
 };
 } // namespace host

@@ -1,0 +1,197 @@
+#include "support/counted.h"
+#include "support/hostclasses.h"
+
+#include <limits>
+
+namespace host
+{
+/// Sends values whose copies are counted.
+class Carrier : public ZTBase
+{
+    ZT_OBJECT(Carrier, ZTBase)
+public:
+    using Counted = support::Counted;
+    void carried(const Counted& value) { sendEvent<&Self::carried>(value); }
+    using ZTBase::sendEvent;
+
+private:
+    static constexpr auto members() { return zt::members(zt::event<&Self::carried>()); }
+};
+ZT_CLASS(Carrier)
+} // namespace host
+
+namespace
+{
+using namespace host;
+using support::Counted;
+
+class Dispatch : public SpeechTest
+{
+protected:
+    Hearer a{"a", diary}, b{"b", diary}, c{"c", diary};
+};
+
+TEST_F(Dispatch, ReceiversAreCalledInTheOrderOfTheirSubscribing)
+{
+    EXPECT_EQ(say(0), "");
+    listen(c);
+    listen(a);
+    listen(b);
+    listen(c);
+    EXPECT_EQ(say(1), "c:1 a:1 b:1 c:1");
+    speaker->told("x", 2);
+    EXPECT_EQ(diary.take(), "");
+}
+
+TEST_F(Dispatch, IndexOutOfRangeIsToldAndDeliversNothing)
+{
+    ZTBase::subscribe(speaker.get(), &Speaker::said, &a, &Hearer::hear);
+    const std::string head = "Zintar Error: Cannot send event with out of bounds index ";
+    const std::string tail = " on object of type struct host::Speaker.\n";
+    ZTEventBlocker blocker(speaker.get(), true);
+    support::CapturedLog log;
+    speaker->sendEvent(-1, {});
+    speaker->sendEvent(8, {});
+    speaker->sendEvent(7, {});
+    speaker->sendEvent(std::numeric_limits<int>::min(), {});
+    EXPECT_EQ(log.err(), head + "-1" + tail + head + "8" + tail + head + "-2147483648" + tail);
+    EXPECT_EQ(log.out(), "");
+    EXPECT_EQ(diary.take(), "");
+}
+
+TEST_F(Dispatch, HandlerTakesTheLeadingArguments)
+{
+    auto hear = [&](const std::string& text) { diary.add(text); };
+    ZTBase::subscribe(speaker.get(), &Speaker::told, &a, &Hearer::hearTold);
+    ZTBase::subscribe(speaker.get(), &Speaker::told, &a, hear);
+    ZTBase::subscribe(speaker.get(), &Speaker::told, &a, &Hearer::hearAny);
+    const ZTMetaClass& hearers = Hearer::typeMetaClass();
+    for (unsigned int method = 5; method < 8; ++method)
+        ZTBase::subscribe(speaker.get(), Speaker::typeMetaClass().invokable(5U), &b,
+                          hearers.invokable(method));
+    speaker->told("x", 2);
+    EXPECT_EQ(diary.take(), "a:x2 x a:any b:x2 b:x b:any");
+    speaker->sendEvent(5, {ZTVariant("y"), ZTVariant(3), ZTVariant("ignored")});
+    EXPECT_EQ(diary.take(), "a:y3 y a:any b:y3 b:y b:any");
+}
+
+TEST_F(Dispatch, WhatDoesNotFitArrivesAsADefault)
+{
+    listen(a);
+    ZTBase::subscribe(speaker.get(), Speaker::typeMetaClass().invokable(4U), &b,
+                      Hearer::typeMetaClass().invokable(4U));
+    const std::string warning = support::logOf([&] {
+        speaker->sendEvent(4, {ZTVariant("text")});
+        speaker->sendEvent(4, {});
+    });
+    EXPECT_EQ(diary.take(), "a:0 b:0 a:0 b:0");
+    EXPECT_NE(warning.find("Conversion failed"), std::string::npos);
+
+    ZTBase::subscribe(speaker.get(), &Speaker::carried, &a,
+                      [&](const ZTVariant& value, double weight) {
+                          std::ostringstream text;
+                          text << value << weight;
+                          diary.add(text.str());
+                      });
+    speaker->carried(ZTVariant(3), 1.5);
+    speaker->sendEvent(6, {ZTVariant(), ZTVariant(2)});
+    EXPECT_EQ(diary.take(), "ZTVariant(int, 3)1.5 ZTVariant(ZTBadMetaType, )0");
+}
+
+TEST_F(Dispatch, TenValuesTravelOfAnEventWithMore)
+{
+    ZTMetaClassBuilder builder;
+    builder.setSuperClass(&Speaker::typeMetaClass());
+    auto wide = builder.addInvokable();
+    wide.setName("wide");
+    wide.setIsEvent(true);
+    wide.setParameterMetaTypes(std::vector<const ZTMetaType*>(12, &ztMetaType<int>()));
+    const std::unique_ptr<ZTMetaClass> metaClass(builder.toMetaClass());
+    struct Machine : Speaker {
+        const ZTMetaClass* type = nullptr;
+        const ZTMetaClass* metaClass() const override { return type; }
+    } machine;
+    machine.type = metaClass.get();
+    const ZTMetaInvokable* event = metaClass->invokable(8U);
+    ZTBase::subscribe(&machine, event, &a,
+                      [&](int, int, int, int, int, int, int, int, int, int last) {
+                          diary.add(std::to_string(last));
+                      });
+    ZTArgumentArray values;
+    values.fill(ZTVariant(7));
+    machine.sendEvent(8, values);
+    EXPECT_EQ(diary.take(), "7");
+    auto eleven = [](int, int, int, int, int, int, int, int, int, int, int) {};
+    EXPECT_LOGS("Zintar: Subscription failed with event wide and handler type " +
+                    std::string(ztTypeName<decltype(eleven)>()) +
+                    ". Handler requires more parameters than event supplies\n",
+                [&] { EXPECT_FALSE(ZTBase::subscribe(&machine, event, &a, eleven)); });
+}
+
+TEST_F(Dispatch, ValuesAreCopiedOnceForAll)
+{
+    Carrier carrier;
+    const Counted value(5);
+    const Counted* seen = nullptr;
+    auto look = [&](const Counted& arrived) {
+        EXPECT_NE(&arrived, &value);
+        EXPECT_TRUE(!seen || seen == &arrived);
+        seen = &arrived;
+    };
+    Counted::reset();
+    carrier.carried(value);
+    EXPECT_EQ(Counted::copies, 0);
+    ZTBase::subscribe(&carrier, &Carrier::carried, &a, look);
+    ZTBase::subscribe(&carrier, &Carrier::carried, &b, look);
+    carrier.carried(value);
+    EXPECT_EQ(Counted::copies, 1);
+
+    const ZTArgumentArray array{ZTVariant(value)};
+    seen = ztVariantPointer<Counted>(array[0]);
+    Counted::reset();
+    carrier.sendEvent(4, array);
+    EXPECT_EQ(Counted::copies, 0);
+}
+
+TEST_F(Dispatch, ReceiverKnowsTheEventThatItHandles)
+{
+    Speaker other("other");
+    listen(a);
+    ZTBase::subscribe(&other, Speaker::typeMetaClass().invokable(5U), &a,
+                      Hearer::typeMetaClass().invokable(7U));
+    int depth = 0;
+    a.then = [&] {
+        diary.add(a.active());
+        if (++depth > 2)
+            return;
+        depth == 1 ? other.told("x", 1) : speaker->said(3);
+        diary.add(a.active());
+    };
+    EXPECT_EQ(a.active(), "idle");
+    EXPECT_EQ(say(1), "a:1 said 4 of speaker a:any told 5 of other a:3 said 4 of speaker "
+                      "told 5 of other said 4 of speaker");
+    EXPECT_EQ(a.active(), "idle");
+}
+
+TEST_F(Dispatch, OnlyReceiversHaveAnActiveEvent)
+{
+    ZTBase::subscribe(speaker.get(), &Speaker::said, &a, [&] { diary.add(a.active()); });
+    auto free = ZTBase::subscribe(speaker.get(), &Speaker::said, [&] { diary.add(a.active()); });
+    listen(b);
+    b.then = [&] { diary.add(a.active()); };
+    EXPECT_EQ(say(1), "said 4 of speaker idle b:1 idle");
+}
+
+TEST_F(Dispatch, ObjectHearsItself)
+{
+    auto object = std::make_unique<Hearer>("h", diary);
+    ZTBase::subscribe(object.get(), &ZTBase::childAdded, object.get(), &Hearer::hearAny);
+    ZTBase::subscribe(object.get(), &ZTBase::destroyed, object.get(),
+                      [&](ZTBase*) { diary.add("~h"); });
+    object->then = [&] { diary.add(object->active()); };
+    object->childAdded(nullptr);
+    EXPECT_EQ(diary.take(), "h:any childAdded 2 of h");
+    object.reset();
+    EXPECT_EQ(diary.take(), "~h");
+}
+} // namespace
