@@ -12,9 +12,10 @@ void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
     priv->dispatch(index, values);
 }
 
-void ZTBase::sendValues(int index, void** addresses, zt::detail::PackFunction pack) const
+void ZTBase::sendValues(int index, const ZTMetaInvokable& declared, void** addresses,
+                        zt::detail::PackFunction pack) const
 {
-    ZTEventValues values(addresses, pack);
+    ZTEventValues values(declared, addresses, pack);
     priv->dispatch(index, values);
 }
 
@@ -99,10 +100,11 @@ void callHandler(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokabl
 
 void ZTBasePrivate::dispatch(int index, ZTEventValues& values)
 {
-    const ZTMetaInvokable* event = object->metaClass()->invokable(static_cast<unsigned int>(index));
+    const ZTMetaInvokable* event = object->metaClass()->invokable(index);
     ZTEventSlot* slot = findSlot(index);
     if (!event || !slot)
         return;
+    values.fitTo(*event);
     ZTDelivery delivery(*this, *slot);
     for (std::size_t i = 0; i < delivery.end(); ++i) {
         const ZTSubscriptionPrivate* subscription = slot->subscriptions[i].get();
@@ -120,6 +122,14 @@ void ZTBasePrivate::dispatch(int index, ZTEventValues& values)
         if (!delivery.sender())
             return;
     }
+}
+
+void ZTEventValues::fitTo(const ZTMetaInvokable& event)
+{
+    if (!m_declared || m_declared == &event || haveSameParameters(*m_declared, event))
+        return;
+    (void)array();
+    m_addresses = nullptr;
 }
 
 const ZTArgumentArray& ZTEventValues::array()

@@ -120,10 +120,14 @@ struct ZTActiveEvent {
 /// form is made from the other when the first receiver asks for it.
 struct ZTEventValues {
     explicit ZTEventValues(const ZTArgumentArray& array) : m_array(&array) {}
-    ZTEventValues(void** addresses, zt::detail::PackFunction pack)
-        : m_addresses(addresses), m_pack(pack)
+    /// The values are those of the event `declared`.
+    ZTEventValues(const ZTMetaInvokable& declared, void** addresses, zt::detail::PackFunction pack)
+        : m_declared(&declared), m_addresses(addresses), m_pack(pack)
     {}
 
+    /// Keeps typed values from being taken for those of `event`, another one at the same index:
+    /// the object has got another class since it was declared.
+    void fitTo(const ZTMetaInvokable& event);
     const ZTArgumentArray& array();
     void** addresses(const ZTMetaInvokable& event);
 
@@ -131,6 +135,7 @@ private:
     void collectAddresses(const ZTMetaInvokable& event);
 
     const ZTArgumentArray* m_array = nullptr;
+    const ZTMetaInvokable* m_declared = nullptr;
     void** m_addresses = nullptr;
     zt::detail::PackFunction m_pack = nullptr;
     std::unique_ptr<ZTArgumentArray> m_packed;

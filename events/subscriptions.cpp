@@ -73,9 +73,7 @@ bool checkParameters(const ZTMetaInvokable& event, const HandlerView& handler)
 /// An event of another class has an index that means something else to this sender, or nothing.
 bool checkClass(const ZTBase& sender, const ZTMetaInvokable& event, const HandlerView& handler)
 {
-    int index = event.index();
-    const ZTMetaInvokable* own =
-        index < 0 ? nullptr : sender.metaClass()->invokable(static_cast<unsigned int>(index));
+    const ZTMetaInvokable* own = sender.metaClass()->invokable(event.index());
     if (own == &event)
         return true;
     bool equal = own && own->isEvent() && own->name() == event.name() &&
@@ -91,6 +89,8 @@ bool canBeSubscribedTo(const ZTBase* sender, const ZTMetaInvokable* event)
 {
     return ZTBasePrivate::of(sender) && event && event->isEvent();
 }
+
+bool isMovedFrom(const ZTBase* object) { return object && !ZTBasePrivate::of(object); }
 
 std::shared_ptr<ZTSubscriptionPrivate> makeRecord(const ZTBase* sender,
                                                   const ZTMetaInvokable& event,
@@ -111,10 +111,10 @@ std::shared_ptr<ZTSubscriptionPrivate> makeRecord(const ZTBase* sender,
 ZTSubscription ZTBase::subscribe(const ZTBase* sender, const ZTMetaInvokable* event,
                                  const ZTBase* subscriber, const ZTMetaInvokable* handler)
 {
-    if (!canBeSubscribedTo(sender, event) || !handler)
+    if (!canBeSubscribedTo(sender, event) || isMovedFrom(subscriber) || !handler)
         return {};
     HandlerView view{handler, nullptr};
-    if (!ZTBasePrivate::of(subscriber)) {
+    if (!subscriber) {
         failForCount(*event, view);
         return {};
     }
@@ -129,10 +129,10 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
                                      const ZTBase* subscriber, ZTHandlerBase* handler)
 {
     std::unique_ptr<ZTHandlerBase> owned(handler);
-    if (!canBeSubscribedTo(sender, event) || !handler)
+    if (!canBeSubscribedTo(sender, event) || isMovedFrom(subscriber) || !handler)
         return {};
     HandlerView view{nullptr, handler};
-    if (!ZTBasePrivate::of(subscriber) && handler->isMemberFunction()) {
+    if (!subscriber && handler->isMemberFunction()) {
         fail(*event, "handler. The handler is a member function, but the subscriber was null");
         return {};
     }
@@ -261,9 +261,8 @@ namespace
 bool removeByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBase* subscriber,
                      ZTSubscriptionPrivate::Handler handler, bool hasHandler)
 {
-    if (!ZTBasePrivate::of(sender) || (event && !event->isEvent()) || (hasHandler && !subscriber))
-        return false;
-    if (subscriber && !ZTBasePrivate::of(subscriber))
+    if (!ZTBasePrivate::of(sender) || isMovedFrom(subscriber) || (event && !event->isEvent()) ||
+        (hasHandler && !subscriber))
         return false;
     ZTSubscriptionPrivate pattern;
     pattern.sender = ZTBasePrivate::of(sender);

@@ -128,14 +128,12 @@ const ZTMetaInvokable*
 ZTMetaClass::invokable(std::string_view name, bool isConst,
                        const std::vector<const ZTMetaType*>& parameterTypes) const
 {
-    int index = indexOfInvokable(name, isConst, parameterTypes);
-    return index < 0 ? nullptr : invokable(static_cast<unsigned int>(index));
+    return invokable(indexOfInvokable(name, isConst, parameterTypes));
 }
 
 const ZTMetaInvokable* ZTMetaClass::invokable(void* function) const
 {
-    int index = indexOfInvokable(function);
-    return index < 0 ? nullptr : invokable(static_cast<unsigned int>(index));
+    return invokable(indexOfInvokable(function));
 }
 
 bool ZTMetaClass::isDerivedFrom(const ZTMetaClass* other) const

@@ -155,6 +155,7 @@ ZTDataStream& operator>>(ZTDataStream& stream, std::string& text)
     std::array<char, 4096> piece;
     while (stream.good() && length > 0) {
         auto size = static_cast<unsigned int>(std::min<std::uint64_t>(length, piece.size()));
+        std::memset(piece.data(), 0, size);
         stream.read(piece.data(), size);
         if (stream.good())
             text.append(piece.data(), size);

@@ -10,6 +10,12 @@ namespace
 {
 const std::string warningHead = "Zintar Warning: Retrieved default-constructed value of type \"";
 
+void* storedPointer(const ZTVariant& variant)
+{
+    return variant.data() ? *static_cast<void**>(variant.data()) : nullptr;
+}
+} // namespace
+
 void warnFailedConversion(std::string_view askedType, const ZTMetaType& from)
 {
     ztLog(warningHead + std::string(askedType) +
@@ -17,12 +23,6 @@ void warnFailedConversion(std::string_view askedType, const ZTMetaType& from)
               from.name() + "\".",
           ZTLogType::Info);
 }
-
-void* storedPointer(const ZTVariant& variant)
-{
-    return variant.data() ? *static_cast<void**>(variant.data()) : nullptr;
-}
-} // namespace
 
 void warnInvalidVariant(std::string_view askedType)
 {
@@ -33,11 +33,16 @@ void warnInvalidVariant(std::string_view askedType)
 bool convertOrWarn(const ZTVariant& variant, const ZTMetaType& target, void* result,
                    std::string_view askedType)
 {
-    // A valid variant of the type itself gets here only without a block: it has no value to give.
-    if (&variant.type() == &target || variant.type().convert(variant.data(), target, result))
+    // A variant of the type itself gets here only without a block: it has no value to give.
+    if (&variant.type() != &target && variant.type().convert(variant.data(), target, result))
         return true;
     warnFailedConversion(askedType, variant.type());
     return false;
+}
+
+bool holdsPointer(const ZTVariant& variant)
+{
+    return variant.type().metaClass() && storedPointer(variant);
 }
 
 bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,

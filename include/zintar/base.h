@@ -79,7 +79,7 @@ const ZTMetaInvokable* eventOf(Sender*, Event event)
             warnUnknownEvent(Class::typeMetaClass());
             return nullptr;
         }
-        return Class::typeMetaClass().invokable(static_cast<unsigned int>(index));
+        return Class::typeMetaClass().invokable(index);
     } else {
         return event;
     }
@@ -311,7 +311,9 @@ private:
 
     /// Whether a send of that event would reach anybody; reports an index out of range.
     [[nodiscard]] bool isHeard(int index) const;
-    void sendValues(int index, void** values, zt::detail::PackFunction pack) const;
+    /// Sends values that are those of the event `declared`.
+    void sendValues(int index, const ZTMetaInvokable& declared, void** values,
+                    zt::detail::PackFunction pack) const;
 
     static zt::detail::ClassTable& ztTable();
 
@@ -336,6 +338,13 @@ struct TypedEvent<Event, Parameters<P...>> {
         return found;
     }
 
+    static const ZTMetaInvokable& descriptor()
+    {
+        using Class = typename MemberTraits<decltype(Event)>::Class;
+        static const auto* found = Class::typeMetaClass().invokable(index());
+        return *found;
+    }
+
     template <class... Arguments>
     static void send(const ZTBase& sender, Arguments&&... arguments)
     {
@@ -352,7 +361,7 @@ struct TypedEvent<Event, Parameters<P...>> {
             std::apply(
                 [&](auto&... value) {
                     void* addresses[maxParamCount] = {&value...};
-                    sender.sendValues(event, addresses, &pack);
+                    sender.sendValues(event, descriptor(), addresses, &pack);
                 },
                 values);
         }

@@ -24,7 +24,8 @@ struct ZTDataStreamPrivate;
 /// read past the end takes what is there and fails the stream, and from then on every read and
 /// write does nothing. No operation mends a failed stream; take a new one. Nothing is logged.
 ///
-/// A class that overrides the virtual operations changes the medium of every operator.
+/// A class that overrides the virtual operations changes the medium of every operator. One that
+/// overrides `read` overrides `good` too: only so is the end of its bytes seen.
 ///
 /// Moving leaves a stream behind that can only be destroyed. Copying does not exist.
 /// Threads: belongs to one thread at a time.
@@ -48,6 +49,7 @@ public:
 
     [[nodiscard]] bool operator!() const { return !good(); }
     [[nodiscard]] bool operator()() const { return good(); }
+    [[nodiscard]] explicit operator bool() const { return good(); }
 
 private:
     ZTDataStreamPrivate* priv;

@@ -237,6 +237,11 @@ public:
     invokable(std::string_view name, bool isConst,
               const std::vector<const ZTMetaType*>& parameterTypes) const;
     [[nodiscard]] const ZTMetaInvokable* invokable(void* function) const;
+    /// The same as with an unsigned index; null for a negative one.
+    [[nodiscard]] const ZTMetaInvokable* invokable(int index) const
+    {
+        return index < 0 ? nullptr : invokable(static_cast<unsigned int>(index));
+    }
 
     /// The invokable with that name and the parameters of `Signature`, written as a function that
     /// returns nothing: `indexOfInvokable<void(const std::string&)>("rename")`. The most derived
@@ -251,8 +256,7 @@ public:
     [[nodiscard]] const ZTMetaInvokable* invokable(std::string_view name,
                                                    bool isConst = false) const
     {
-        int index = indexOfInvokable<Signature>(name, isConst);
-        return index < 0 ? nullptr : invokable(static_cast<unsigned int>(index));
+        return invokable(indexOfInvokable<Signature>(name, isConst));
     }
 
     /// Whether `other` is this class or one of its super classes; descriptors are compared by

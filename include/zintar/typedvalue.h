@@ -26,6 +26,11 @@ constexpr std::string_view askedName()
 
 /// Logs that a default value stands in for what an invalid variant does not hold.
 ZT_EXPORT void warnInvalidVariant(std::string_view askedType);
+/// Logs that a default value stands in for what cannot be made of a value of type `from`.
+ZT_EXPORT void warnFailedConversion(std::string_view askedType, const ZTMetaType& from);
+
+/// Whether the variant holds a pointer to an object that is not null.
+[[nodiscard]] ZT_EXPORT bool holdsPointer(const ZTVariant& variant);
 
 /// Converts the variant's value into `*result` by a registered converter, or logs that a default
 /// value takes its place.

@@ -80,8 +80,16 @@ ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, Store&& 
         static_assert(std::is_default_constructible_v<Held<P>>,
                       "The type of a property that can be set needs a default value.");
         Held<P> held{};
-        if (retrieve<Asked<P>>(value, held))
-            store(*self, std::as_const(held));
+        if (!retrieve<Asked<P>>(value, held))
+            return {};
+        if constexpr (isDataPointer<Held<P>>) {
+            // Of an unrelated class: it came out as null, in silence.
+            if (!held && holdsPointer(value)) {
+                warnFailedConversion(askedName<Asked<P>>(), value.type());
+                return {};
+            }
+        }
+        store(*self, std::as_const(held));
     }
     return {};
 }

@@ -201,7 +201,7 @@ constexpr auto normalised()
     TextBuffer<2 * Source::text.size() + 16> out;
     SpellingReader in{Source::text};
     while (!in.rest.empty()) {
-        if (in.skip("__cxx11::"))
+        if (in.skip("__cxx11::") || in.skip("_V2::"))
             continue;
         if (in.skip("{anonymous}") || in.skip("(anonymous namespace)")) {
             out.append("(anonymous)");
@@ -455,6 +455,11 @@ template <class T, std::size_t Size>
 struct Spelling<T[Size]>
     : Joined<Spelling<T>::text, piece::openSquare, ValueSpelling<Size>::text, piece::closeSquare> {
 };
+// An array of const is const itself: without these two it would be spelled in two ways.
+template <class T, std::size_t Size>
+struct Spelling<const T[Size]> : Joined<piece::constBefore, Spelling<T[Size]>::text> {};
+template <class T>
+struct Spelling<const T[]> : Joined<piece::constBefore, Spelling<T[]>::text> {};
 template <class T>
 struct Spelling<T[]> : Joined<Spelling<T>::text, piece::openSquare, piece::closeSquare> {};
 

@@ -38,16 +38,19 @@ concept IsPair = requires
 
 /// Whether `Test` holds for `T` and for what it contains. The standard containers answer for
 /// themselves alone: a vector claims to be comparable and to be copyable whatever is in it.
-template <template <class> class Test, class T>
+/// `Outer` are the types that contain `T`, which a class may do for itself.
+template <template <class> class Test, class T, class... Outer>
 constexpr bool holdsThroughout()
 {
-    if constexpr (!Test<T>::value)
+    if constexpr ((std::is_same_v<T, Outer> || ...))
+        return true;
+    else if constexpr (!Test<T>::value)
         return false;
     else if constexpr (IsPair<T>)
-        return holdsThroughout<Test, std::remove_cv_t<typename T::first_type>>() &&
-               holdsThroughout<Test, std::remove_cv_t<typename T::second_type>>();
+        return holdsThroughout<Test, std::remove_cv_t<typename T::first_type>, T, Outer...>() &&
+               holdsThroughout<Test, std::remove_cv_t<typename T::second_type>, T, Outer...>();
     else if constexpr (HasElements<T>)
-        return holdsThroughout<Test, std::remove_cvref_t<typename T::value_type>>();
+        return holdsThroughout<Test, std::remove_cvref_t<typename T::value_type>, T, Outer...>();
     else
         return true;
 }
@@ -122,8 +125,13 @@ struct TypeFunctions {
     static void* makeDefault() { return new T(); }
     static void destroyBlock(void* block) { delete static_cast<T*>(block); }
 
+    /// Without one of the two a variant of the type may have no block, and say so with null.
+    static constexpr bool mayLackBlock = !isCopyable<T> || !std::is_default_constructible_v<T>;
+
     static ZTPartialOrdering compareValues(const void* left, const void* right)
     {
+        if (mayLackBlock && (!left || !right))
+            return left == right ? ZTPartialOrdering::Equivalent : ZTPartialOrdering::Unordered;
         const T& a = *static_cast<const T*>(left);
         const T& b = *static_cast<const T*>(right);
         if constexpr (isDataPointer<T>) {
@@ -143,6 +151,8 @@ struct TypeFunctions {
 
     static void write(ZTDataStream& stream, const void* source)
     {
+        if (mayLackBlock && !source)
+            return;
         const T& value = *static_cast<const T*>(source);
         if constexpr (std::is_pointer_v<T>)
             stream << (value != nullptr);
@@ -166,6 +176,8 @@ struct TypeFunctions {
 
     static void printValue(std::ostream& stream, const void* source)
     {
+        if (mayLackBlock && !source)
+            return;
         const T& value = *static_cast<const T*>(source);
         if constexpr (isDataPointer<T>)
             stream << static_cast<const void*>(value);
@@ -210,7 +222,9 @@ struct TypeFunctions {
     }
     static constexpr DeserializeFunction deserialize()
     {
-        if constexpr (!std::is_pointer_v<T> && (std::is_enum_v<T> || OwnExtraction<T>))
+        // What is read goes into a default value.
+        if constexpr (!std::is_pointer_v<T> && std::is_default_constructible_v<T> &&
+                      (std::is_enum_v<T> || OwnExtraction<T>))
             return &read;
         else
             return nullptr;
