@@ -1,8 +1,8 @@
 cmake_minimum_required(VERSION 3.25)
 
 # Saves a scene with SCENE, brings it back in another process, and saves it from there: the tree is
-# the one that the first process had in the end, and the bytes are the same. Then whatever the file
-# is cut off to is told in one line.
+# the one that the first process had in the end, and the bytes are the same. Whatever the file is
+# cut off to is told in one line. DUMP, where there is one, shows both parts of the file.
 set(saved ${FOLDER}/workshop.saved)
 set(again ${FOLDER}/workshop-again.saved)
 set(cut ${FOLDER}/workshop-cut.saved)
@@ -48,6 +48,7 @@ endforeach()
 run_scene(0 --classes workshop.json)
 set(classes "${printed}")
 run_scene(0 workshop.json --save ${saved})
+set(report "${printed}")
 run_scene(0 --classes --load ${saved})
 if(NOT printed STREQUAL classes)
     message(SEND_ERROR "the classes come back as\n${printed}")
@@ -61,3 +62,21 @@ foreach(length RANGE 0 ${size} 53)
         message(SEND_ERROR "cut off at ${length}: printed ${printed}and told ${told}")
     endif()
 endforeach()
+
+if(DUMP)
+    if(NOT report MATCHES "first ([0-9]+) bytes: 4 class records.*from byte ([0-9]+) on: 6 objects")
+        message(FATAL_ERROR "where the parts of the file are is not told:\n${report}")
+    endif()
+    set(classesEnd ${CMAKE_MATCH_1})
+    set(objectsBegin ${CMAKE_MATCH_2})
+    execute_process(COMMAND head -c ${classesEnd} ${saved} COMMAND ${DUMP}
+                    RESULT_VARIABLE code OUTPUT_VARIABLE shown)
+    if(NOT code EQUAL 0 OR NOT shown MATCHES "class Lathe" OR NOT shown MATCHES "class Ivy")
+        message(SEND_ERROR "the tool shows the classes, with exit code ${code}, as\n${shown}")
+    endif()
+    execute_process(COMMAND tail -c +${objectsBegin} ${saved} COMMAND ${DUMP} --variants
+                    RESULT_VARIABLE code OUTPUT_VARIABLE shown)
+    if(NOT code EQUAL 0 OR NOT shown MATCHES "lathe" OR NOT shown MATCHES "L-204")
+        message(SEND_ERROR "the tool shows the objects, with exit code ${code}, as\n${shown}")
+    endif()
+endif()

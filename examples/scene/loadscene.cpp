@@ -89,14 +89,20 @@ private:
                                        ? nameOf(metaClass) + "." + property.name + " is not dynamic"
                                        : unknownProperty(metaClass, property.name));
         if (declared && enumerationOf(declared->metaType()))
-            if (auto enumerator = convert(property.value, declared->metaType()))
-                property.value = *std::move(enumerator);
+            property.value = enumeratorOf(property, declared->metaType());
         const ZTMetaType& type = property.value.type();
         if (declared ? type != declared->metaType()
                      : !isValueType(type) && type != ztMetaType<long long>())
             throw Mistake(m_place, property.name + " cannot have a value of type " + nameOf(type));
         auto& properties = declared && !declared->canSet() ? object.readOnly : object.properties;
         properties.push_back(std::move(property));
+    }
+
+    ZTVariant enumeratorOf(const PropertyPlan& property, const ZTMetaType& type) const
+    {
+        if (auto enumerator = convert(property.value, type))
+            return *std::move(enumerator);
+        throw Mistake(m_place, property.name + " cannot have a value that is no " + nameOf(type));
     }
 
     ZTVariant readValue()

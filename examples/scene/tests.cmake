@@ -20,9 +20,12 @@ scene_prints(workshop "workshop.json;${recorded}" 0 workshop.txt)
 scene_prints(workshop_classes "--classes;workshop.json" 0 workshopclasses.txt)
 scene_prints(record_nobody "workshop.json;--record;workshop/stove.turns" 2 late/recordnobody.txt)
 
-# What one process saves, another one brings back.
+# What one process saves, another one brings back, and the tool shows.
+if(ZINTAR_BUILD_TOOLS)
+    set(dump $<TARGET_FILE:zintar-dump>)
+endif()
 add_test(NAME scene_saved
-         COMMAND ${CMAKE_COMMAND} -D SCENE=$<TARGET_FILE:scene>
+         COMMAND ${CMAKE_COMMAND} -D SCENE=$<TARGET_FILE:scene> -D "DUMP=${dump}"
                      -D FOLDER=${CMAKE_CURRENT_BINARY_DIR} -P checksaved.cmake
          WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
 
