@@ -1,0 +1,296 @@
+#include "support/hostclasses.h"
+
+#include <vector>
+
+namespace host
+{
+/// A handler as a host may write one itself: all that the library asks of it is virtual, and it is
+/// gone as soon as its subscription ends.
+struct RawHandler : zt::detail::ZTHandlerBase {
+    explicit RawHandler(Diary& book, std::vector<const ZTMetaType*> taken = {})
+        : types(std::move(taken)), diary(book)
+    {}
+    ~RawHandler() override { diary.add("deleted"); }
+    std::string_view typeName() const override { return "raw"; }
+    unsigned int parameterCount() const override { return unsigned(types.size()); }
+    const ZTMetaType& parameterMetaType(unsigned int index) const override
+    {
+        return *types.at(index);
+    }
+    bool isMemberFunction() const override { return isMember; }
+    void invoke(const ZTBase* target, void* result, void** arguments) override
+    {
+        EXPECT_EQ(result, nullptr);
+        if (auto action = call)
+            action(target, arguments);
+    }
+    bool isComparable() const override { return comparable; }
+    bool equals(void*) const override
+    {
+        ++asked;
+        return true;
+    }
+
+    std::vector<const ZTMetaType*> types;
+    std::function<void(const ZTBase*, void**)> call;
+    bool isMember = false;
+    bool comparable = true;
+    inline static int asked = 0;
+    Diary& diary;
+};
+} // namespace host
+
+/// Lets the subscribe templates take a raw handler as it is.
+template <>
+zt::detail::ZTHandlerBase*
+zt::detail::makeHandler<ZTBase, zt::detail::UnknownParameters, host::RawHandler*>(
+    host::RawHandler* handler)
+{
+    return handler;
+}
+
+namespace
+{
+using namespace host;
+
+const ZTMetaInvokable* const said = Speaker::typeMetaClass().invokable(4U);
+const ZTMetaInvokable* const told = Speaker::typeMetaClass().invokable(5U);
+const ZTMetaInvokable* const carried = Speaker::typeMetaClass().invokable(6U);
+
+class RawHandlers : public SpeechTest
+{
+protected:
+    RawHandler* raw(std::vector<const ZTMetaType*> types = {})
+    {
+        return new RawHandler(diary, std::move(types));
+    }
+    ZTSubscription subscribe(const ZTMetaInvokable* event, RawHandler* handler,
+                             ZTBase* subscriber = nullptr)
+    {
+        return ZTBase::subscribe(speaker.get(), event, subscriber, handler);
+    }
+
+    const ZTMetaType* integer = &ztMetaType<int>();
+    const ZTMetaType* text = &ztMetaType<std::string>();
+    Hearer a{"a", diary};
+};
+
+TEST_F(RawHandlers, AreDeletedWhenRefused)
+{
+    RawHandler* member = raw();
+    member->isMember = true;
+    const std::string head = "Zintar: Subscription failed with event said and handler type raw. ";
+    EXPECT_LOGS("Zintar: Subscription failed with event said and handler. The handler is a member "
+                "function, but the subscriber was null\n",
+                [&] { EXPECT_FALSE(subscribe(said, member)); });
+    EXPECT_LOGS(head + "Handler requires more parameters than event supplies\n", [&] {
+        EXPECT_FALSE(subscribe(said, raw({text, text}), &a));
+    });
+    EXPECT_LOGS(head + "Parameter type not registered at position 0. Event parameter type "
+                       "\"int\".\n",
+                [&] { EXPECT_FALSE(subscribe(said, raw({&ZTMetaType::ZTBadMetaType}), &a)); });
+    EXPECT_LOGS(head +
+                    "Parameter type mismatch at position 0. Event parameter type \"int\", "
+                    "handler type \"" +
+                    text->name() + "\".\n",
+                [&] { EXPECT_FALSE(subscribe(said, raw({text}))); });
+    EXPECT_LOGS_NOTHING([&] {
+        EXPECT_FALSE(subscribe(nullptr, raw()));
+        EXPECT_FALSE(subscribe(Speaker::typeMetaClass().invokable(7U), raw()));
+    });
+    EXPECT_EQ(diary.take(), "deleted deleted deleted deleted deleted deleted");
+}
+
+TEST_F(RawHandlers, GetTheAddressesOfTheValues)
+{
+    const ZTArgumentArray values{ZTVariant(3), ZTVariant(1.5), ZTVariant(2)};
+    RawHandler* handler = raw({&ztMetaType<ZTVariant>(), &ztMetaType<double>()});
+    handler->call = [&](const ZTBase*, void** arguments) {
+        EXPECT_EQ(arguments[0], &values[0]);
+        EXPECT_EQ(arguments[1], values[1].data());
+        for (int i = 2; i < 10; ++i)
+            EXPECT_EQ(arguments[i], nullptr);
+        diary.add("called");
+    };
+    ASSERT_TRUE(subscribe(carried, handler));
+    speaker->sendEvent(6, values);
+
+    RawHandler* leading = raw({text});
+    leading->call = [&](const ZTBase*, void** arguments) {
+        diary.add(*static_cast<std::string*>(arguments[0]) + (arguments[1] ? "!" : ""));
+    };
+    ASSERT_TRUE(subscribe(told, leading));
+    speaker->told("typed", 1);
+    speaker->sendEvent(5, {ZTVariant("array"), ZTVariant(1)});
+    EXPECT_EQ(diary.take(), "called typed array");
+}
+
+TEST_F(RawHandlers, OnlyMemberFunctionsGetTheSubscriber)
+{
+    for (bool isMember : {false, true}) {
+        RawHandler* handler = raw();
+        handler->isMember = isMember;
+        handler->call = [&](const ZTBase* target, void**) {
+            diary.add(nameOf(target) + " " + a.active());
+        };
+        ASSERT_TRUE(subscribe(said, handler, &a));
+    }
+    EXPECT_EQ(say(1), "null said 4 of speaker a said 4 of speaker");
+    ZTEventBlocker blocker(&a, false);
+    EXPECT_EQ(say(2), "");
+}
+
+TEST_F(RawHandlers, AreDeletedAtOnceAlsoWhileTheyRun)
+{
+    ZTSubscription own;
+    RawHandler* handler = raw();
+    handler->call = [&](const ZTBase*, void**) {
+        ZTBase::unsubscribe(own);
+        diary.add("on");
+    };
+    own = subscribe(said, handler, &a);
+    listen(a);
+    EXPECT_EQ(say(1), "deleted on a:1");
+    EXPECT_FALSE(own);
+    subscribe(said, raw());
+    speaker.reset();
+    EXPECT_EQ(diary.take(), "deleted");
+}
+
+TEST_F(RawHandlers, AreFoundByTheirOwnComparison)
+{
+    RawHandler *plain = raw(), *comparable = raw();
+    plain->comparable = false;
+    ZTSubscription kept = subscribe(said, plain, &a), found = subscribe(said, comparable, &a);
+    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::said, &a, comparable));
+    EXPECT_TRUE(kept && !found);
+    EXPECT_FALSE(ZTBase::unsubscribe(speaker.get(), &Speaker::said, &a, plain));
+}
+
+TEST_F(RawHandlers, AreAskedOnlyWhereTheyCanBe)
+{
+    std::vector<std::unique_ptr<ZTBase>> crowd;
+    for (int i = 0; i < 1000; ++i) {
+        crowd.push_back(std::make_unique<ZTBase>());
+        subscribe(said, raw(), crowd.back().get());
+    }
+    subscribe(told, raw(), crowd[500].get());
+    RawHandler* any = raw();
+    RawHandler::asked = 0;
+    for (bool isThere : {true, false})
+        EXPECT_EQ(ZTBase::unsubscribe(speaker.get(), &Speaker::said, crowd[500].get(), any),
+                  isThere);
+    EXPECT_EQ(RawHandler::asked, 1);
+    delete any;
+}
+
+/// The shapes in which a host may write a handler.
+class Shapes : public SpeechTest
+{
+protected:
+    template <class Handler>
+    std::string heardBy(Handler handler)
+    {
+        ZTSubscription one = ZTBase::subscribe(speaker.get(), &Speaker::told, &a, handler);
+        speaker->told("x", 2);
+        EXPECT_TRUE(ZTBase::unsubscribe(one));
+        return diary.take();
+    }
+
+    Hearer a{"a", diary};
+};
+
+Diary* page = nullptr;
+void noteText(const std::string& text) { page->add("function " + text); }
+void noteNothing() noexcept { page->add("noexcept"); }
+
+struct Functor {
+    void operator()(std::string text, int times) const
+    {
+        page->add("functor " + text + std::to_string(times));
+    }
+};
+struct AnyCount {
+    template <class... Values>
+    void operator()(const Values&... values) const
+    {
+        page->add("generic" + std::to_string(sizeof...(values)));
+    }
+};
+
+TEST_F(Shapes, OfCallables)
+{
+    page = &diary;
+    EXPECT_EQ(heardBy(&noteText), "function x");
+    EXPECT_EQ(heardBy(&noteNothing), "noexcept");
+    EXPECT_EQ(heardBy(Functor()), "functor x2");
+    EXPECT_EQ(heardBy(AnyCount()), "generic2");
+    EXPECT_EQ(heardBy([](const auto& text) { page->add("auto " + text); }), "auto x");
+    EXPECT_EQ(heardBy(std::function<void(const std::string&)>(&noteText)), "function x");
+    EXPECT_EQ(heardBy([n = 0](const std::string&) mutable { page->add(std::to_string(++n)); }),
+              "1");
+    EXPECT_EQ(heardBy([](const std::string& text) { return (page->add(text), text.size()); }), "x");
+    EXPECT_EQ(heardBy([](const ZTArgumentArray& all) {
+                  std::ostringstream text;
+                  text << all[1] << all[2].isValid();
+                  page->add(text.str());
+              }),
+              "ZTVariant(int, 2)0");
+    EXPECT_FALSE(ZTBase::subscribe(speaker.get(), &Speaker::told, &a, std::function<void()>()));
+}
+
+struct Loud : Hearer {
+    using Hearer::Hearer;
+    virtual void shout(const std::string& text) { diary->add("Loud " + text); }
+    int count(const std::string&, int times) const noexcept
+    {
+        diary->add("count " + std::to_string(times));
+        return times;
+    }
+};
+struct Louder : Loud {
+    using Loud::Loud;
+    void shout(const std::string& text) override { diary->add("Louder " + text); }
+};
+
+TEST_F(Shapes, OfMemberFunctions)
+{
+    Louder louder("l", diary);
+    auto subscribe = [&](auto handler) {
+        ZTBase::subscribe(speaker.get(), &Speaker::told, &louder, handler);
+    };
+    subscribe(&Loud::shout);
+    subscribe(&Loud::count);
+    subscribe(&Hearer::hearText);
+    const Louder& constant = louder;
+    ZTBase::subscribe(speaker.get(), &Speaker::told, &constant, &Loud::count);
+    speaker->told("x", 3);
+    EXPECT_EQ(diary.take(), "Louder x count 3 l:x count 3");
+    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, &louder, &Loud::shout));
+    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, &louder, &Loud::count));
+    speaker->told("y", 4);
+    EXPECT_EQ(diary.take(), "l:y");
+}
+
+TEST_F(Shapes, OfFunctionsThatAreFoundAgain)
+{
+    page = &diary;
+    auto* from = speaker.get();
+    ZTBase::subscribe(from, &Speaker::told, &noteText);
+    ZTBase::subscribe(from, &Speaker::told, &a, &noteText);
+    EXPECT_TRUE(ZTBase::unsubscribe(from, &Speaker::told, &a, &noteText));
+    EXPECT_FALSE(ZTBase::unsubscribe(from, &Speaker::told, &a, &noteNothing));
+    EXPECT_FALSE(ZTBase::unsubscribe(from, &Speaker::told, nullptr, &noteText));
+    from->told("x", 1);
+    EXPECT_EQ(diary.take(), "function x");
+}
+
+TEST_F(Shapes, OfCallablesThatOnlyMove)
+{
+    ZTScopedSubscription held =
+        ZTBase::subscribe(speaker.get(), &Speaker::said, [this, owned = std::make_unique<int>(5)] {
+            diary.add(std::to_string(*owned));
+        });
+    EXPECT_EQ(say(1), "5");
+}
+} // namespace
