@@ -1,0 +1,337 @@
+#include "support/bytes.h"
+#include "support/logs.h"
+
+#include <zintar/dynamicbase.h>
+#include <zintar/metaclassbuilder.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+#include <new>
+
+namespace
+{
+std::atomic<std::size_t> bytesTaken{0};
+}
+
+// Counts what the reader takes, all in all.
+void* operator new(std::size_t size)
+{
+    bytesTaken += size;
+    if (void* memory = std::malloc(size ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace
+{
+using Owned = std::unique_ptr<ZTMetaClass>;
+using Classes = std::unordered_map<std::string, const ZTMetaClass*>;
+
+const Classes withDynamicBase{{"struct ZTDynamicBase", &ZTDynamicBase::typeMetaClass()}};
+
+std::string missing(const std::string& name)
+{
+    return "Zintar: ZTMetaClassBuilder failed to set super class. No meta class with name \"" +
+           name + "\" provided.\n";
+}
+
+std::string bytesOf(const ZTMetaClass& metaClass)
+{
+    ZTDataStream stream;
+    stream << metaClass;
+    return stream.data();
+}
+std::string bytesOf(ZTMetaClassBuilder& builder) { return bytesOf(*Owned(builder.toMetaClass())); }
+
+/// The class that the bytes stand for, finished without its functions.
+Owned readClass(const std::string& bytes, const Classes& classes = withDynamicBase)
+{
+    ZTDataStream stream = support::streamOf(bytes);
+    ZTMetaClassBuilder builder;
+    builder.deserialize(stream, classes);
+    return Owned(builder.toMetaClass());
+}
+
+/// A class with everything in it once, each number one that stands nowhere else.
+Owned makeRichClass()
+{
+    ZTMetaClassBuilder builder;
+    builder.setTypeName("Rich");
+    builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
+    auto info = builder.addClassInfo();
+    info.setKey("ik");
+    info.setValue("iv");
+    auto kind = builder.addEnum();
+    kind.setName("Kind");
+    kind.add("One", 0x11121314);
+    kind.add("Neg", -2);
+    auto method = builder.addInvokable();
+    method.setName("call");
+    method.setIsConst(true);
+    method.setReturnMetaType(ztMetaType<bool>());
+    method.setAccessSpecifier(ZTAccessSpecifier::Protected);
+    method.setParameterMetaTypes({&ztMetaType<int>(), &ztMetaType<double>()});
+    auto event = builder.addInvokable();
+    event.setName("rung");
+    event.setEvent<>();
+    event.setIsConst(true);
+    event.setAccessSpecifier(ZTAccessSpecifier::Public);
+    auto property = builder.addProperty();
+    property.setName("level");
+    property.setMetaType(ztMetaType<float>());
+    property.setGetter([](const ZTVariant&) { return ZTVariant(); });
+    property.setChangeEvent(event);
+    property.addPropInfo("pk", "pv");
+    return Owned(builder.toMetaClass());
+}
+
+const std::string richBytes =
+    "04 00 00 00 00 00 00 00 52 69 63 68 "                                        // Rich
+    "14 00 00 00 00 00 00 00 "                                                    // 20 letters
+    "73 74 72 75 63 74 20 5A 54 44 79 6E 61 6D 69 63 42 61 73 65 "                // super class
+    "01 00 00 00 "                                                                // infos
+    "02 00 00 00 00 00 00 00 69 6B 02 00 00 00 00 00 00 00 69 76 "                // ik, iv
+    "01 00 00 00 "                                                                // enums
+    "04 00 00 00 00 00 00 00 4B 69 6E 64 02 00 00 00 00 00 00 00 "                // Kind, two
+    "03 00 00 00 00 00 00 00 4F 6E 65 14 13 12 11 "                               // One
+    "03 00 00 00 00 00 00 00 4E 65 67 FE FF FF FF "                               // Neg
+    "02 00 00 00 "                                                                // invokables
+    "04 00 00 00 00 00 00 00 63 61 6C 6C 04 00 00 00 00 00 00 00 62 6F 6F 6C "    // call, bool
+    "01 00 01 00 00 00 02 00 00 00 "                                              // const, 1, two
+    "03 00 00 00 00 00 00 00 69 6E 74 06 00 00 00 00 00 00 00 64 6F 75 62 6C 65 " // int, double
+    "04 00 00 00 00 00 00 00 72 75 6E 67 04 00 00 00 00 00 00 00 76 6F 69 64 "    // rung, void
+    "03 00 02 00 00 00 00 00 00 00 "                                              // event, 2, none
+    "01 00 00 00 "                                                                // properties
+    "05 00 00 00 00 00 00 00 6C 65 76 65 6C 05 00 00 00 00 00 00 00 66 6C 6F 61 74 " // level, float
+    "01 00 00 00 01 01 00 00 00 "                                  // 2nd, get, one
+    "02 00 00 00 00 00 00 00 70 6B 02 00 00 00 00 00 00 00 70 76"; // pk, pv
+
+TEST(ClassWriter, WritesEachFieldInItsPlaceAndWidth)
+{
+    EXPECT_EQ(support::hex(bytesOf(*makeRichClass())), richBytes);
+}
+
+TEST(ClassWriter, TakesLittleForAnEmptyClass)
+{
+    ZTMetaClassBuilder builder;
+    builder.setTypeName("A");
+    EXPECT_EQ(bytesOf(builder).size(), 39U);
+    builder.setSuperClass(&ZTBase::typeMetaClass());
+    const std::string bytes = bytesOf(builder);
+    EXPECT_EQ(bytes.substr(9),
+              std::string("\x0D\0\0\0\0\0\0\0struct ZTBase", 21) + std::string(16, '\0'));
+}
+
+TEST(ClassReader, BringsEverythingBackButTheFunctions)
+{
+    const std::string bytes = bytesOf(*makeRichClass());
+    ZTDataStream stream = support::streamOf(bytes + "tail");
+    ZTMetaClassBuilder builder;
+    EXPECT_LOGS_NOTHING([&] { builder.deserialize(stream, withDynamicBase); });
+    EXPECT_TRUE(stream.good());
+    EXPECT_TRUE(builder.property(0).canGet() && !builder.property(0).canSet());
+    EXPECT_FALSE(builder.property(0).getter() || builder.invokable(1).function());
+    builder.property(0).setGetter([](const ZTVariant& object) { return object; });
+    const Owned finished(builder.toMetaClass());
+    EXPECT_EQ(finished->property("level")->changeEventIndex(), 6);
+    EXPECT_EQ(support::hex(bytesOf(*finished)), richBytes);
+    char rest[4];
+    EXPECT_TRUE(stream.read(rest, 4).good()); // nothing behind the class was touched
+    EXPECT_EQ(std::string(rest, 4), "tail");
+}
+
+TEST(ClassReader, LosesTheFlagsOfAccessorsThatAreNotGivenBack)
+{
+    const std::string bytes = bytesOf(*makeRichClass());
+    std::string expected = bytes;
+    expected[bytes.size() - 25] = 0;
+    const std::string again = bytesOf(*readClass(bytes));
+    EXPECT_EQ(support::hex(again), support::hex(expected));
+    EXPECT_EQ(bytesOf(*readClass(again)), again);
+    ZTDataStream stream = support::streamOf(bytes);
+    ZTMetaClassBuilder builder;
+    builder.deserialize(stream, withDynamicBase);
+    builder.property(0).setGetter(nullptr); // takes the stored flag back as well
+    EXPECT_FALSE(builder.property(0).canGet());
+}
+
+TEST(ClassReader, BringsDeclaredClassesBack)
+{
+    const ZTMetaClass& declared = ZTDynamicBase::typeMetaClass();
+    EXPECT_LOGS_NOTHING([&] {
+        const Owned read = readClass(bytesOf(declared), {});
+        EXPECT_EQ(read->superClass(), &ZTBase::typeMetaClass());
+        EXPECT_EQ(bytesOf(*read), bytesOf(declared));
+    });
+    const ZTMetaClass& root = ZTBase::typeMetaClass();
+    EXPECT_LOGS(missing("ZTNone"), [&] {
+        const Owned read = readClass(bytesOf(root));
+        EXPECT_EQ(read->superClass(), nullptr);
+        EXPECT_EQ(bytesOf(*read), bytesOf(root));
+    });
+}
+
+/// A class without members whose super class has that name.
+std::string classBelow(const std::string& super)
+{
+    ZTDataStream stream;
+    stream << "A" << super << 0 << 0 << 0 << 0;
+    return stream.data();
+}
+
+TEST(ClassReader, FindsTheSuperClassByName)
+{
+    const ZTMetaClass& root = ZTBase::typeMetaClass();
+    const ZTMetaClass& dynamicBase = ZTDynamicBase::typeMetaClass();
+    EXPECT_LOGS_NOTHING([&] {
+        EXPECT_EQ(readClass(classBelow("ZTBase"), {})->superClass(), &root);
+        EXPECT_EQ(readClass(classBelow("struct ZTBase"), {})->superClass(), &root);
+        EXPECT_EQ(readClass(classBelow("ZTBase"), {{"ZTBase", &dynamicBase}})->superClass(),
+                  &dynamicBase);
+        EXPECT_EQ(readClass(classBelow("ZTBase"), {{"ZTBase", nullptr}})->superClass(), nullptr);
+        EXPECT_EQ(readClass(classBelow("ZTNone"), {{"ZTNone", nullptr}})->invokableOffset(), 0U);
+        EXPECT_EQ(readClass(classBelow("ZTBase"), {})->invokableOffset(), 4U);
+    });
+    EXPECT_LOGS(missing("Unknown"), [&] {
+        const Owned read = readClass(classBelow("Unknown"));
+        EXPECT_TRUE(read->typeName() == "A" && !read->superClass() && !read->invokableOffset());
+    });
+    EXPECT_LOGS(missing("struct ZTDynamicBase"), [&] {
+        EXPECT_FALSE(readClass(classBelow("struct ZTDynamicBase"), {})->superClass());
+    });
+    EXPECT_LOGS(missing(""), [] { EXPECT_EQ(readClass("")->typeName(), ""); });
+}
+
+TEST(ClassReader, LinksTheChangeEventBelowAnySuperClass)
+{
+    const std::string bytes = bytesOf(*makeRichClass());
+    const Classes narrower{{"struct ZTDynamicBase", &ZTBase::typeMetaClass()}};
+    const Owned read = readClass(bytes, narrower);
+    EXPECT_EQ(read->property("level")->changeEventIndex(), 5);
+    EXPECT_EQ(read->property("level")->changeEvent()->name(), "rung");
+}
+
+/// A class whose only members are an event and a property with a change event at that position.
+std::string classWithPosition(int position)
+{
+    const unsigned short eventFlag = 2;
+    ZTDataStream stream;
+    stream << "A"
+           << "ZTBase" << 0 << 0;
+    stream << 1 << "rung" << ztMetaType<void>() << eventFlag << 0 << 0;
+    stream << 1 << "level" << ztMetaType<int>() << position;
+    stream << static_cast<unsigned char>(0) << 0;
+    return stream.data();
+}
+
+TEST(ClassReader, TakesAPositionOutsideTheOwnListForNone)
+{
+    for (int position : {1, 0x7FFFFFFF, -1, -4, std::numeric_limits<int>::min()})
+        EXPECT_EQ(readClass(classWithPosition(position))->property(0U)->changeEvent(), nullptr);
+    EXPECT_EQ(readClass(classWithPosition(0))->property(0U)->changeEventIndex(), 4);
+}
+
+TEST(ClassReader, LeavesRepeatedEnumeratorsOut)
+{
+    ZTDataStream stream;
+    stream << "A"
+           << "ZTBase" << 0 << 1 << "Kind" << 4ULL;
+    stream << "One" << 1 << "Uno" << 1 << "One" << 2 << "Two" << 2;
+    stream << 0 << 0;
+    const Owned read = readClass(stream.data());
+    const ZTMetaEnum& kind = *read->metaEnum(0);
+    ASSERT_EQ(kind.count(), 2U);
+    EXPECT_EQ(kind.enumerator(0), "One");
+    EXPECT_EQ(kind.value(1), 2);
+    EXPECT_EQ(bytesOf(*readClass(bytesOf(*read))), bytesOf(*read));
+}
+
+TEST(ClassReader, TellsOfATypeThatIsNotRegistered)
+{
+    ZTDataStream stream;
+    stream << "A"
+           << "ZTBase" << 0 << 0 << 0 << 2;
+    for (const char* type : {"Nowhere", "ZTBadMetaType"})
+        stream << "level" << type << -1 << static_cast<unsigned char>(0) << 0;
+    EXPECT_LOGS("Zintar: ZTMetaType deserialization failed. Did not find meta type with name "
+                "\"Nowhere\".\n",
+                [&] {
+                    const Owned read = readClass(stream.data());
+                    EXPECT_EQ(read->propertyCount(), 2U);
+                    EXPECT_FALSE(read->property(0U)->metaType() || read->property(1U)->metaType());
+                });
+}
+
+TEST(ClassReader, AddsToWhatTheBuilderHolds)
+{
+    ZTMetaClassBuilder builder;
+    builder.setTypeName("Old");
+    builder.addInvokable().setName("older");
+    auto stream = support::streamOf(classWithPosition(0) + classWithPosition(-1));
+    builder.deserialize(stream, {});
+    EXPECT_EQ(builder.typeName(), "A");
+    EXPECT_EQ(builder.invokableCount(), 2);
+    const Owned made(builder.toMetaClass());
+    EXPECT_EQ(made->property(0U)->changeEvent()->name(), "older"); // counted from the whole front
+    builder.deserialize(stream, {});
+    EXPECT_TRUE(stream.good());
+    EXPECT_EQ(builder.propertyCount(), 2);
+}
+
+TEST(ClassReader, StopsAtTheFirstFailedReadAndKeepsWhatWasRead)
+{
+    const std::string bytes = bytesOf(*makeRichClass());
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        support::CapturedLog log;
+        ZTDataStream stream = support::streamOf(bytes.substr(0, size));
+        ZTMetaClassBuilder builder;
+        builder.deserialize(stream, withDynamicBase);
+        EXPECT_FALSE(stream.good()) << size;
+        EXPECT_EQ(builder.typeName(), size < 12 ? "" : "Rich");
+        EXPECT_LE(builder.classInfoCount() + builder.enumCount() + builder.invokableCount() +
+                      builder.propertyCount(),
+                  5);
+        EXPECT_EQ(builder.propertyCount(), size < bytes.size() - 55 ? 0 : 1) << size;
+        const Owned finished(builder.toMetaClass());
+        EXPECT_EQ(bytesOf(*readClass(bytesOf(*finished))), bytesOf(*finished)) << size;
+    }
+}
+
+TEST(ClassReader, BearsEverySingleBitChange)
+{
+    const std::string bytes = bytesOf(*makeRichClass());
+    for (std::size_t bit = 0; bit < bytes.size() * 8; ++bit) {
+        support::CapturedLog log;
+        std::string damaged = bytes;
+        damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
+        const Owned read = readClass(damaged);
+        const std::string again = bytesOf(*read);
+        EXPECT_EQ(bytesOf(*readClass(again)), again) << bit;
+    }
+}
+
+TEST(ClassReader, TakesMemoryInProportionToTheBytes)
+{
+    // Each list in turn claims more than four thousand million entries, in 64 KiB of zeros.
+    for (int list = 0; list < 4; ++list) {
+        ZTDataStream stream;
+        stream << "A"
+               << "ZTBase";
+        for (int before = 0; before < list; ++before)
+            stream << 0;
+        stream << ~0U;
+        const std::string bytes = stream.data() + std::string(0x10000, '\0');
+        support::CapturedLog log;
+        ZTDataStream hostile = support::streamOf(bytes);
+        ZTMetaClassBuilder builder;
+        const std::size_t before = bytesTaken;
+        builder.deserialize(hostile, {});
+        EXPECT_FALSE(hostile.good());
+        EXPECT_LT(bytesTaken - before, 64 * bytes.size()) << list;
+    }
+}
+} // namespace
