@@ -15,16 +15,16 @@ namespace
 std::atomic<std::size_t> bytesTaken{0};
 }
 
-// Counts what the reader takes, all in all.
-void* operator new(std::size_t size)
+// Counts what the reader takes, all in all. Inlined, the pair would look mismatched to GCC.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     bytesTaken += size;
     if (void* memory = std::malloc(size ? size : 1))
         return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace
 {
