@@ -94,6 +94,7 @@ private:
     static std::vector<const ZTMetaType*> readTypes(const std::vector<Node>& nodes)
     {
         std::vector<const ZTMetaType*> types;
+        types.reserve(nodes.size());
         for (const Node& node : nodes)
             types.push_back(&readType(node));
         return types;

@@ -57,6 +57,7 @@ void Recorder::print(std::ostream& out) const
         out << "  " << title << ": " << listener.count() << "\n";
         for (const std::vector<ZTVariant>& record : listener) {
             std::vector<std::string> texts;
+            texts.reserve(record.size());
             for (const ZTVariant& value : record)
                 texts.push_back(shown(value, m_names));
             out << "    (" << listed(texts) << ")\n";

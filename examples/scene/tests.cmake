@@ -18,7 +18,10 @@ scene_prints(usage "two.json;files.json" 2 usage.txt)
 set(recorded "--record;workshop/lathe.finished;--record;lathe.turns;--record;ivy.ripened")
 scene_prints(workshop "workshop.json;${recorded}" 0 workshop.txt)
 scene_prints(workshop_classes "--classes;workshop.json" 0 workshopclasses.txt)
-scene_prints(record_nobody "workshop.json;--record;workshop/stove.turns" 2 late/recordnobody.txt)
+scene_prints(record_nobody "workshop.json;--record;workshop/stove.turns" 2 cases/recordnobody.txt)
+
+# Who hears of a step of a declared method may delete the object: the method ends with it.
+scene_prints(felled cases/felled.json 0 cases/felled.txt)
 
 # What one process saves, another one brings back, and the tool shows.
 if(ZINTAR_BUILD_TOOLS)
