@@ -70,6 +70,16 @@ bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)
     return true;
 }
 
+/// Whether the handler is a member function of the receiver's class, of which nothing is left once
+/// the destruction has reached `ZTBase`. A method that is called through its descriptor finds that
+/// out by itself.
+bool needsWholeReceiver(const ZTSubscriptionPrivate& subscription)
+{
+    const auto* handler =
+        dynamic_cast<const zt::detail::DescribedHandler*>(subscription.ownedHandler());
+    return handler && handler->isMemberFunction();
+}
+
 void callHandler(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event,
                  ZTEventValues& values)
 {
@@ -112,6 +122,8 @@ void ZTBasePrivate::dispatch(int index, ZTEventValues& values)
             continue;
         ZTBasePrivate* subscriber = subscription->subscriber;
         if (subscriber && !subscriber->receivedEventBlockers.empty())
+            continue;
+        if (subscriber && subscriber->isDying && needsWholeReceiver(*subscription))
             continue;
         if (subscription->event != event && !haveSameParameters(*subscription->event, *event))
             continue;

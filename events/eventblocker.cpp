@@ -35,6 +35,8 @@ void ZTEventBlocker::enter()
 {
     if (ZTBasePrivate* record = ZTBasePrivate::of(object))
         blockersOf(*record, blockSent).push_back(this);
+    else
+        object = nullptr; // moved from: it will not tell when it dies
 }
 
 void ZTEventBlocker::leave()

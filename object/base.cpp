@@ -29,8 +29,10 @@ ZTBase& ZTBase::operator=(ZTBase&& other) noexcept
 
 ZTBase::~ZTBase()
 {
-    if (priv)
+    if (priv) {
+        priv->isDying = true;
         destroyed(this);
+    }
     delete priv;
 }
 

@@ -102,6 +102,8 @@ struct ZTBasePrivate {
     bool isMoving = false;
     /// The object is out of its parent's list already, and the parent is still to be told.
     bool hasLeftParent = false;
+    /// The destruction has reached `ZTBase`: of what the object was, only that is left.
+    bool isDying = false;
     /// The last step of the destruction has begun: nothing new is taken on.
     bool isEnding = false;
 };

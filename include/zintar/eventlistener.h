@@ -30,41 +30,40 @@ public:
     ///               listener that is not valid and records nothing; nothing is logged then.
     ZTEventListener(ZTBase* sender, const ZTMetaInvokable* event);
     /// The event as a member function: `ZTEventListener(&thermostat, &Thermostat::targetChanged)`.
-    template <class Sender, class Event>
-        requires std::is_member_function_pointer_v<Event> ZTEventListener(Sender* sender,
-                                                                          Event event)
-            : ZTEventListener(sender, zt::detail::eventOf(sender, event))
-        {}
-        ZTEventListener(const ZTEventListener&) = delete;
-        ZTEventListener& operator=(const ZTEventListener&) = delete;
-        ~ZTEventListener();
+    template <class Sender, zt::detail::MemberFunction Event>
+    ZTEventListener(Sender* sender, Event event)
+        : ZTEventListener(sender, zt::detail::eventOf(sender, event))
+    {}
+    ZTEventListener(const ZTEventListener&) = delete;
+    ZTEventListener& operator=(const ZTEventListener&) = delete;
+    ~ZTEventListener();
 
-        /// A copy of the arguments of one delivery, as many as the event has parameters; empty for
-        /// an index out of range.
-        [[nodiscard]] std::vector<ZTVariant> at(unsigned int index) const;
-        [[nodiscard]] int count() const;
-        void clear();
-        /// @return false, changing nothing, for an index out of range
-        bool remove(unsigned int index);
-        /// Whether the subscription was accepted; stays true when the sender has died.
-        [[nodiscard]] bool valid() const;
+    /// A copy of the arguments of one delivery, as many as the event has parameters; empty for
+    /// an index out of range.
+    [[nodiscard]] std::vector<ZTVariant> at(unsigned int index) const;
+    [[nodiscard]] int count() const;
+    void clear();
+    /// @return false, changing nothing, for an index out of range
+    bool remove(unsigned int index);
+    /// Whether the subscription was accepted; stays true when the sender has died.
+    [[nodiscard]] bool valid() const;
 
-        /// The records in the order of arrival, for iteration. Good until the next delivery.
-        [[nodiscard]] const std::vector<std::vector<ZTVariant>>& records() const;
-        [[nodiscard]] auto begin() const { return records().begin(); }
-        [[nodiscard]] auto end() const { return records().end(); }
-        /// A copy of the last record; empty when there is none.
-        [[nodiscard]] std::vector<ZTVariant> last() const;
-        /// One argument of one record as a `T`; a default value, with a warning, where there is
-        /// none.
-        template <class T>
-        [[nodiscard]] T argument(unsigned int index, unsigned int position) const
-        {
-            return ztVariantValue<T>(argumentAt(index, position));
-        }
+    /// The records in the order of arrival, for iteration. Good until the next delivery.
+    [[nodiscard]] const std::vector<std::vector<ZTVariant>>& records() const;
+    [[nodiscard]] auto begin() const { return records().begin(); }
+    [[nodiscard]] auto end() const { return records().end(); }
+    /// A copy of the last record; empty when there is none.
+    [[nodiscard]] std::vector<ZTVariant> last() const;
+    /// One argument of one record as a `T`; a default value, with a warning, where there is
+    /// none.
+    template <class T>
+    [[nodiscard]] T argument(unsigned int index, unsigned int position) const
+    {
+        return ztVariantValue<T>(argumentAt(index, position));
+    }
 
-    private:
-        [[nodiscard]] const ZTVariant& argumentAt(unsigned int index, unsigned int position) const;
+private:
+    [[nodiscard]] const ZTVariant& argumentAt(unsigned int index, unsigned int position) const;
 
-        ZTEventListenerPrivate* priv;
+    ZTEventListenerPrivate* priv;
 };

@@ -91,6 +91,9 @@ private:
     Impl* m_impl = nullptr;
 };
 
+template <class U, class T>
+concept ReferableAs = std::is_convertible_v<U*, T*>;
+
 /// What both references offer. `Derived` is the reference itself, for its comparisons.
 template <class T, class Impl>
 class TypedReference
@@ -145,12 +148,12 @@ public:
     ZTRef(std::nullptr_t) noexcept {}
     ZTRef(T* object) : Base(object) {}
     /// From a reference to a derived class.
-    template <class U>
-        requires std::is_convertible_v<U*, T*> ZTRef(const ZTRef<U>& other)
-    noexcept : Base(other) {}
-    template <class U>
-        requires std::is_convertible_v<U*, T*> ZTRef(ZTRef<U>&& other)
-    noexcept : Base(std::move(other)) {}
+    template <zt::detail::ReferableAs<T> U>
+    ZTRef(const ZTRef<U>& other) noexcept : Base(other)
+    {}
+    template <zt::detail::ReferableAs<T> U>
+    ZTRef(ZTRef<U>&& other) noexcept : Base(std::move(other))
+    {}
 };
 
 /// A strong reference: see the top of this file. The object must have been made with `new`.
@@ -163,12 +166,12 @@ public:
     ZTStrongRef() noexcept = default;
     ZTStrongRef(std::nullptr_t) noexcept {}
     explicit ZTStrongRef(T* object) : Base(object) {}
-    template <class U>
-        requires std::is_convertible_v<U*, T*> ZTStrongRef(const ZTStrongRef<U>& other)
-    noexcept : Base(other) {}
-    template <class U>
-        requires std::is_convertible_v<U*, T*> ZTStrongRef(ZTStrongRef<U>&& other)
-    noexcept : Base(std::move(other)) {}
+    template <zt::detail::ReferableAs<T> U>
+    ZTStrongRef(const ZTStrongRef<U>& other) noexcept : Base(other)
+    {}
+    template <zt::detail::ReferableAs<T> U>
+    ZTStrongRef(ZTStrongRef<U>&& other) noexcept : Base(std::move(other))
+    {}
 };
 
 // References compare by the object, and with pointers to it.

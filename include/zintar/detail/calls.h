@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 /// @file
@@ -17,10 +18,27 @@ template <class C>
 inline constexpr bool isObjectClass = std::is_base_of_v<ZTBase, C>;
 
 /// The object that a variant points to, as the class that declares the member.
+///
+/// A pointer goes along the class tree unchanged, so it may be to an object of another class, or to
+/// one whose destruction has come as far as `ZTBase`. Then there is no such object; it is told in
+/// the log.
 template <class Object>
 Object* objectIn(const ZTVariant& object)
 {
-    return ztVariantValue<Object*>(object);
+    auto* pointer = ztVariantValue<Object*>(object);
+    using Class = std::remove_const_t<Object>;
+    if constexpr (!std::is_same_v<Class, ZTBase>) {
+        if (!pointer)
+            return nullptr;
+        // The `ZTBase` stands first in every object.
+        const void* address = pointer;
+        const auto* base = static_cast<const ZTBase*>(address);
+        if (typeid(*base) != typeid(Class) && !dynamic_cast<const Class*>(base)) {
+            warnFailedConversion(askedName<Object*>(), object.type());
+            return nullptr;
+        }
+    }
+    return pointer;
 }
 
 /// What a function gives, as a variant.

@@ -190,6 +190,9 @@ concept TakesArgumentArray = PlainCallable<F> &&
     std::is_same_v<typename CallableTraits<F>::Params, Parameters<const ZTArgumentArray&>>;
 
 template <class F>
+concept MemberFunction = std::is_member_function_pointer_v<F>;
+
+template <class F>
 inline constexpr bool isMemberPointer = std::is_member_function_pointer_v<F>;
 
 template <class F>
