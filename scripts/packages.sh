@@ -30,5 +30,6 @@ need_packages() {
     fi
 }
 
-build_packages=(g++ cmake ninja-build nlohmann-json3-dev libcli11-dev)
-test_packages=("${build_packages[@]}" libgtest-dev)
+build_packages=(g++ cmake ninja-build nlohmann-json3-dev)
+test_packages=("${build_packages[@]}" libgtest-dev libcli11-dev)
+clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
