@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/base.h>
 #include <zintar/detail/signature.h>
 #include <zintar/typedvalue.h>
 
