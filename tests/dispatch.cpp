@@ -182,16 +182,4 @@ TEST_F(Dispatch, OnlyReceiversHaveAnActiveEvent)
     EXPECT_EQ(say(1), "said 4 of speaker idle b:1 idle");
 }
 
-TEST_F(Dispatch, ObjectHearsItself)
-{
-    auto object = std::make_unique<Hearer>("h", diary);
-    ZTBase::subscribe(object.get(), &ZTBase::childAdded, object.get(), &Hearer::hearAny);
-    ZTBase::subscribe(object.get(), &ZTBase::destroyed, object.get(),
-                      [&](ZTBase*) { diary.add("~h"); });
-    object->then = [&] { diary.add(object->active()); };
-    object->childAdded(nullptr);
-    EXPECT_EQ(diary.take(), "h:any childAdded 2 of h");
-    object.reset();
-    EXPECT_EQ(diary.take(), "~h");
-}
 } // namespace

@@ -29,8 +29,6 @@ TEST(RootClasses, AreTheirEvents)
               events + "event 4 void metaClassInitialized(const struct ZTMetaClass*)\n");
     for (unsigned int i = 0; i < 5; ++i)
         EXPECT_EQ(dynamicRoot.invokable(i)->accessSpecifier(), ZTAccessSpecifier::Public);
-    EXPECT_EQ(dynamicRoot.invokable(5U), nullptr);
-    EXPECT_EQ(dynamicRoot.invokable(0U), root.invokable(0U));
 }
 
 TEST(RootClasses, StandAtTheTop)
@@ -39,12 +37,9 @@ TEST(RootClasses, StandAtTheTop)
     EXPECT_EQ(dynamicRoot.typeName(), "struct ZTDynamicBase");
     EXPECT_EQ(root.superClass(), nullptr);
     EXPECT_EQ(dynamicRoot.superClass(), &root);
-    EXPECT_EQ(root.invokableOffset(), 0U);
-    EXPECT_EQ(dynamicRoot.invokableOffset(), 4U);
     for (const ZTMetaClass* one : {&root, &dynamicRoot}) {
         EXPECT_EQ(one->propertyCount() + one->enumCount() + one->classInfoCount(), 0U);
         EXPECT_FALSE(one->isDynamic() || one->userData());
-        EXPECT_TRUE(*one && one->isDerivedFrom(&root));
     }
 }
 
@@ -55,8 +50,6 @@ TEST(RootClasses, AreFoundByTheNamesOfTheirPointers)
     EXPECT_EQ(classOf("const struct ZTBase*"), &root);
     EXPECT_EQ(classOf("struct ZTDynamicBase*"), &dynamicRoot);
     EXPECT_EQ(classOf("const struct ZTDynamicBase*"), &dynamicRoot);
-    EXPECT_EQ(&root.metaType(), &ztMetaType("struct ZTBase*"));
-    EXPECT_EQ(&dynamicRoot.metaType(), &ztMetaType<ZTDynamicBase*>());
     EXPECT_EQ(&root.invokable(0U)->parameterMetaType(0), &root.metaType());
     EXPECT_EQ(classOf("const struct ZTMetaClass*"), nullptr);
     EXPECT_EQ(&ztMetaType("struct ZTVariant"), &ztMetaType("ZTVariant"));

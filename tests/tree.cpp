@@ -29,27 +29,11 @@ TEST_F(Tree, ChildrenStandInTheOrderOfTheirJoining)
     a->setParent(&q);
     EXPECT_EQ(diary.take(), "p-a q+a");
     EXPECT_EQ(treeOf(&p) + treeOf(&q), "p(b)q(a)");
-}
 
-TEST_F(Tree, RootBelongsToNobody)
-{
-    std::unique_ptr<Named> p(watched("p")), c(watched("c", p.get()));
-    c->setParent(nullptr);
-    EXPECT_EQ(diary.take(), "p-c");
-    c->setParent(nullptr);
-    p.reset();
-    EXPECT_EQ(diary.take(), "~p");
-    EXPECT_EQ(nameOf(c.get()), "c");
-}
-
-TEST_F(Tree, HandlersSeeTheChildWhereItIs)
-{
-    Named p("p"), q("q");
-    auto* c = new Named("c", &p);
-    on(&p, &ZTBase::childRemoved, [&] { diary.add(treeOf(&p) + treeOf(&q)); });
-    on(&q, &ZTBase::childAdded, [&] { diary.add(treeOf(&p) + treeOf(&q)); });
-    c->setParent(&q);
-    EXPECT_EQ(diary.take(), "pq pq(c)");
+    b->setParent(nullptr);
+    b->setParent(nullptr);
+    EXPECT_EQ(diary.take(), "p-b");
+    delete b;
 }
 
 TEST_F(Tree, ConstructorMakesAFullChild)
@@ -117,16 +101,9 @@ TEST_F(TreeReentry, TargetOfTheOuterCallWins)
     c->setParent(q.get());
     EXPECT_EQ(treeOf(p.get()) + treeOf(q.get()) + treeOf(r.get()), "pq(c)r");
     EXPECT_EQ(diary.take(), "p-c q+c");
+    on(r.get(), &ZTBase::childAdded, [&] { c->setParent(q.get()); });
     c->setParent(r.get());
-    EXPECT_EQ(diary.take(), "q-c r+c");
-}
-
-TEST_F(TreeReentry, ChildMayMoveOnAsSoonAsItHasArrived)
-{
-    on(q.get(), &ZTBase::childAdded, [&] { c->setParent(r.get()); });
-    c->setParent(q.get());
-    EXPECT_EQ(treeOf(p.get()) + treeOf(q.get()) + treeOf(r.get()), "pqr(c)");
-    EXPECT_EQ(diary.take(), "p-c q+c q-c r+c");
+    EXPECT_EQ(diary.take(), "q-c r+c r-c q+c");
 }
 
 TEST_F(TreeReentry, ChildDiesOnTheWay)
