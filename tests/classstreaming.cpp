@@ -282,6 +282,7 @@ TEST(ClassReader, AddsToWhatTheBuilderHolds)
     EXPECT_EQ(builder.propertyCount(), 2);
 }
 
+// The fuzz target runs every single-bit change of its kept inputs.
 TEST(ClassReader, StopsAtTheFirstFailedReadAndKeepsWhatWasRead)
 {
     const std::string bytes = bytesOf(*makeRichClass());
@@ -298,19 +299,6 @@ TEST(ClassReader, StopsAtTheFirstFailedReadAndKeepsWhatWasRead)
         EXPECT_EQ(builder.propertyCount(), size < bytes.size() - 55 ? 0 : 1) << size;
         const Owned finished(builder.toMetaClass());
         EXPECT_EQ(bytesOf(*readClass(bytesOf(*finished))), bytesOf(*finished)) << size;
-    }
-}
-
-TEST(ClassReader, BearsEverySingleBitChange)
-{
-    const std::string bytes = bytesOf(*makeRichClass());
-    for (std::size_t bit = 0; bit < bytes.size() * 8; ++bit) {
-        support::CapturedLog log;
-        std::string damaged = bytes;
-        damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
-        const Owned read = readClass(damaged);
-        const std::string again = bytesOf(*read);
-        EXPECT_EQ(bytesOf(*readClass(again)), again) << bit;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <zintar/metaclassbuilder.h>
 
 #include <memory>
+#include <utility>
 
 // What both families of descriptors promise alike. The same two classes come from a declaration,
 // from the builders, from the builders with the declared class as the prototype, and from a stream;
@@ -80,18 +81,29 @@ struct Classes {
 
 Classes declared() { return {&Device::typeMetaClass(), &Heater::typeMetaClass()}; }
 
+void addVendor(ZTMetaClassBuilder& builder, std::string_view value)
+{
+    auto vendor = builder.addClassInfo();
+    vendor.setKey("vendor");
+    vendor.setValue(value);
+}
+
+void addEnum(ZTMetaClassBuilder& builder, std::string_view name,
+             std::initializer_list<std::pair<std::string_view, int>> enumerators)
+{
+    auto metaEnum = builder.addEnum();
+    metaEnum.setName(name);
+    for (const auto& [enumerator, value] : enumerators)
+        metaEnum.add(enumerator, value);
+}
+
 ZTMetaClass* buildDevice()
 {
     ZTMetaClassBuilder builder;
     builder.setTypeName(Device::typeMetaClass().typeName());
     builder.setSuperClass(&ZTBase::typeMetaClass());
-    auto vendor = builder.addClassInfo();
-    vendor.setKey("vendor");
-    vendor.setValue("acme");
-    auto state = builder.addEnum();
-    state.setName("State");
-    state.add("Idle", 0);
-    state.add("Busy", 1);
+    addVendor(builder, "acme");
+    addEnum(builder, "State", {{"Idle", 0}, {"Busy", 1}});
     auto renamed = builder.addInvokable();
     renamed.setName("renamed");
     renamed.setEvent<const std::string&>();
@@ -124,14 +136,9 @@ ZTMetaClass* buildHeater(const ZTMetaClass* device)
     ZTMetaClassBuilder builder;
     builder.setTypeName(Heater::typeMetaClass().typeName());
     builder.setSuperClass(device);
-    auto vendor = builder.addClassInfo();
-    vendor.setKey("vendor");
-    vendor.setValue("thermo");
+    addVendor(builder, "thermo");
     builder.addClassInfo();
-    auto mode = builder.addEnum();
-    mode.setName("Mode");
-    mode.add("Off", -1);
-    mode.add("Heat", 5);
+    addEnum(builder, "Mode", {{"Off", -1}, {"Heat", 5}});
     buildHeaterInvokables(builder);
     auto serial = builder.addProperty();
     serial.setName("serial");
@@ -330,17 +337,6 @@ TEST_P(DescriptorContract, IsOneFamilyThroughout)
     EXPECT_TRUE(heater.isDerivedFrom(&device) && heater.isDerivedFrom(&ZTBase::typeMetaClass()));
     EXPECT_FALSE(device.isDerivedFrom(&heater) || heater.isDerivedFrom(nullptr));
     EXPECT_EQ(log.err().empty(), !dynamic);
-}
-
-TEST_P(DescriptorContract, UserDataIsTheClassesOwn)
-{
-    int word = 0;
-    auto& writable = const_cast<ZTMetaClass&>(heater);
-    EXPECT_EQ(heater.userData(), nullptr);
-    writable.setUserData(&word);
-    EXPECT_EQ(heater.userData(), &word);
-    EXPECT_EQ(device.userData(), nullptr);
-    writable.setUserData(nullptr);
 }
 
 /// Where the methods have functions too.

@@ -132,61 +132,31 @@ TEST_F(RunTimeClass, OverloadsAreToldApartByTheirTypesAlone)
     EXPECT_EQ(made->indexOfInvokable("deposit", false, {&ztMetaType<float>()}), -1);
 }
 
-TEST(GivingAClass, IsToldToSubscribersOnce)
+TEST_F(RunTimeClass, EventOfAnotherClassIsNotRaised)
 {
-    const Owned accountClass = makeAccountClass();
-    Account account;
-    const ZTMetaClass* told = nullptr;
-    auto scoped = ZTBase::subscribe(&account, &ZTDynamicBase::metaClassInitialized,
-                                    [&](const ZTMetaClass* metaClass) {
-                                        told = metaClass;
-                                        EXPECT_EQ(account.metaClass(), metaClass);
-                                    });
-    EXPECT_EQ(account.metaClass(), account.baseMetaClass());
-    EXPECT_TRUE(account.initializeMetaClass(accountClass.get()));
-    EXPECT_EQ(told, accountClass.get());
-    told = nullptr;
-    EXPECT_LOGS("Zintar Warning: ZTDynamicBase::initializeMetaClass called more than once. "
-                "Ignoring.\n",
-                [&] { EXPECT_FALSE(account.initializeMetaClass(accountClass.get())); });
-    EXPECT_EQ(told, nullptr);
+    Account plain;
+    ZTBase root;
+    EXPECT_LOGS_NOTHING([&] {
+        EXPECT_FALSE(invokable("balanceChanged")->invoke(&plain, 1.0));
+        EXPECT_FALSE(invokable("balanceChanged")->invoke(&root, 1.0));
+    });
 }
 
-TEST(GivingAClass, RefusesWhatDoesNotFit)
+TEST_F(RunTimeClass, TwoCopiesOfAnEventAreTwoEvents)
 {
     ZTMetaClassBuilder builder;
-    const Owned rootless(builder.toMetaClass());
-    builder.setSuperClass(&ZTBase::typeMetaClass());
-    const Owned ofRoot(builder.toMetaClass());
-    const Owned fitting = makeAccountClass();
-    Account account;
-    EXPECT_LOGS_NOTHING([&] {
-        for (const ZTMetaClass* refused :
-             {static_cast<ZTMetaClass*>(nullptr), rootless.get(), ofRoot.get()})
-            EXPECT_FALSE(account.initializeMetaClass(refused));
-    });
-    const std::string line =
-        "Zintar Warning: Static meta class provided to ZTDynamicBase::initializeMetaClass() but "
-        "expected a dynamic meta class. Ignoring.\n";
-    EXPECT_LOGS(
-        line, [&] { EXPECT_FALSE(account.initializeMetaClass(&ZTDynamicBase::typeMetaClass())); });
-    account.initializeMetaClass(fitting.get());
-    EXPECT_LOGS(line, [&] { account.initializeMetaClass(&ZTDynamicBase::typeMetaClass()); });
-    EXPECT_EQ(account.metaClass(), fitting.get());
-}
-
-TEST(GivingAClass, GoesAlongWithAMove)
-{
-    const Owned accountClass = makeAccountClass();
-    Account source;
-    source.initializeMetaClass(accountClass.get());
-    Account target(std::move(source));
-    EXPECT_EQ(target.metaClass(), accountClass.get());
-    Account assigned;
-    assigned = std::move(target);
-    EXPECT_EQ(assigned.metaClass(), accountClass.get());
-    assigned = Account();
-    EXPECT_EQ(assigned.metaClass(), &ZTDynamicBase::typeMetaClass());
-    EXPECT_TRUE(assigned.initializeMetaClass(accountClass.get()));
+    builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
+    builder.addInvokable(invokable("balanceChanged"));
+    builder.addInvokable(invokable("balanceChanged")).setName("limitChanged");
+    const Owned copies(builder.toMetaClass());
+    Account object;
+    object.initializeMetaClass(copies.get());
+    std::string heard;
+    auto first =
+        ZTBase::subscribe(&object, copies->invokable(5U), [&](double) { heard += "balance "; });
+    auto second =
+        ZTBase::subscribe(&object, copies->invokable(6U), [&](double) { heard += "limit "; });
+    copies->invokable<void()>("limitChanged")->invoke(&object, 1.0);
+    EXPECT_EQ(heard, "limit ");
 }
 } // namespace

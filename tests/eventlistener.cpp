@@ -130,14 +130,6 @@ TEST_F(ListenerTest, KeepsItsRecordsWhenTheSenderDies)
     rings.clear();
 }
 
-TEST_F(ListenerTest, FollowsAMovedSender)
-{
-    Bell moved(std::move(*bell));
-    bell.reset();
-    moved.rung(5, "ann");
-    EXPECT_EQ(story(), "5 by ann");
-}
-
 TEST_F(ListenerTest, MayDieWhileTheSenderDelivers)
 {
     std::optional<ZTEventListener> before(std::in_place, &*bell, &Bell::cracked);

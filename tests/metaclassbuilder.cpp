@@ -189,4 +189,15 @@ TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)
     EXPECT_EQ(made->property(0U)->name(), "");
     EXPECT_EQ(made->property(0U)->changeEventIndex(), 0);
 }
+
+TEST(MemberHandle, OfADeadBuilderIsStrangeToTheNextOneInItsPlace)
+{
+    std::optional<ZTMetaClassBuilder> builder(std::in_place);
+    auto foreign = builder->addInvokable();
+    builder.emplace();
+    auto property = builder->addProperty();
+    property.setChangeEvent(builder->addInvokable());
+    property.setChangeEvent(foreign);
+    EXPECT_EQ(property.changeEventIndex(), 0);
+}
 } // namespace
