@@ -25,17 +25,12 @@ struct RawHandler : zt::detail::ZTHandlerBase {
             action(target, arguments);
     }
     bool isComparable() const override { return comparable; }
-    bool equals(void*) const override
-    {
-        ++asked;
-        return true;
-    }
+    bool equals(void*) const override { return true; }
 
     std::vector<const ZTMetaType*> types;
     std::function<void(const ZTBase*, void**)> call;
     bool isMember = false;
     bool comparable = true;
-    inline static int asked = 0;
     Diary& diary;
 };
 } // namespace host
@@ -165,23 +160,6 @@ TEST_F(RawHandlers, AreFoundByTheirOwnComparison)
     EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::said, &a, comparable));
     EXPECT_TRUE(kept && !found);
     EXPECT_FALSE(ZTBase::unsubscribe(speaker.get(), &Speaker::said, &a, plain));
-}
-
-TEST_F(RawHandlers, AreAskedOnlyWhereTheyCanBe)
-{
-    std::vector<std::unique_ptr<ZTBase>> crowd;
-    for (int i = 0; i < 1000; ++i) {
-        crowd.push_back(std::make_unique<ZTBase>());
-        subscribe(said, raw(), crowd.back().get());
-    }
-    subscribe(told, raw(), crowd[500].get());
-    RawHandler* any = raw();
-    RawHandler::asked = 0;
-    for (bool isThere : {true, false})
-        EXPECT_EQ(ZTBase::unsubscribe(speaker.get(), &Speaker::said, crowd[500].get(), any),
-                  isThere);
-    EXPECT_EQ(RawHandler::asked, 1);
-    delete any;
 }
 
 /// The shapes in which a host may write a handler.
