@@ -1,6 +1,6 @@
 #include "memberbuilderprivate.h"
+#include "metaclassbuilderprivate.h"
 
-#include <zintar/base.h>
 #include <zintar/metaclassbuilder.h>
 
 #include <string>
@@ -13,7 +13,8 @@ ZTMetaInvokableBuilder::ZTMetaInvokableBuilder()
 ZTMetaInvokableBuilder::ZTMetaInvokableBuilder(ZTMetaClassBuilder* classBuilder,
                                                std::shared_ptr<ZTDynamicMetaInvokable> descriptor,
                                                const ZTMetaInvokable* prototype)
-    : priv(new ZTMetaInvokableBuilderPrivate{std::move(descriptor), classBuilder})
+    : priv(new ZTMetaInvokableBuilderPrivate{std::move(descriptor),
+                                             classBuilder ? classBuilder->priv->identity : 0})
 {
     if (!prototype)
         return;
@@ -29,6 +30,7 @@ ZTMetaInvokableBuilder::ZTMetaInvokableBuilder(ZTMetaClassBuilder* classBuilder,
     if (prototype->isDynamic()) {
         const auto& source = static_cast<const ZTDynamicMetaInvokable&>(*prototype);
         setUntypedFunction(source.m_function, source.m_functionKey);
+        copy.m_raisesItself = source.m_raisesItself;
     }
 }
 
@@ -89,6 +91,7 @@ void ZTMetaInvokableBuilder::setUntypedFunction(const zt::detail::InvokableFunct
 {
     priv->descriptor->m_function = function;
     priv->descriptor->m_functionKey = key;
+    priv->descriptor->m_raisesItself = false;
 }
 
 void ZTMetaInvokableBuilder::setEvent(const std::vector<const ZTMetaType*>& parameterTypes)
@@ -96,22 +99,6 @@ void ZTMetaInvokableBuilder::setEvent(const std::vector<const ZTMetaType*>& para
     setIsEvent(true);
     setReturnMetaType(ztMetaType<void>());
     setParameterMetaTypes(parameterTypes);
-    // The key lives as long as the function, which every copy of the invokable shares.
-    auto key = std::make_shared<char>();
-    setUntypedFunction(zt::detail::raisingFunction(key), key.get());
+    setUntypedFunction({}, nullptr);
+    priv->descriptor->m_raisesItself = true;
 }
-
-namespace zt::detail
-{
-InvokableFunction raisingFunction(std::shared_ptr<char> key)
-{
-    return [key = std::move(key)](const ZTVariant& object, const ZTArgumentArray& arguments) {
-        if (const auto* sender = ztVariantValue<ZTBase*>(object)) {
-            int index = sender->metaClass()->indexOfInvokable(key.get());
-            if (index >= 0)
-                EventRaiser::raise(*sender, index, arguments);
-        }
-        return ZTVariant();
-    };
-}
-} // namespace zt::detail

@@ -2,9 +2,8 @@
 
 #include "../reflection/dynamicmetaclass.h"
 
+#include <cstdint>
 #include <memory>
-
-class ZTMetaClassBuilder;
 
 struct ZTMetaClassInfoBuilderPrivate {
     std::shared_ptr<ZTDynamicMetaClassInfo> descriptor;
@@ -14,13 +13,14 @@ struct ZTMetaEnumBuilderPrivate {
     std::shared_ptr<ZTDynamicMetaEnum> descriptor;
 };
 
-// `classBuilder` is an identity: it tells whether a property and an invokable belong together.
+// `builderIdentity` tells whether a property and an invokable belong to one class builder; it is 0
+// in a detached handle.
 struct ZTMetaInvokableBuilderPrivate {
     std::shared_ptr<ZTDynamicMetaInvokable> descriptor;
-    ZTMetaClassBuilder* classBuilder;
+    std::uint64_t builderIdentity;
 };
 
 struct ZTMetaPropertyBuilderPrivate {
     std::shared_ptr<ZTDynamicMetaProperty> descriptor;
-    ZTMetaClassBuilder* classBuilder;
+    std::uint64_t builderIdentity;
 };

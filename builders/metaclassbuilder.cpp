@@ -5,7 +5,7 @@
 #include <string>
 
 ZTMetaClassBuilder::ZTMetaClassBuilder(const ZTMetaClass* prototype)
-    : priv(new ZTMetaClassBuilderPrivate{std::make_unique<ZTDynamicMetaClass>()})
+    : priv(new ZTMetaClassBuilderPrivate)
 {
     if (prototype)
         copyMembers(*prototype);

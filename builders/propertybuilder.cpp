@@ -1,4 +1,5 @@
 #include "memberbuilderprivate.h"
+#include "metaclassbuilderprivate.h"
 
 #include <zintar/metaclassbuilder.h>
 #include <zintar/staticmetaclass.h>
@@ -13,14 +14,16 @@ ZTMetaPropertyBuilder::ZTMetaPropertyBuilder()
 ZTMetaPropertyBuilder::ZTMetaPropertyBuilder(ZTMetaClassBuilder* classBuilder,
                                              std::shared_ptr<ZTDynamicMetaProperty> descriptor,
                                              const ZTMetaProperty* prototype)
-    : priv(new ZTMetaPropertyBuilderPrivate{std::move(descriptor), classBuilder})
+    : priv(new ZTMetaPropertyBuilderPrivate{std::move(descriptor),
+                                            classBuilder ? classBuilder->priv->identity : 0})
 {
     if (!prototype)
         return;
     setName(prototype->name());
     setMetaType(prototype->metaType());
     copyFunctions(*prototype);
-    copyChangeEvent(*prototype);
+    if (classBuilder)
+        copyChangeEvent(*prototype, *classBuilder);
     for (unsigned int i = 0; i < prototype->propInfoCount(); ++i)
         addPropInfo(prototype->propInfoKey(i), prototype->propInfoValue(i));
 }
@@ -40,15 +43,16 @@ void ZTMetaPropertyBuilder::copyFunctions(const ZTMetaProperty& prototype)
 }
 
 /// By number: the invokables of the class under construction stand in the order of the prototype's.
-void ZTMetaPropertyBuilder::copyChangeEvent(const ZTMetaProperty& prototype)
+void ZTMetaPropertyBuilder::copyChangeEvent(const ZTMetaProperty& prototype,
+                                            ZTMetaClassBuilder& classBuilder)
 {
     int index = prototype.changeEventIndex();
-    if (index < 0 || !priv->classBuilder)
+    if (index < 0)
         return;
-    const ZTMetaClass* super = priv->classBuilder->superClass();
+    const ZTMetaClass* super = classBuilder.superClass();
     unsigned int inherited = super ? super->invokableCount() : 0;
     // An inherited event wraps round to a position that no class has, and links nothing.
-    setChangeEvent(priv->classBuilder->invokable(static_cast<unsigned int>(index) - inherited));
+    setChangeEvent(classBuilder.invokable(static_cast<unsigned int>(index) - inherited));
 }
 
 std::string_view ZTMetaPropertyBuilder::name() const { return priv->descriptor->name(); }
@@ -138,7 +142,7 @@ int ZTMetaPropertyBuilder::changeEventIndex() const { return priv->descriptor->c
 
 void ZTMetaPropertyBuilder::setChangeEvent(const ZTMetaInvokableBuilder& event)
 {
-    if (event.priv->classBuilder == priv->classBuilder)
+    if (event.priv->builderIdentity == priv->builderIdentity)
         priv->descriptor->m_changeEvent = event.priv->descriptor;
 }
 

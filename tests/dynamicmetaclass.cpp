@@ -101,9 +101,9 @@ TEST_F(RunTimeClass, HandlersAreCheckedAgainstItsEvents)
     EXPECT_FALSE(ZTBase::subscribe(&account, invokable("deposit"), &other, [] {}));
 }
 
-TEST_F(RunTimeClass, EventIsFoundInTheClassOfTheObject)
+TEST_F(RunTimeClass, EventIsRaisedByItsOwnDescriptorAlone)
 {
-    // The event stands elsewhere in a copy of the class, and no more in a third.
+    // The same event stands elsewhere in another class.
     ZTMetaClassBuilder builder;
     builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
     builder.addInvokable().setName("first");
@@ -116,7 +116,7 @@ TEST_F(RunTimeClass, EventIsFoundInTheClassOfTheObject)
                                     [&](double value) { heard.push_back(value); });
     copy->invokable<void()>("balanceChanged")->invoke(&moved, 1.0);
     invokable("balanceChanged")->invoke(&moved, 2.0);
-    EXPECT_EQ(heard, (std::vector<double>{1.0, 2.0}));
+    EXPECT_EQ(heard, (std::vector<double>{1.0}));
 }
 
 TEST_F(RunTimeClass, OverloadsAreToldApartByTheirTypesAlone)

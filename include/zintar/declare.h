@@ -60,7 +60,7 @@ public:                                                                         
                   "it.");                                                                          \
     _Pragma("GCC diagnostic push") ZT_DETAIL_NO_OVERRIDE_WARNING [[nodiscard]] const ZTMetaClass*  \
     metaClass() const;                                                                             \
-    [[nodiscard]] const ZTMetaClass* baseMetaClass() const;                                        \
+    [[nodiscard, maybe_unused]] const ZTMetaClass* baseMetaClass() const;                          \
     _Pragma("GCC diagnostic pop") [[nodiscard]] static const ZTMetaClass& typeMetaClass();         \
                                                                                                    \
 private:                                                                                           \

@@ -126,8 +126,9 @@ public:
     /// Arguments that do not fit are told in the log and arrive as default values. Given one that
     /// takes the variants themselves, `(const ZTVariant& object, const ZTArgumentArray&)`, it
     /// leaves the types to the other setters.
-    /// @param key  by which `ZTMetaClass::indexOfInvokable(void*)` finds the invokable; only
-    ///             compared, never looked at
+    /// @param key  by which `ZTMetaClass::indexOfInvokable(void*)` finds the invokable. It is only
+    ///             compared here; a declared super class that is asked for a key which this class
+    ///             does not have takes it for the address of a pointer to a member function.
     template <class Callable>
     void setFunction(Callable callable, void* key = nullptr)
     {
@@ -249,7 +250,7 @@ private:
     void setUntypedGetter(zt::detail::GetterFunction getter);
     void setUntypedSetter(zt::detail::SetterFunction setter);
     void copyFunctions(const ZTMetaProperty& prototype);
-    void copyChangeEvent(const ZTMetaProperty& prototype);
+    void copyChangeEvent(const ZTMetaProperty& prototype, ZTMetaClassBuilder& classBuilder);
 
     ZTMetaPropertyBuilderPrivate* priv;
 };
@@ -314,6 +315,8 @@ public:
     [[nodiscard]] int propertyCount() const;
 
 private:
+    friend class ZTMetaInvokableBuilder;
+    friend class ZTMetaPropertyBuilder;
     void copyMembers(const ZTMetaClass& prototype);
 
     ZTMetaClassBuilderPrivate* priv;

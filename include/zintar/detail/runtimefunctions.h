@@ -3,9 +3,9 @@
 #include <zintar/detail/calls.h>
 
 #include <functional>
-#include <memory>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 /// @file
 /// Callables of the host as the functions of a class made at run time.
@@ -70,10 +70,6 @@ SetterFunction wrapSetter(Callable callable, Parameters<P>)
         });
     };
 }
-
-/// A function that raises the event for which it is the function, whatever index the event has in
-/// the class of the object; `key` finds it there.
-[[nodiscard]] ZT_EXPORT InvokableFunction raisingFunction(std::shared_ptr<char> key);
 
 template <class... P>
 std::vector<const ZTMetaType*> typesOf(Parameters<P...>)
