@@ -19,6 +19,7 @@ void ZTBasePrivate::moveTo(ZTBase* newObject)
         blocker->object = newObject;
     pointReferencesTo(newObject);
     object = newObject;
+    isDying = false; // the object that was dying stays behind
 }
 
 void ZTBasePrivate::replace(ZTBase* object, ZTBasePrivate* newRecord)

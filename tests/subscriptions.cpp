@@ -1,6 +1,7 @@
 #include "support/hostclasses.h"
 
 #include <algorithm>
+#include <memory>
 #include <random>
 
 namespace
@@ -284,3 +285,25 @@ TEST_F(Subscription, MassesEndInAnyOrder)
     }
 }
 } // namespace
+
+namespace
+{
+int joined = 0;
+void countJoin(ZTBase*) { ++joined; }
+} // namespace
+
+TEST(SubscribedFunction, IsFoundAgainByItsValue)
+{
+    ZTBase parent;
+    ZTBase receiver;
+    const ZTMetaInvokable* event = ZTBase::typeMetaClass().invokable(2);
+    ZTBase::subscribe(&parent, event, &receiver, &countJoin);
+    auto owned = ZTBase::subscribe(&parent, event, &receiver,
+                                   [number = std::make_unique<int>(1)] { joined += *number; });
+    parent.childAdded(nullptr);
+    EXPECT_EQ(joined, 2);
+    EXPECT_TRUE(ZTBase::unsubscribe(&parent, event, &receiver, &countJoin));
+    parent.childAdded(nullptr);
+    EXPECT_EQ(joined, 3);
+    EXPECT_TRUE(owned);
+}

@@ -204,9 +204,9 @@ public:
         if constexpr (zt::detail::isInvokablePointer<Handler>)
             return subscribe(sender, descriptor, receiver, handler);
         else
-            return subscribeImpl(
-                sender, descriptor, receiver,
-                zt::detail::makeHandler<Receiver, zt::detail::EventParams<Event>>(handler));
+            return subscribeImpl(sender, descriptor, receiver,
+                                 zt::detail::makeHandler<Receiver, zt::detail::EventParams<Event>>(
+                                     std::move(handler)));
     }
 
     /// Subscribes a function, or a callable without captures, that no object's life bounds.
@@ -246,8 +246,7 @@ public:
     /// The same with member functions. A callable cannot be found again by its value: end its
     /// subscription through the handle.
     template <class Sender, class Event, class Handler>
-        requires(!(zt::detail::isInvokablePointer<Event> || std::is_null_pointer_v<Event>) ||
-                 zt::detail::isMemberPointer<Handler>)
+        requires(!(zt::detail::isInvokableOrNull<Event> && zt::detail::isInvokableOrNull<Handler>))
     static bool unsubscribe(Sender* sender, Event event, const ZTBase* receiver, Handler handler)
     {
         const ZTMetaInvokable* descriptor = nullptr;

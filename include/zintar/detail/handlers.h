@@ -199,6 +199,9 @@ template <class F>
 inline constexpr bool isInvokablePointer =
     std::is_pointer_v<F>&& std::is_convertible_v<F, const ZTMetaInvokable*>;
 
+template <class F>
+inline constexpr bool isInvokableOrNull = isInvokablePointer<F> || std::is_null_pointer_v<F>;
+
 /// A callable whose call operator is a template or an overload takes as many of the event's
 /// parameters as it can.
 template <class F, class... Taken>
