@@ -63,8 +63,8 @@ std::vector<std::size_t> endsOfRecords(const Sample& sample)
 std::string number(unsigned long long value, unsigned int bytes)
 {
     std::string text;
-    for (unsigned int i = 0; i < bytes; ++i)
-        text += static_cast<char>(value >> (8 * i) & 0xFF);
+    for (unsigned int i = 0; i < bytes; ++i, value >>= 8)
+        text += static_cast<char>(value & 0xFF);
     return text;
 }
 
