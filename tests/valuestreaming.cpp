@@ -97,7 +97,10 @@ struct Pin {
     explicit Pin(int n) : number(n) {}
     int number;
     friend ZTDataStream& operator<<(ZTDataStream& s, const Pin& v) { return s << v.number; }
-    friend ZTDataStream& operator>>(ZTDataStream& s, Pin& v) { return s >> v.number; }
+    [[maybe_unused]] friend ZTDataStream& operator>>(ZTDataStream& s, Pin& v)
+    {
+        return s >> v.number;
+    }
 };
 struct ReadOnly {
     int number = 0;
