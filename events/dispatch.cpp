@@ -70,14 +70,13 @@ bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)
     return true;
 }
 
-/// Whether the handler is a member function of the receiver's class, of which nothing is left once
-/// the destruction has reached `ZTBase`. A method that is called through its descriptor finds that
-/// out by itself.
-bool needsWholeReceiver(const ZTSubscriptionPrivate& subscription)
+/// Whether the handler can still be called on the receiver. A method that is called through its
+/// descriptor finds that out by itself.
+bool fitsReceiver(const ZTSubscriptionPrivate& subscription)
 {
     const auto* handler =
         dynamic_cast<const zt::detail::DescribedHandler*>(subscription.ownedHandler());
-    return handler && handler->isMemberFunction();
+    return !handler || handler->fits(*subscription.subscriber->object);
 }
 
 void callHandler(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event,
@@ -123,7 +122,7 @@ void ZTBasePrivate::dispatch(int index, ZTEventValues& values)
         ZTBasePrivate* subscriber = subscription->subscriber;
         if (subscriber && !subscriber->receivedEventBlockers.empty())
             continue;
-        if (subscriber && subscriber->isDying && needsWholeReceiver(*subscription))
+        if (subscriber && subscriber->mayHaveChangedClass && !fitsReceiver(*subscription))
             continue;
         if (subscription->event != event && !haveSameParameters(*subscription->event, *event))
             continue;

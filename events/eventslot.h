@@ -20,8 +20,9 @@
 // 5. Each delivery to a receiver stands on the receiver's stack of active events while the handler
 //    runs, and is taken off if the receiver is still there, also when the subscription has ended,
 //    and also when the handler throws.
-// 6. A receiver whose destruction has reached `ZTBase` is still subscribed, but member functions of
-//    its class are not called on what is left of it.
+// 6. A receiver whose destruction has reached `ZTBase`, or that a move has cut down to one of its
+//    base classes, is still subscribed, but member functions of its class are not called on what
+//    is left of it.
 // 7. A handler and what it captured may be deleted when the subscription ends; code of the host
 //    that runs then may come back here. So entries are taken out first and let go last.
 // 8. Ending a subscription costs the same however many the slot has: its record knows its

@@ -26,6 +26,8 @@ const ZTMetaType& DescribedHandler::parameterMetaType(unsigned int index) const
     return m_types[index]();
 }
 
+bool DescribedHandler::fits(const ZTBase&) const { return true; }
+
 bool ArrayHandler::isMemberFunction() const { return false; }
 
 bool ArrayHandler::isComparable() const { return false; }

@@ -147,7 +147,7 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
 ZTSubscription ZTBasePrivate::addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
     ZTBasePrivate* subscriber = record->subscriber;
-    if (isEnding || (subscriber && subscriber->isEnding))
+    if (stage == ZTLifeStage::Ending || (subscriber && subscriber->stage == ZTLifeStage::Ending))
         return {};
     eventSlot(record->eventIndex).add(record);
     if (subscriber) {

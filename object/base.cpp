@@ -14,7 +14,7 @@ ZTBase::ZTBase(ZTBase* parent)
     priv = record.release();
 }
 
-ZTBase::ZTBase(ZTBase&& other) noexcept : priv(std::exchange(other.priv, nullptr))
+ZTBase::ZTBase(ZTBase&& other) noexcept : priv(ZTBasePrivate::takeFrom(other))
 {
     if (priv)
         priv->moveTo(this);
@@ -22,15 +22,17 @@ ZTBase::ZTBase(ZTBase&& other) noexcept : priv(std::exchange(other.priv, nullptr
 
 ZTBase& ZTBase::operator=(ZTBase&& other) noexcept
 {
-    if (this != &other)
-        ZTBasePrivate::replace(this, std::exchange(other.priv, nullptr));
+    // An object whose own end has come so far has no use for another record.
+    if (this != &other && !(priv && priv->stage >= ZTLifeStage::TornDown))
+        ZTBasePrivate::replace(this, ZTBasePrivate::takeFrom(other));
     return *this;
 }
 
 ZTBase::~ZTBase()
 {
     if (priv) {
-        priv->isDying = true;
+        priv->stage = ZTLifeStage::Dying;
+        priv->mayHaveChangedClass = true;
         destroyed(this);
     }
     delete priv;

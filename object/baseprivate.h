@@ -13,6 +13,14 @@ struct ZTActiveEvent;
 struct ZTEventSlot;
 class ZTLifeWatch;
 
+/// How far the end of an object has come.
+enum class ZTLifeStage : unsigned char {
+    Alive,
+    Dying,    ///< the destruction has reached `ZTBase`: of what the object was, only that is left
+    TornDown, ///< the record is being destroyed and cannot be handed over
+    Ending    ///< the last step of that: nothing new is taken on
+};
+
 namespace zt::detail
 {
 struct TextHash {
@@ -56,6 +64,8 @@ struct ZTBasePrivate {
     void moveTo(ZTBase* newObject);
     /// Ends the record of an object that became another one by assignment.
     static void replace(ZTBase* object, ZTBasePrivate* newRecord);
+    /// Takes the record from an object that becomes another one; null if there is none to take.
+    static ZTBasePrivate* takeFrom(ZTBase& object);
 
     // References: references.cpp.
     /// From here on weak references read null.
@@ -102,10 +112,10 @@ struct ZTBasePrivate {
     bool isMoving = false;
     /// The object is out of its parent's list already, and the parent is still to be told.
     bool hasLeftParent = false;
-    /// The destruction has reached `ZTBase`: of what the object was, only that is left.
-    bool isDying = false;
-    /// The last step of the destruction has begun: nothing new is taken on.
-    bool isEnding = false;
+    /// The object may be of another class than when it was subscribed: it is dying, or was moved,
+    /// and a move may leave a part of what the object was behind.
+    bool mayHaveChangedClass = false;
+    ZTLifeStage stage = ZTLifeStage::Alive;
 };
 
 /// Tells on the stack whether a record is still there after a call into the host.

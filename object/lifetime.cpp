@@ -19,7 +19,14 @@ void ZTBasePrivate::moveTo(ZTBase* newObject)
         blocker->object = newObject;
     pointReferencesTo(newObject);
     object = newObject;
-    isDying = false; // the object that was dying stays behind
+    mayHaveChangedClass = true;
+    stage = ZTLifeStage::Alive; // the object that was dying stays behind
+}
+
+ZTBasePrivate* ZTBasePrivate::takeFrom(ZTBase& object)
+{
+    bool isWhole = object.priv && object.priv->stage < ZTLifeStage::TornDown;
+    return isWhole ? std::exchange(object.priv, nullptr) : nullptr;
 }
 
 void ZTBasePrivate::replace(ZTBase* object, ZTBasePrivate* newRecord)
@@ -44,6 +51,7 @@ void ZTBasePrivate::replace(ZTBase* object, ZTBasePrivate* newRecord)
 // so that a receiver that dies during one of the others is still taken out of the slots.
 ZTBasePrivate::~ZTBasePrivate()
 {
+    stage = ZTLifeStage::TornDown;
     endReceived();
     setParent(nullptr);
     deleteChildren();
@@ -52,7 +60,7 @@ ZTBasePrivate::~ZTBasePrivate()
     clearStrongReferences();
     while (activeEvents)
         activeEvents = activeEvents->receiverDied();
-    isEnding = true;
+    stage = ZTLifeStage::Ending;
     dynamicProperties.reset();
     // The callables that die here run code of the host, which may use the object for a last time.
     endSent();

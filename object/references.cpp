@@ -45,7 +45,7 @@ ZTStrongRefImpl::~ZTStrongRefImpl()
     // First, so that the object's end finds no block and has nothing to complain about.
     record->strongRefImpl = nullptr;
     // A reference that was taken while the object dies is not the one that ends it.
-    if (!record->isDying)
+    if (record->stage == ZTLifeStage::Alive)
         delete object;
 }
 } // namespace zt::detail

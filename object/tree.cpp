@@ -46,7 +46,8 @@ void ZTBasePrivate::setParent(ZTBase* newParent)
         if (!self.record())
             return;
     }
-    parent = target.record() && !target.record()->isEnding ? target.record() : nullptr;
+    parent =
+        target.record() && target.record()->stage < ZTLifeStage::Ending ? target.record() : nullptr;
     if (parent) {
         parent->children.push_back(object);
         parent->object->childAdded(object);

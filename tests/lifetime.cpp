@@ -252,4 +252,35 @@ TEST_F(Move, ChildBecomesItsSibling)
     EXPECT_EQ(treeOf(&p), "p(a c)");
     EXPECT_EQ(p.children()[0], b);
 }
+
+TEST_F(Move, DyingObjectHandsNothingOver)
+{
+    auto* p = watched("p");
+    auto* c = watched("c", p);
+    on(p, &ZTBase::childRemoved, [&](ZTBase* child) {
+        ZTBase heir(std::move(*child));
+        heir.setParent(p);
+        Named other("other");
+        *child = std::move(other);
+        EXPECT_EQ(treeOf(p) + nameOf(&other) + nameOf(child), "potherc");
+    });
+    delete c;
+    delete p;
+    EXPECT_EQ(diary.take(), "~c p-c ~p");
+}
+
+TEST_F(Move, MemberHandlersAreNotCalledOnWhatIsCutDownToTheBase)
+{
+    Speaker speaker;
+    Hearer hearer("h", diary);
+    ZTBase::subscribe(&speaker, &Speaker::said, &hearer, &Hearer::hear);
+    on(&speaker, &Speaker::said, [&] { diary.add("observer"); });
+    ZTBase part(static_cast<ZTBase&&>(hearer));
+    speaker.said(1);
+    EXPECT_EQ(diary.take(), "observer");
+    hearer = Hearer("again", diary);
+    ZTBase::subscribe(&speaker, &Speaker::said, &hearer, &Hearer::hear);
+    speaker.said(2);
+    EXPECT_EQ(diary.take(), "observer again:2");
+}
 } // namespace

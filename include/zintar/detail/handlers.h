@@ -38,6 +38,9 @@ struct ZT_EXPORT DescribedHandler : ZTHandlerBase {
     [[nodiscard]] std::string_view typeName() const final;
     [[nodiscard]] unsigned int parameterCount() const final;
     [[nodiscard]] const ZTMetaType& parameterMetaType(unsigned int index) const final;
+    /// Whether the object still is what a member function of the handler needs. Asked only where
+    /// it may have changed since it was subscribed.
+    [[nodiscard]] virtual bool fits(const ZTBase& subscriber) const;
 
 protected:
     /// Marks the handler as running.
@@ -111,6 +114,13 @@ public:
         const auto* other = static_cast<const HandlerKey*>(key);
         return other->type == typeid(Method) &&
                *static_cast<const Method*>(other->function) == m_method;
+    }
+    bool fits(const ZTBase& subscriber) const override
+    {
+        if constexpr (std::is_same_v<Receiver, ZTBase>)
+            return true;
+        else
+            return dynamic_cast<const Receiver*>(&subscriber) != nullptr;
     }
     void invoke(const ZTBase* subscriber, void*, void** arguments) override
     {
