@@ -33,3 +33,6 @@ need_packages() {
 build_packages=(g++ cmake ninja-build nlohmann-json3-dev)
 test_packages=("${build_packages[@]}" libgtest-dev libcli11-dev)
 clang_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
+bench_packages=("${build_packages[@]}" libbenchmark-dev python3)
+peer_packages=(pkg-config libboost-dev libboost-serialization-dev libsigc++-3.0-dev libglib2.0-dev
+    librttr-dev libcereal-dev)

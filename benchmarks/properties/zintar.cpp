@@ -1,0 +1,63 @@
+#include "measure.h"
+#include "properties/work.h"
+
+#include <zintar/zintar.h>
+
+namespace
+{
+#define LISTED(name) , zt::property<&Self::name, &Self::set_##name>()
+#define LEVEL(Class, Super, FIELDS)                                                                \
+    class Class : public Super                                                                     \
+    {                                                                                              \
+        ZT_OBJECT(Class, Super)                                                                    \
+        FIELDS(FIELD)                                                                              \
+        static constexpr auto members()                                                            \
+        {                                                                                          \
+            return zt::members(zt::info("level", #Class) FIELDS(LISTED));                          \
+        }                                                                                          \
+    };                                                                                             \
+    ZT_CLASS(Class)
+
+LEVEL(Item, ZTBase, ITEM_FIELDS)
+LEVEL(Control, Item, CONTROL_FIELDS)
+LEVEL(TextField, Control, TEXT_FIELDS)
+
+void byName(benchmark::State& state)
+{
+    TextField field;
+    int value = 0;
+    measure(state, [&] {
+        for (const char* name : propertyNames) {
+            field.setProperty(name, ++value);
+            int got = field.property<int>(name);
+            benchmark::DoNotOptimize(got);
+        }
+    });
+}
+BENCHMARK(byName)->Name("property_by_name/zintar");
+
+void found(benchmark::State& state)
+{
+    TextField field;
+    const ZTMetaProperty* property = field.metaClass()->property("rotation");
+    int value = 0;
+    measure(state, [&] {
+        property->set(ZTVariant(&field), ZTVariant(++value));
+        int got = ztVariantValue<int>(property->get(ZTVariant(&field)));
+        benchmark::DoNotOptimize(got);
+    });
+}
+BENCHMARK(found)->Name("property_found/zintar");
+
+void dynamic(benchmark::State& state)
+{
+    TextField field;
+    int value = 0;
+    measure(state, [&] {
+        field.setProperty("note", ++value, true);
+        int got = field.property<int>("note");
+        benchmark::DoNotOptimize(got);
+    });
+}
+BENCHMARK(dynamic)->Name("dynamic_property/zintar");
+} // namespace

@@ -1,0 +1,42 @@
+#include "receivers/lives.h"
+
+#include <zintar/zintar.h>
+
+namespace
+{
+class Sender : public ZTBase
+{
+    ZT_OBJECT(Sender, ZTBase)
+public:
+    void changed(int value) { sendEvent<&Self::changed>(value); }
+
+private:
+    static constexpr auto members() { return zt::members(zt::event<&Self::changed>()); }
+};
+
+class Receiver : public ZTBase
+{
+    ZT_OBJECT(Receiver, ZTBase)
+public:
+    void take(int value) { m_sum += value; }
+
+private:
+    static constexpr auto members() { return zt::members(); }
+    long m_sum = 0;
+};
+ZT_CLASS(Sender)
+ZT_CLASS(Receiver)
+
+void receivers(benchmark::State& state, std::size_t count, bool random)
+{
+    Sender sender;
+    liveAndDie<Receiver>(state, count, random, [&](Receiver& receiver) {
+        ZTBase::subscribe(&sender, &Sender::changed, &receiver, &Receiver::take);
+    });
+}
+BENCHMARK_CAPTURE(receivers, ordered30000, 30'000, false)->Name("receivers_ordered_30000/zintar");
+BENCHMARK_CAPTURE(receivers, random30000, 30'000, true)->Name("receivers_random_30000/zintar");
+BENCHMARK_CAPTURE(receivers, ordered300000, 300'000, false)
+    ->Name("receivers_ordered_300000/zintar");
+BENCHMARK_CAPTURE(receivers, random300000, 300'000, true)->Name("receivers_random_300000/zintar");
+} // namespace

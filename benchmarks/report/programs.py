@@ -1,0 +1,66 @@
+"""The benchmark programs, what is measured with them, and the table that shows it."""
+import json
+import os
+import subprocess
+import sys
+import tomllib
+from pathlib import Path
+
+BENCHMARKS = Path(__file__).resolve().parent.parent
+TARGETS = tomllib.loads((BENCHMARKS / "targets.toml").read_text())
+LIBRARIES = {"zintar": "ours", "raw": "raw limit", "std": "std", "sigc": "libsigc++",
+             "boost": "Boost", "gobject": "GObject", "rttr": "RTTR", "cereal": "cereal"}
+
+
+def run(program, pattern, options, environment=None):
+    """What a program measured: {operation: {library: result}}."""
+    command = [program, "--benchmark_format=json", f"--benchmark_filter=({pattern}).*/", *options]
+    done = subprocess.run(command, env=os.environ | (environment or {}), capture_output=True,
+                          text=True)
+    if done.returncode != 0:
+        sys.exit(f"{program.name} failed:\n{done.stderr}")
+    results = {}
+    for result in json.loads(done.stdout)["benchmarks"] if done.stdout.strip() else []:
+        if result.get("error_occurred"):
+            sys.exit(f"{result['name']}: {result['error_message']}")
+        operation, library = result["run_name"].split("/")[:2]
+        if result.get("aggregate_name", "median") == "median":
+            results.setdefault(operation, {})[library] = result
+    return results
+
+
+def run_timed(program, pattern):
+    """Medians of several repetitions, which alternate between the libraries."""
+    return run(program, pattern,
+               ["--benchmark_repetitions=7", "--benchmark_min_time=0.04",
+                "--benchmark_report_aggregates_only=true",
+                "--benchmark_enable_random_interleaving=true"])
+
+
+def run_counted(program, pattern):
+    """The counters, from a run in which malloc counts."""
+    return run(program, pattern, ["--benchmark_min_time=0.000001"], {
+        "LD_PRELOAD": str(program.resolve().parent / "libbench_allocations.so"),
+        # Or GLib keeps freed blocks in lists of its own, which malloc does not see.
+        "G_SLICE": "always-malloc",
+    })
+
+
+def measured_libraries(results):
+    """Those that measured any of the operations whose results these are."""
+    results = list(results)
+    return [library for library in LIBRARIES if any(library in own for own in results)]
+
+
+def print_table(head, rows):
+    widths = [max(len(row[i]) for row in [head, *rows]) for i in range(len(head))]
+
+    def line(row):
+        cells = [cell.rjust(width) for cell, width in zip(row[1:], widths[1:])]
+        return f"| {row[0].ljust(widths[0])} | {' | '.join(cells)} |"
+
+    rules = ["-" * (width + 1) + ":" for width in widths[1:]]
+    print(line(head))
+    print(f"|{'-' * (widths[0] + 2)}|{'|'.join(rules)}|")
+    for row in rows:
+        print(line(row))

@@ -1,0 +1,91 @@
+"""The table of times."""
+import sys
+
+from programs import LIBRARIES, TARGETS, measured_libraries, print_table, run_counted, run_timed
+
+OPERATIONS = {operation["id"]: operation for operation in TARGETS["operation"]}
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def measure(programs, pattern):
+    """{operation: {library: nanoseconds}} and {operation: our allocations}, of one operation."""
+    times, allocations = {}, {}
+    for program in programs:
+        for name, results in run_timed(program, pattern).items():
+            per = OPERATIONS[name].get("per", 1)
+            times[name] = {
+                library: result["cpu_time"] * NANOSECONDS[result["time_unit"]] / per
+                for library, result in results.items()}
+        for name, results in run_counted(program, pattern).items():
+            if "allocations" in results.get("zintar", {}):
+                per = OPERATIONS[name].get("per", 1)
+                allocations[name] = results["zintar"]["allocations"] / per
+    return times, allocations
+
+
+def written(nanoseconds):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("µs", 1e3)):
+        if nanoseconds >= size:
+            return f"{nanoseconds / size:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def judge(target, name, times, allocations):
+    """What was reached, what is asked, and whether it holds; None when it cannot be told."""
+    ours = times[name]["zintar"]
+    if "allocations" in target:
+        reached, asked = allocations.get(name), target["allocations"]
+        return (f"{reached:g} allocations", f"{asked} allocations", reached <= asked)
+    if "ns" in target:
+        return written(ours), f"{target['ns']:g} ns", ours <= target["ns"]
+    like, library = target.get("like", name), target.get("than", "zintar")
+    other = LIBRARIES[library] + ("" if like == name else f", {OPERATIONS[like]['short']}")
+    time = times.get(like, {}).get(library)
+    if "over" in target:
+        asked = f"{other} + {target['over']:g} ns"
+        reached = time and ours - time
+        return (f"{other} {reached:+.2f} ns" if time else "-", asked,
+                time and reached <= target["over"])
+    reached = time and ours / time
+    return (f"{reached:.2f} {other}" if time else "-", f"{target['ratio']:g} {other}",
+            time and reached <= target["ratio"])
+
+
+def verdict(judgements):
+    holds = [judgement[2] for judgement in judgements]
+    if not holds:
+        return "report"
+    if False in holds:
+        return "over"
+    return "not told" if None in holds else "ok"
+
+
+def row(operation, libraries, times, allocations):
+    name = operation["id"]
+    judgements = [judge(target, name, times, allocations)
+                  for target in operation.get("target", [])]
+    return [
+        operation["title"],
+        *(written(times[name][lib]) if lib in times[name] else "-" for lib in libraries),
+        f"{allocations[name]:.3g}" if name in allocations else "-",
+        "; ".join(judgement[0] for judgement in judgements) or "-",
+        "; ".join(judgement[1] for judgement in judgements) or "-",
+        verdict(judgements),
+    ]
+
+
+def report(build, pattern):
+    programs = sorted(path for path in build.glob("bench_*")
+                      if path.is_file() and path.name != "bench_memory")
+    times, allocations = measure(programs, pattern)
+    shown = [o for o in TARGETS["operation"] if "zintar" in times.get(o["id"], {})]
+    if not shown:
+        sys.exit(f"No operation is called {pattern}; see benchmarks/targets.toml.")
+    libraries = measured_libraries(times[operation["id"]] for operation in shown)
+    print_table(["operation", *(LIBRARIES[library] for library in libraries), "allocations",
+                 "reached", "target", "verdict"],
+                [row(operation, libraries, times, allocations) for operation in shown])
+    print("\nThe raw limit, row by row:\n")
+    for operation in shown:
+        if "raw" in operation:
+            print(f"- {operation['title']}: {operation['raw']}")

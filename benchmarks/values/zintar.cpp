@@ -1,0 +1,18 @@
+#include "values/work.h"
+
+#include <zintar/zintar.h>
+
+namespace
+{
+void copyInt(benchmark::State& state) { makeAndCopy<ZTVariant>(state, 42); }
+BENCHMARK(copyInt)->Name("value_int/zintar");
+
+void copyString(benchmark::State& state) { makeAndCopy<ZTVariant>(state, longText); }
+BENCHMARK(copyString)->Name("value_string/zintar");
+
+void takeInt(benchmark::State& state)
+{
+    take(state, ZTVariant(42), [](const ZTVariant& value) { return ztVariantValue<int>(value); });
+}
+BENCHMARK(takeInt)->Name("value_get/zintar");
+} // namespace
