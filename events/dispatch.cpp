@@ -1,22 +1,41 @@
 #include "eventslot.h"
 
+#include <zintar/detail/borrowedpointer.h>
 #include <zintar/log.h>
 
 #include <string>
 
+using zt::detail::ZTHandlerBase;
+
+namespace
+{
+bool hasEvent(const ZTBase& sender, int index)
+{
+    const ZTMetaClass* senderClass = sender.metaClass();
+    if (index >= 0 && static_cast<unsigned int>(index) < senderClass->invokableCount())
+        return true;
+    ztLog("Zintar Error: Cannot send event with out of bounds index " + std::to_string(index) +
+              " on object of type " + std::string(senderClass->typeName()) + ".",
+          ZTLogType::Error);
+    return false;
+}
+} // namespace
+
 void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
 {
-    if (!isHeard(index))
+    if (!hasEvent(*this, index))
         return;
-    ZTEventValues values(arguments);
-    priv->dispatch(index, values);
+    if (ZTEventSlot* slot = heardSlot(index)) {
+        ZTEventValues values(arguments);
+        priv->dispatch(*slot, index, values);
+    }
 }
 
-void ZTBase::sendValues(int index, const ZTMetaInvokable& declared, void** addresses,
-                        zt::detail::PackFunction pack) const
+void ZTBase::sendValues(ZTEventSlot& slot, int index, const ZTMetaInvokable& declared,
+                        void** addresses, zt::detail::PackFunction pack) const
 {
     ZTEventValues values(declared, addresses, pack);
-    priv->dispatch(index, values);
+    priv->dispatch(slot, index, values);
 }
 
 void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
@@ -25,35 +44,31 @@ void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
     sender.sendEvent(index, arguments);
 }
 
-bool ZTBase::isHeard(int index) const
+ZTEventSlot* ZTBase::heardSlot(int index) const
 {
-    const ZTMetaClass* senderClass = metaClass();
-    if (index < 0 || static_cast<unsigned int>(index) >= senderClass->invokableCount()) {
-        ztLog("Zintar Error: Cannot send event with out of bounds index " + std::to_string(index) +
-                  " on object of type " + std::string(senderClass->typeName()) + ".",
-              ZTLogType::Error);
-        return false;
-    }
-    if (!priv || !priv->sentEventBlockers.empty())
-        return false;
-    const ZTEventSlot* slot = priv->findSlot(index);
-    return slot && slot->listed > 0;
+    if (!priv || priv->sentEventBlockers)
+        return nullptr;
+    ZTEventSlot* slot = priv->findSlot(index);
+    return slot && slot->listed > 0 ? slot : nullptr;
 }
 
 ZTEventSlot* ZTBasePrivate::findSlot(int index) const
 {
     auto position = static_cast<std::size_t>(index);
-    return position < eventSlots.size() ? eventSlots[position].get() : nullptr;
+    return eventSlots && position < eventSlots->size() ? (*eventSlots)[position].get() : nullptr;
 }
 
 ZTEventSlot& ZTBasePrivate::eventSlot(int index)
 {
     auto position = static_cast<std::size_t>(index);
-    if (position >= eventSlots.size())
-        eventSlots.resize(position + 1);
-    if (!eventSlots[position])
-        eventSlots[position] = std::make_unique<ZTEventSlot>();
-    return *eventSlots[position];
+    if (!eventSlots)
+        eventSlots = std::make_unique<std::vector<std::unique_ptr<ZTEventSlot>>>();
+    if (position >= eventSlots->size())
+        eventSlots->resize(position + 1);
+    auto& slot = (*eventSlots)[position];
+    if (!slot)
+        slot = std::make_unique<ZTEventSlot>();
+    return *slot;
 }
 
 namespace
@@ -62,6 +77,8 @@ namespace
 /// They differ when the object got another class in between.
 bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)
 {
+    if (&a == &b)
+        return true;
     if (a.parameterCount() != b.parameterCount())
         return false;
     for (unsigned int i = 0; i < a.parameterCount(); ++i)
@@ -74,64 +91,78 @@ bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)
 /// descriptor finds that out by itself.
 bool fitsReceiver(const ZTSubscriptionPrivate& subscription)
 {
-    const auto* handler =
-        dynamic_cast<const zt::detail::DescribedHandler*>(subscription.ownedHandler());
-    return !handler || handler->fits(*subscription.subscriber->object);
+    const ZTHandlerBase* handler = subscription.ownedHandler();
+    return !handler || !handler->description ||
+           static_cast<const zt::detail::DescribedHandler*>(handler)->fits(
+               *subscription.subscriber->object);
 }
 
-void callHandler(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event,
-                 ZTEventValues& values)
+/// Hands a handler that a host wrote on its own no more values than it takes.
+void callForeignHandler(ZTHandlerBase& handler, const ZTBase* subscriber,
+                        const ZTMetaInvokable& event, ZTEventValues& values)
 {
-    // The record may go during the call: what is needed of it is taken before.
-    const ZTBase* subscriber = subscription.subscriber ? subscription.subscriber->object : nullptr;
-    zt::detail::ZTHandlerBase* handler = subscription.ownedHandler();
-    if (!handler) {
-        const auto* invokable = std::get<const ZTMetaInvokable*>(subscription.handler);
-        invokable->invoke(ZTVariant(subscriber), values.array());
-        return;
-    }
-    if (subscription.arrayHandler) {
-        subscription.arrayHandler->invokeWith(values.array());
-        return;
-    }
-    const ZTBase* target = handler->isMemberFunction() ? subscriber : nullptr;
-    void** addresses = values.addresses(event);
-    if (subscription.parameterCount == event.parameterCount()) {
-        handler->invoke(target, nullptr, addresses);
-        return;
-    }
     void* leading[zt::detail::maxParamCount] = {};
-    for (unsigned int i = 0; i < subscription.parameterCount; ++i)
-        leading[i] = addresses[i];
-    handler->invoke(target, nullptr, leading);
+    for (unsigned int i = 0; i < handler.parameterCount(); ++i)
+        leading[i] = values.addresses(event)[i];
+    handler.invoke(handler.isMemberFunction() ? subscriber : nullptr, nullptr, leading);
+}
+
+void callHandler(const ZTSlotEntry& entry, const ZTMetaInvokable& event, ZTEventValues& values)
+{
+    const ZTBase* subscriber = entry.subscriber ? entry.subscriber->object : nullptr;
+    ZTHandlerBase* handler = entry.record->ownedHandler();
+    if (!handler) {
+        const auto* invokable = std::get<const ZTMetaInvokable*>(entry.record->handler);
+        invokable->invoke(zt::detail::BorrowedPointer(subscriber), values.array());
+    } else if (entry.typedHandler) {
+        handler->invoke(subscriber, nullptr, values.addresses(event));
+    } else if (handler->description) {
+        static_cast<zt::detail::ArrayHandler*>(handler)->invokeWith(values.array());
+    } else {
+        callForeignHandler(*handler, subscriber, event, values);
+    }
+}
+
+/// Whether nothing stands between the event and a member function or a callable of the receiver.
+bool isPlain(const ZTSlotEntry& entry)
+{
+    return entry.typedHandler && entry.subscriber && !entry.subscriber->receivedEventBlockers &&
+           !entry.subscriber->mayHaveChangedClass;
+}
+
+/// Whether a subscription that is not plain is to be called now.
+bool isReached(const ZTSlotEntry& entry, const ZTMetaInvokable& event)
+{
+    if (!entry.record || !haveSameParameters(*entry.record->event, event))
+        return false;
+    const ZTBasePrivate* subscriber = entry.subscriber;
+    return !subscriber || (!subscriber->receivedEventBlockers &&
+                           (!subscriber->mayHaveChangedClass || fitsReceiver(*entry.record)));
 }
 } // namespace
 
-void ZTBasePrivate::dispatch(int index, ZTEventValues& values)
+// What a handler may end, and what may move meanwhile, is not used behind its call.
+void ZTBasePrivate::dispatch(ZTEventSlot& slot, int index, ZTEventValues& values)
 {
-    const ZTMetaInvokable* event = object->metaClass()->invokable(index);
-    ZTEventSlot* slot = findSlot(index);
-    if (!event || !slot)
+    const ZTMetaInvokable* event = slot.eventOf(*object, index);
+    if (!event) {
+        (void)hasEvent(*object, index); // says what is wrong
         return;
+    }
     values.fitTo(*event);
-    ZTDelivery delivery(*this, *slot);
-    for (std::size_t i = 0; i < delivery.end(); ++i) {
-        const ZTSubscriptionPrivate* subscription = slot->subscriptions[i].get();
-        if (!subscription)
-            continue;
-        ZTBasePrivate* subscriber = subscription->subscriber;
-        if (subscriber && !subscriber->receivedEventBlockers.empty())
-            continue;
-        if (subscriber && subscriber->mayHaveChangedClass && !fitsReceiver(*subscription))
-            continue;
-        if (subscription->event != event && !haveSameParameters(*subscription->event, *event))
-            continue;
-        {
-            ZTActiveEvent active(index, event, delivery, subscriber);
-            callHandler(*subscription, *event, values);
+    ZTDelivery delivery(*this, slot, index, *event);
+    const bool isOfEvent = slot.isOf(*event);
+    for (std::size_t i = 0; i < delivery.end() && delivery.sender(); ++i) {
+        const ZTSlotEntry& entry = slot.subscriptions[i];
+        if (isOfEvent && isPlain(entry)) [[likely]] {
+            delivery.enterReceiver(*entry.subscriber);
+            entry.typedHandler->invoke(entry.subscriber->object, nullptr, values.addresses(*event));
+        } else if (isReached(entry, *event)) {
+            if (entry.subscriber)
+                delivery.enterReceiver(*entry.subscriber);
+            callHandler(entry, *event, values);
         }
-        if (!delivery.sender())
-            return;
+        delivery.leaveReceiver();
     }
 }
 
@@ -146,20 +177,16 @@ void ZTEventValues::fitTo(const ZTMetaInvokable& event)
 const ZTArgumentArray& ZTEventValues::array()
 {
     if (!m_array) {
-        m_packed = std::make_unique<ZTArgumentArray>();
+        m_array = &m_packed.emplace();
         m_pack(m_addresses, *m_packed);
-        m_array = m_packed.get();
     }
     return *m_array;
 }
 
-void** ZTEventValues::addresses(const ZTMetaInvokable& event)
+void** ZTEventValues::makeAddresses(const ZTMetaInvokable& event)
 {
-    if (!m_addresses) {
-        collectAddresses(event);
-        m_addresses = m_collected;
-    }
-    return m_addresses;
+    collectAddresses(event);
+    return m_addresses = m_collected;
 }
 
 /// A value of another type than the event declares is not handed to a handler as if it were one.
@@ -178,15 +205,17 @@ void ZTEventValues::collectAddresses(const ZTMetaInvokable& event)
 
 const ZTMetaInvokable* ZTBase::activeEvent() const
 {
-    return priv && priv->activeEvents ? priv->activeEvents->event : nullptr;
+    return priv && priv->activeEvents ? priv->activeEvents->event() : nullptr;
 }
 
 int ZTBase::activeEventIndex() const
 {
-    return priv && priv->activeEvents ? priv->activeEvents->index : -1;
+    return priv && priv->activeEvents ? priv->activeEvents->index() : -1;
 }
 
 ZTBase* ZTBase::eventSender() const
 {
-    return priv && priv->activeEvents ? priv->activeEvents->sender() : nullptr;
+    const ZTBasePrivate* sender =
+        priv && priv->activeEvents ? priv->activeEvents->sender() : nullptr;
+    return sender ? sender->object : nullptr;
 }

@@ -2,7 +2,7 @@
 
 #include "../object/baseprivate.h"
 
-#include <algorithm>
+#include <utility>
 
 ZTEventBlocker::ZTEventBlocker(ZTBase* blocked, bool blocksSent)
     : object(blocked), blockSent(blocksSent)
@@ -25,7 +25,7 @@ ZTEventBlocker::~ZTEventBlocker() { leave(); }
 
 namespace
 {
-std::vector<ZTEventBlocker*>& blockersOf(ZTBasePrivate& record, bool sent)
+ZTEventBlocker*& blockersOf(ZTBasePrivate& record, bool sent)
 {
     return sent ? record.sentEventBlockers : record.receivedEventBlockers;
 }
@@ -33,31 +33,33 @@ std::vector<ZTEventBlocker*>& blockersOf(ZTBasePrivate& record, bool sent)
 
 void ZTEventBlocker::enter()
 {
-    if (ZTBasePrivate* record = ZTBasePrivate::of(object))
-        blockersOf(*record, blockSent).push_back(this);
+    ZTBasePrivate* record = ZTBasePrivate::of(object);
+    if (record)
+        next = std::exchange(blockersOf(*record, blockSent), this);
     else
         object = nullptr; // moved from: it will not tell when it dies
 }
 
 void ZTEventBlocker::leave()
 {
-    if (ZTBasePrivate* record = ZTBasePrivate::of(object))
-        std::erase(blockersOf(*record, blockSent), this);
+    ZTBasePrivate* record = ZTBasePrivate::of(object);
+    if (!record)
+        return;
+    ZTEventBlocker** link = &blockersOf(*record, blockSent);
+    while (*link != this)
+        link = &(*link)->next;
+    *link = next;
 }
 
 void ZTBasePrivate::clearBlockers()
 {
-    for (bool sent : {true, false}) {
-        auto& blockers = blockersOf(*this, sent);
-        for (ZTEventBlocker* blocker : blockers)
-            blocker->object = nullptr;
-        blockers.clear();
-    }
+    for (bool sent : {true, false})
+        while (ZTEventBlocker*& first = blockersOf(*this, sent)) {
+            first->object = nullptr;
+            first = first->next;
+        }
 }
 
-bool ZTBase::isBlockingSentEvents() const { return priv && !priv->sentEventBlockers.empty(); }
+bool ZTBase::isBlockingSentEvents() const { return priv && priv->sentEventBlockers; }
 
-bool ZTBase::isBlockingReceivedEvents() const
-{
-    return priv && !priv->receivedEventBlockers.empty();
-}
+bool ZTBase::isBlockingReceivedEvents() const { return priv && priv->receivedEventBlockers; }

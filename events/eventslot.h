@@ -4,6 +4,7 @@
 #include "subscriptionprivate.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 // The rules of re-entrancy. A handler may destroy the sender, its own or any other receiver, may
@@ -11,7 +12,7 @@
 //
 // 1. Receivers are called in the order of their subscribing.
 // 2. What is unsubscribed, or whose receiver has died, is not called any more, at once. Its entry
-//    becomes null; positions do not change while a delivery of the slot runs.
+//    becomes empty; positions do not change while a delivery of the slot runs.
 // 3. What is subscribed while the slot is being delivered goes behind the end that the outermost
 //    delivery has fixed, and takes part from the next send on that is not within that delivery. A
 //    nested send of the same event walks the same range.
@@ -26,9 +27,18 @@
 // 7. A handler and what it captured may be deleted when the subscription ends; code of the host
 //    that runs then may come back here. So entries are taken out first and let go last.
 // 8. Ending a subscription costs the same however many the slot has: its record knows its
-//    position. Null entries are compacted when they outnumber the others, and no delivery runs.
+//    position. Empty entries are compacted when they outnumber the others, and no delivery runs.
 
 class ZTDelivery;
+
+/// A subscription in a slot, with what a delivery looks at beside it: the records of the
+/// subscriptions lie scattered.
+struct ZTSlotEntry {
+    std::shared_ptr<ZTSubscriptionPrivate> record;
+    ZTBasePrivate* subscriber = nullptr;
+    /// The handler, if it is called with the addresses of the event's values.
+    zt::detail::ZTHandlerBase* typedHandler = nullptr;
+};
 
 /// The subscribers of one event of one sender.
 struct ZTEventSlot {
@@ -36,87 +46,88 @@ struct ZTEventSlot {
     /// Takes the entry out; the caller lets the record go when nothing is left to do here.
     [[nodiscard]] std::shared_ptr<ZTSubscriptionPrivate> take(const ZTSubscriptionPrivate& record);
     void compactIfIdle();
+    /// The event by the class that the sender has now; null if there is none with that index.
+    const ZTMetaInvokable* eventOf(const ZTBase& sender, int index);
+    /// Whether all subscriptions were made to that very event.
+    [[nodiscard]] bool isOf(const ZTMetaInvokable& event) const
+    {
+        return m_subscribed == &event && !m_isMixed;
+    }
 
-    /// In the order of delivery; null where a subscription has ended.
-    std::vector<std::shared_ptr<ZTSubscriptionPrivate>> subscriptions;
-    /// How many entries are not null.
+    /// In the order of delivery; empty where a subscription has ended.
+    std::vector<ZTSlotEntry> subscriptions;
+    /// How many entries are not empty.
     std::size_t listed = 0;
     /// The innermost delivery that walks this slot; null when it is idle.
     ZTDelivery* dispatching = nullptr;
+
+private:
+    // The last answer of `eventOf`.
+    const ZTMetaClass* m_class = nullptr;
+    const ZTMetaInvokable* m_event = nullptr;
+    /// The event of the first subscription, and whether there was ever one to another event.
+    const ZTMetaInvokable* m_subscribed = nullptr;
+    bool m_isMixed = false;
 };
 
-/// A walk over a slot, on the stack of the slot's deliveries.
+/// A walk over a slot: on the stack of the slot's deliveries, and while it calls a handler, on the
+/// stack of the receiver's active events.
 class ZTDelivery
 {
 public:
-    ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot)
-        : m_sender(&sender),
-          m_slot(slot),
-          m_outer(slot.dispatching),
-          m_end(m_outer ? m_outer->m_end : slot.subscriptions.size())
-    {
-        slot.dispatching = this;
-    }
+    ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, int index, const ZTMetaInvokable& event);
     ZTDelivery(const ZTDelivery&) = delete;
     ZTDelivery& operator=(const ZTDelivery&) = delete;
     ~ZTDelivery()
     {
+        leaveReceiver(); // when a handler has thrown
         if (!m_sender)
             return;
         m_slot.dispatching = m_outer;
-        m_slot.compactIfIdle();
+        if (m_slot.listed < m_slot.subscriptions.size())
+            m_slot.compactIfIdle();
+    }
+
+    void enterReceiver(ZTBasePrivate& receiver)
+    {
+        m_receiver = &receiver;
+        m_below = receiver.activeEvents;
+        receiver.activeEvents = this;
+    }
+    void leaveReceiver()
+    {
+        if (m_receiver)
+            m_receiver->activeEvents = m_below;
+        m_receiver = nullptr;
     }
 
     /// Null once the sender has died; the slot is gone then.
     [[nodiscard]] ZTBasePrivate* sender() const { return m_sender; }
     [[nodiscard]] std::size_t end() const { return m_end; }
+    [[nodiscard]] int index() const { return m_index; }
+    [[nodiscard]] const ZTMetaInvokable* event() const { return &m_event; }
+
+    // Each gives the next one on the stack.
     ZTDelivery* senderDied()
     {
         m_sender = nullptr;
         return m_outer;
     }
+    ZTDelivery* receiverDied()
+    {
+        m_receiver = nullptr;
+        return m_below;
+    }
 
 private:
     ZTBasePrivate* m_sender;
     ZTEventSlot& m_slot;
+    int m_index;
+    const ZTMetaInvokable& m_event;
     ZTDelivery* m_outer;
     std::size_t m_end;
-};
-
-/// A delivery to one receiver, on the stack of the receiver.
-struct ZTActiveEvent {
-    ZTActiveEvent(int eventIndex, const ZTMetaInvokable* descriptor, const ZTDelivery& from,
-                  ZTBasePrivate* to)
-        : index(eventIndex), event(descriptor), delivery(from), receiver(to)
-    {
-        if (receiver) {
-            below = receiver->activeEvents;
-            receiver->activeEvents = this;
-        }
-    }
-    ZTActiveEvent(const ZTActiveEvent&) = delete;
-    ZTActiveEvent& operator=(const ZTActiveEvent&) = delete;
-    ~ZTActiveEvent()
-    {
-        if (receiver)
-            receiver->activeEvents = below;
-    }
-
-    [[nodiscard]] ZTBase* sender() const
-    {
-        return delivery.sender() ? delivery.sender()->object : nullptr;
-    }
-    ZTActiveEvent* receiverDied()
-    {
-        receiver = nullptr;
-        return below;
-    }
-
-    int index;
-    const ZTMetaInvokable* event;
-    const ZTDelivery& delivery;
-    ZTBasePrivate* receiver;
-    ZTActiveEvent* below = nullptr;
+    ZTBasePrivate* m_receiver = nullptr;
+    ZTDelivery* m_below = nullptr;
 };
 
 /// The values of an event on their way: as variants, or as the addresses of typed values. Each
@@ -132,15 +143,19 @@ struct ZTEventValues {
     /// the object has got another class since it was declared.
     void fitTo(const ZTMetaInvokable& event);
     const ZTArgumentArray& array();
-    void** addresses(const ZTMetaInvokable& event);
+    void** addresses(const ZTMetaInvokable& event)
+    {
+        return m_addresses ? m_addresses : makeAddresses(event);
+    }
 
 private:
+    void** makeAddresses(const ZTMetaInvokable& event);
     void collectAddresses(const ZTMetaInvokable& event);
 
     const ZTArgumentArray* m_array = nullptr;
     const ZTMetaInvokable* m_declared = nullptr;
     void** m_addresses = nullptr;
     zt::detail::PackFunction m_pack = nullptr;
-    std::unique_ptr<ZTArgumentArray> m_packed;
+    std::optional<ZTArgumentArray> m_packed;
     void* m_collected[zt::detail::maxParamCount] = {};
 };

@@ -6,24 +6,21 @@ namespace zt::detail
 {
 ZTHandlerBase::~ZTHandlerBase() = default;
 
-void DescribedHandler::operator delete(DescribedHandler* handler, std::destroying_delete_t)
+void DescribedHandler::end()
 {
-    if (handler->m_running > 0) {
-        handler->m_deleted = true;
-        return;
-    }
-    void* block = dynamic_cast<void*>(handler);
-    handler->~DescribedHandler();
-    ::operator delete(block);
+    if (m_running > 0)
+        m_ended = true;
+    else
+        delete this;
 }
 
-std::string_view DescribedHandler::typeName() const { return m_name; }
+std::string_view DescribedHandler::typeName() const { return description->name; }
 
-unsigned int DescribedHandler::parameterCount() const { return m_count; }
+unsigned int DescribedHandler::parameterCount() const { return description->parameterCount; }
 
 const ZTMetaType& DescribedHandler::parameterMetaType(unsigned int index) const
 {
-    return m_types[index]();
+    return description->types[index]();
 }
 
 bool DescribedHandler::fits(const ZTBase&) const { return true; }
@@ -38,7 +35,14 @@ bool ArrayHandler::equals(void*) const { return false; }
 void ArrayHandler::invoke(const ZTBase*, void*, void**) {}
 } // namespace zt::detail
 
-ZTSubscriptionPrivate::~ZTSubscriptionPrivate() { delete ownedHandler(); }
+ZTSubscriptionPrivate::~ZTSubscriptionPrivate()
+{
+    zt::detail::ZTHandlerBase* owned = ownedHandler();
+    if (owned && owned->description)
+        static_cast<zt::detail::DescribedHandler*>(owned)->end();
+    else
+        delete owned;
+}
 
 bool ZTSubscriptionPrivate::hasSameHandler(const ZTSubscriptionPrivate& other) const
 {

@@ -5,11 +5,6 @@
 #include <cstddef>
 #include <variant>
 
-namespace zt::detail
-{
-struct ArrayHandler;
-}
-
 /// One subscription, or a pattern to search for some, in which null means any.
 ///
 /// A record in a slot is shared between that slot alone and whoever locks a handle for a moment.
@@ -42,8 +37,4 @@ struct ZTSubscriptionPrivate {
     std::size_t position = 0;
     ZTSubscriptionPrivate* previous = nullptr;
     ZTSubscriptionPrivate* next = nullptr;
-    /// The owned handler, if it takes the argument array as a whole.
-    zt::detail::ArrayHandler* arrayHandler = nullptr;
-    /// How many of the event's values an owned handler takes.
-    unsigned int parameterCount = 0;
 };

@@ -59,13 +59,14 @@ bool checkParameters(const ZTMetaInvokable& event, const HandlerView& handler)
     for (unsigned int i = 0; i < handler.parameterCount(); ++i) {
         const ZTMetaType& taken = handler.parameterMetaType(i);
         const ZTMetaType& supplied = event.parameterMetaType(i);
+        if (taken && (&taken == &supplied || taken == supplied))
+            continue;
         std::string place = " at position " + std::to_string(i) + ". Event parameter type ";
         if (handler.handler && !taken)
             return fail(event, handler.title() + ". Parameter type not registered" + place +
                                    quoted(supplied) + ".");
-        if (!taken || taken != supplied)
-            return fail(event, handler.title() + ". Parameter type mismatch" + place +
-                                   quoted(supplied) + ", handler type " + quoted(taken) + ".");
+        return fail(event, handler.title() + ". Parameter type mismatch" + place +
+                               quoted(supplied) + ", handler type " + quoted(taken) + ".");
     }
     return true;
 }
@@ -92,18 +93,16 @@ bool canBeSubscribedTo(const ZTBase* sender, const ZTMetaInvokable* event)
 
 bool isMovedFrom(const ZTBase* object) { return object && !ZTBasePrivate::of(object); }
 
-std::shared_ptr<ZTSubscriptionPrivate> makeRecord(const ZTBase* sender,
-                                                  const ZTMetaInvokable& event,
-                                                  const ZTBase* subscriber,
-                                                  unsigned int parameterCount)
+std::shared_ptr<ZTSubscriptionPrivate>
+makeRecord(const ZTBase* sender, const ZTMetaInvokable& event, const ZTBase* subscriber)
 {
-    auto record = std::make_shared<ZTSubscriptionPrivate>();
+    using Allocator = zt::detail::BlockAllocator<ZTSubscriptionPrivate>;
+    auto record = std::allocate_shared<ZTSubscriptionPrivate>(Allocator());
     record->sender = ZTBasePrivate::of(sender);
     record->subscriber = ZTBasePrivate::of(subscriber);
     record->event = &event;
     record->active = true;
     record->eventIndex = event.index();
-    record->parameterCount = parameterCount;
     return record;
 }
 } // namespace
@@ -120,7 +119,7 @@ ZTSubscription ZTBase::subscribe(const ZTBase* sender, const ZTMetaInvokable* ev
     }
     if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
         return {};
-    auto record = makeRecord(sender, *event, subscriber, handler->parameterCount());
+    auto record = makeRecord(sender, *event, subscriber);
     record->handler = handler;
     return sender->priv->addSubscription(std::move(record));
 }
@@ -138,8 +137,7 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
     }
     if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
         return {};
-    auto record = makeRecord(sender, *event, subscriber, handler->parameterCount());
-    record->arrayHandler = dynamic_cast<zt::detail::ArrayHandler*>(handler);
+    auto record = makeRecord(sender, *event, subscriber);
     record->handler = owned.release();
     return sender->priv->addSubscription(std::move(record));
 }
@@ -198,9 +196,9 @@ std::shared_ptr<ZTSubscriptionPrivate> takeOut(ZTSubscriptionPrivate& record)
 void findMatching(const ZTEventSlot& slot, const ZTSubscriptionPrivate& pattern,
                   std::vector<ZTSubscriptionPrivate*>& found)
 {
-    for (const auto& entry : slot.subscriptions)
-        if (entry && entry->matches(pattern))
-            found.push_back(entry.get());
+    for (const ZTSlotEntry& entry : slot.subscriptions)
+        if (entry.record && entry.record->matches(pattern))
+            found.push_back(entry.record.get());
 }
 
 void findMatching(const ZTBasePrivate& subscriber, const ZTSubscriptionPrivate& pattern,
@@ -214,9 +212,11 @@ void findMatching(const ZTBasePrivate& subscriber, const ZTSubscriptionPrivate& 
 
 bool ZTBasePrivate::removeSubscriptions(const ZTSubscriptionPrivate& pattern)
 {
+    if (!eventSlots)
+        return false;
     std::vector<const ZTEventSlot*> slots;
     std::size_t listed = 0;
-    for (const auto& slot : eventSlots) {
+    for (const auto& slot : *eventSlots) {
         bool isAsked = !pattern.event || slot.get() == findSlot(pattern.event->index());
         if (slot && isAsked) {
             slots.push_back(slot.get());
@@ -293,18 +293,20 @@ void ZTBasePrivate::endReceived()
 
 void ZTBasePrivate::endSent()
 {
+    if (!eventSlots)
+        return;
     std::vector<std::shared_ptr<ZTSubscriptionPrivate>> ended;
-    for (const auto& slot : eventSlots) {
+    for (const auto& slot : *eventSlots) {
         if (!slot)
             continue;
         while (slot->dispatching)
             slot->dispatching = slot->dispatching->senderDied();
-        for (auto& entry : slot->subscriptions) {
-            if (!entry)
+        for (ZTSlotEntry& entry : slot->subscriptions) {
+            if (!entry.record)
                 continue;
-            unlinkFromSubscriber(*entry);
-            entry->active = false;
-            ended.push_back(std::move(entry));
+            unlinkFromSubscriber(*entry.record);
+            entry.record->active = false;
+            ended.push_back(std::move(entry.record));
         }
         slot->subscriptions.clear();
         slot->listed = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zintar/base.h>
+#include <zintar/detail/blocks.h>
 
 #include <functional>
 #include <memory>
@@ -9,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-struct ZTActiveEvent;
+class ZTDelivery;
 struct ZTEventSlot;
 class ZTLifeWatch;
 
@@ -44,7 +45,7 @@ using DynamicProperties = std::unordered_map<std::string, ZTVariant, TextHash, s
 ///    from its subscriber if it has one.
 /// 4. What runs on this thread and must know whether the record is still there is on one of its
 ///    stacks: `activeEvents`, `watches`, or the deliveries of a slot. The destruction tells them.
-struct ZTBasePrivate {
+struct ZTBasePrivate : zt::detail::InBlocks {
     explicit ZTBasePrivate(ZTBase* owner);
     ZTBasePrivate(const ZTBasePrivate&) = delete;
     ZTBasePrivate& operator=(const ZTBasePrivate&) = delete;
@@ -62,6 +63,8 @@ struct ZTBasePrivate {
 
     // Lifetime: lifetime.cpp.
     void moveTo(ZTBase* newObject);
+    /// Whether nothing refers to the object and it has nothing that has to be ended.
+    bool isAlone() const;
     /// Ends the record of an object that became another one by assignment.
     static void replace(ZTBase* object, ZTBasePrivate* newRecord);
     /// Takes the record from an object that becomes another one; null if there is none to take.
@@ -81,41 +84,44 @@ struct ZTBasePrivate {
     // Events, in the folder of that name.
     ZTEventSlot& eventSlot(int index);
     ZTEventSlot* findSlot(int index) const;
-    void dispatch(int index, struct ZTEventValues& values);
+    void dispatch(ZTEventSlot& slot, int index, struct ZTEventValues& values);
     ZTSubscription addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record);
     bool removeSubscriptions(const ZTSubscriptionPrivate& pattern);
     void endReceived();
     void endSent();
     void clearBlockers();
 
+    // What a delivery to the object looks at stands together.
     ZTBase* object;
+    /// The top of the deliveries in progress to this object.
+    ZTDelivery* activeEvents = nullptr;
+    /// The heads of two lists.
+    ZTEventBlocker* receivedEventBlockers = nullptr;
+    ZTEventBlocker* sentEventBlockers = nullptr;
+    /// The object may be of another class than when it was subscribed: it is dying, or was moved,
+    /// and a move may leave a part of what the object was behind.
+    bool mayHaveChangedClass = false;
+    ZTLifeStage stage = ZTLifeStage::Alive;
+    /// The object is between two parents; see `setParent`.
+    bool isMoving = false;
+    /// The object is out of its parent's list already, and the parent is still to be told.
+    bool hasLeftParent = false;
+
+    /// The subscriptions in which this object is the subscriber, through which it finds its
+    /// senders: the length of a list that runs through the records, and its head.
+    unsigned int senderCount = 0;
+    ZTSubscriptionPrivate* senders = nullptr;
+    /// By class-wide index; null where nobody ever subscribed, as a whole and one by one.
+    std::unique_ptr<std::vector<std::unique_ptr<ZTEventSlot>>> eventSlots;
     ZTBasePrivate* parent = nullptr;
     std::vector<ZTBase*> children;
     /// The control blocks of the references to the object; null while there are none. Not owned:
     /// a block lives for its references.
     zt::detail::ZTRefImpl* refImpl = nullptr;
     zt::detail::ZTStrongRefImpl* strongRefImpl = nullptr;
-    std::vector<ZTEventBlocker*> sentEventBlockers;
-    std::vector<ZTEventBlocker*> receivedEventBlockers;
-    /// By class-wide index; null where nobody ever subscribed.
-    std::vector<std::unique_ptr<ZTEventSlot>> eventSlots;
-    /// The subscriptions in which this object is the subscriber, through which it finds its
-    /// senders: the head of a list that runs through the records, and its length.
-    ZTSubscriptionPrivate* senders = nullptr;
-    std::size_t senderCount = 0;
     /// Null until the first one is set.
     std::unique_ptr<zt::detail::DynamicProperties> dynamicProperties;
-    /// The top of the deliveries in progress to this object.
-    ZTActiveEvent* activeEvents = nullptr;
     ZTLifeWatch* watches = nullptr;
-    /// The object is between two parents; see `setParent`.
-    bool isMoving = false;
-    /// The object is out of its parent's list already, and the parent is still to be told.
-    bool hasLeftParent = false;
-    /// The object may be of another class than when it was subscribed: it is dying, or was moved,
-    /// and a move may leave a part of what the object was behind.
-    bool mayHaveChangedClass = false;
-    ZTLifeStage stage = ZTLifeStage::Alive;
 };
 
 /// Tells on the stack whether a record is still there after a call into the host.

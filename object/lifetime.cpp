@@ -13,10 +13,9 @@ void ZTBasePrivate::moveTo(ZTBase* newObject)
 {
     if (parent)
         std::replace(parent->children.begin(), parent->children.end(), object, newObject);
-    for (ZTEventBlocker* blocker : sentEventBlockers)
-        blocker->object = newObject;
-    for (ZTEventBlocker* blocker : receivedEventBlockers)
-        blocker->object = newObject;
+    for (ZTEventBlocker* head : {sentEventBlockers, receivedEventBlockers})
+        for (ZTEventBlocker* blocker = head; blocker; blocker = blocker->next)
+            blocker->object = newObject;
     pointReferencesTo(newObject);
     object = newObject;
     mayHaveChangedClass = true;
@@ -47,13 +46,23 @@ void ZTBasePrivate::replace(ZTBase* object, ZTBasePrivate* newRecord)
     delete old;
 }
 
+bool ZTBasePrivate::isAlone() const
+{
+    return !parent && children.empty() && !senders && !eventSlots && !refImpl && !strongRefImpl &&
+           !sentEventBlockers && !receivedEventBlockers && !dynamicProperties && !activeEvents &&
+           !watches;
+}
+
 // The order is what hosts rely on. As a sender the object stays subscribed to until the last step,
 // so that a receiver that dies during one of the others is still taken out of the slots.
 ZTBasePrivate::~ZTBasePrivate()
 {
+    if (isAlone())
+        return;
     stage = ZTLifeStage::TornDown;
     endReceived();
-    setParent(nullptr);
+    if (parent)
+        setParent(nullptr);
     deleteChildren();
     clearWeakReferences();
     clearBlockers();

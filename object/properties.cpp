@@ -1,11 +1,13 @@
 #include "baseprivate.h"
 
+#include <zintar/detail/borrowedpointer.h>
+
 ZTVariant ZTBase::property(std::string_view name) const
 {
     if (!priv)
         return {};
     if (const ZTMetaProperty* declared = metaClass()->property(name))
-        return declared->get(ZTVariant(this));
+        return declared->get(zt::detail::BorrowedPointer(this));
     return priv->dynamicProperty(name);
 }
 
@@ -14,7 +16,7 @@ bool ZTBase::setProperty(std::string_view name, const ZTVariant& value, bool cre
     if (!priv)
         return false;
     if (const ZTMetaProperty* declared = metaClass()->property(name)) {
-        declared->set(ZTVariant(this), value);
+        declared->set(zt::detail::BorrowedPointer(this), value);
         return true;
     }
     if (createDynamic)

@@ -308,10 +308,10 @@ private:
     static bool unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                 const ZTBase* subscriber, void* key);
 
-    /// Whether a send of that event would reach anybody; reports an index out of range.
-    [[nodiscard]] bool isHeard(int index) const;
+    /// The subscribers of that event; null when a send would reach nobody.
+    [[nodiscard]] ZTEventSlot* heardSlot(int index) const;
     /// Sends values that are those of the event `declared`.
-    void sendValues(int index, const ZTMetaInvokable& declared, void** values,
+    void sendValues(ZTEventSlot& slot, int index, const ZTMetaInvokable& declared, void** values,
                     zt::detail::PackFunction pack) const;
 
     static zt::detail::ClassTable& ztTable();
@@ -353,14 +353,17 @@ struct TypedEvent<Event, Parameters<P...>> {
             static_assert((std::is_convertible_v<Arguments, Held<P>> && ...),
                           "sendEvent takes what converts to the parameters of the event.");
             int event = index();
-            if (!sender.isHeard(event))
+            if (event < 0)
+                sender.sendEvent(event, ZTArgumentArray()); // not listed: says so
+            ZTEventSlot* slot = sender.heardSlot(event);
+            if (!slot)
                 return;
             // Copies: a handler may change what the arguments refer to.
             std::tuple<Held<P>...> values(hold<P>(std::forward<Arguments>(arguments))...);
             std::apply(
                 [&](auto&... value) {
                     void* addresses[maxParamCount] = {&value...};
-                    sender.sendValues(event, descriptor(), addresses, &pack);
+                    sender.sendValues(*slot, event, descriptor(), addresses, &pack);
                 },
                 values);
         }

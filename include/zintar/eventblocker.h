@@ -29,4 +29,6 @@ private:
 
     ZTBase* object;
     bool blockSent;
+    /// In the list of the object.
+    ZTEventBlocker* next = nullptr;
 };

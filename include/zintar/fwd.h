@@ -45,6 +45,7 @@ class ZTMetaPropertyBuilder;
 struct ZTBasePrivate;
 struct ZTDynamicBasePrivate;
 struct ZTSubscriptionPrivate;
+struct ZTEventSlot;
 
 namespace zt::detail
 {

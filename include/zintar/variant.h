@@ -22,6 +22,8 @@ template <class T>
 using ValueType =
     std::conditional_t<isText<std::decay_t<T>>, std::string, Canonical<std::decay_t<T>>>;
 
+class BorrowedPointer;
+
 template <class T>
 concept VariantValue = !std::is_same_v<std::remove_cvref_t<T>, ZTVariant>;
 
@@ -104,6 +106,8 @@ public:
     [[nodiscard]] bool canConvert(const ZTMetaType& target) const;
 
 private:
+    friend class zt::detail::BorrowedPointer;
+
     [[nodiscard]] ZTPartialOrdering compare(const ZTVariant& other) const;
 
     const ZTMetaType* m_type;

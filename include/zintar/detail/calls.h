@@ -4,6 +4,7 @@
 #include <zintar/detail/signature.h>
 #include <zintar/typedvalue.h>
 
+#include <atomic>
 #include <cstddef>
 #include <type_traits>
 #include <typeinfo>
@@ -18,6 +19,24 @@ namespace zt::detail
 template <class C>
 inline constexpr bool isObjectClass = std::is_base_of_v<ZTBase, C>;
 
+/// Whether the object really is one of that class. Remembers the last class that was.
+template <class Class>
+bool isObjectOf(const ZTBase& object)
+{
+    if constexpr (std::is_same_v<Class, ZTBase>) {
+        return true;
+    } else {
+        static std::atomic<const std::type_info*> known = nullptr;
+        const std::type_info* type = &typeid(object);
+        if (known.load(std::memory_order_relaxed) == type)
+            return true;
+        if (!dynamic_cast<const Class*>(&object))
+            return false;
+        known.store(type, std::memory_order_relaxed);
+        return true;
+    }
+}
+
 /// The object that a variant points to, as the class that declares the member.
 ///
 /// A pointer goes along the class tree unchanged, so it may be to an object of another class, or to
@@ -26,18 +45,18 @@ inline constexpr bool isObjectClass = std::is_base_of_v<ZTBase, C>;
 template <class Object>
 Object* objectIn(const ZTVariant& object)
 {
-    auto* pointer = ztVariantValue<Object*>(object);
     using Class = std::remove_const_t<Object>;
-    if constexpr (!std::is_same_v<Class, ZTBase>) {
-        if (!pointer)
-            return nullptr;
-        // The `ZTBase` stands first in every object.
-        const void* address = pointer;
-        const auto* base = static_cast<const ZTBase*>(address);
-        if (typeid(*base) != typeid(Class) && !dynamic_cast<const Class*>(base)) {
-            warnFailedConversion(askedName<Object*>(), object.type());
-            return nullptr;
-        }
+    // The `ZTBase` stands first in every object.
+    if (&object.type() == &::ztMetaType<const ZTBase*>() && object.data()) {
+        auto* base = const_cast<ZTBase*>(*static_cast<const ZTBase* const*>(object.data()));
+        if (base && isObjectOf<Class>(*base))
+            return static_cast<Object*>(base);
+    }
+    auto* pointer = ztVariantValue<Object*>(object);
+    const void* address = pointer;
+    if (pointer && !isObjectOf<Class>(*static_cast<const ZTBase*>(address))) {
+        warnFailedConversion(askedName<Object*>(), object.type());
+        return nullptr;
     }
     return pointer;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/blocks.h>
 #include <zintar/detail/signature.h>
 #include <zintar/subscription.h>
 
@@ -14,8 +15,7 @@
 /// The handlers that the subscribe templates make: a member function on its receiver, or a
 /// callable.
 ///
-/// 1. A handler is deleted by the library when its subscription ends, which the handler itself may
-///    bring about while it runs.
+/// 1. A handler ends with its subscription, which the handler itself may bring about while it runs.
 /// 2. What it called stays alive until the call returns: the deletion of a running handler is put
 ///    off to the end of the outermost call.
 
@@ -27,13 +27,30 @@ struct HandlerKey {
     const void* function;
 };
 
+/// What all handlers of one kind have in common.
+struct HandlerDescription {
+    std::string_view name;
+    const TypeGetter* types;
+    unsigned int parameterCount;
+    bool takesArray; ///< it is an `ArrayHandler`
+};
+
+/// @tparam Handler   the class of handlers
+/// @tparam Callable  what they call, which names them in messages
+template <class Handler, class Callable, class Params>
+inline constexpr HandlerDescription handlerDescription{ztTypeName<Callable>(), Params::types,
+                                                       Params::count, Handler::takesArray};
+
 /// A handler that knows its parameters from a table, and can be deleted while it runs.
-struct ZT_EXPORT DescribedHandler : ZTHandlerBase {
-    DescribedHandler(std::string_view name, unsigned int count, const TypeGetter* types) noexcept
-        : m_name(name), m_types(types), m_count(count)
-    {}
-    /// Puts the deletion of a running handler off.
-    void operator delete(DescribedHandler* handler, std::destroying_delete_t);
+struct ZT_EXPORT DescribedHandler : ZTHandlerBase, InBlocks {
+    static constexpr bool takesArray = false;
+
+    explicit DescribedHandler(const HandlerDescription& handlers) noexcept
+    {
+        description = &handlers;
+    }
+    /// Deletes the handler, when it is not running any more.
+    void end();
 
     [[nodiscard]] std::string_view typeName() const final;
     [[nodiscard]] unsigned int parameterCount() const final;
@@ -55,7 +72,7 @@ protected:
         Call& operator=(const Call&) = delete;
         ~Call()
         {
-            if (--m_handler.m_running == 0 && m_handler.m_deleted)
+            if (--m_handler.m_running == 0 && m_handler.m_ended)
                 delete &m_handler;
         }
 
@@ -64,11 +81,8 @@ protected:
     };
 
 private:
-    std::string_view m_name;
-    const TypeGetter* m_types;
-    unsigned int m_count;
     unsigned int m_running = 0;
-    bool m_deleted = false;
+    bool m_ended = false;
 };
 
 /// What a handler gets where the sender gave no fitting value.
@@ -105,7 +119,7 @@ class MemberHandler final : public DescribedHandler
 
 public:
     explicit MemberHandler(Method method) noexcept
-        : DescribedHandler(ztTypeName<Method>(), Params::count, Params::types), m_method(method)
+        : DescribedHandler(handlerDescription<MemberHandler, Method, Params>), m_method(method)
     {}
     bool isMemberFunction() const override { return true; }
     bool isComparable() const override { return true; }
@@ -140,7 +154,7 @@ class CallableHandler final : public DescribedHandler
 {
 public:
     explicit CallableHandler(Callable callable)
-        : DescribedHandler(ztTypeName<Callable>(), Params::count, Params::types),
+        : DescribedHandler(handlerDescription<CallableHandler, Callable, Params>),
           m_callable(std::move(callable))
     {}
     bool isMemberFunction() const override { return false; }
@@ -169,6 +183,8 @@ private:
 
 /// A handler that takes the arguments as the sender packed them, whatever they are.
 struct ZT_EXPORT ArrayHandler : DescribedHandler {
+    static constexpr bool takesArray = true;
+
     using DescribedHandler::DescribedHandler;
     virtual void invokeWith(const ZTArgumentArray& arguments) = 0;
 
@@ -183,7 +199,8 @@ class ArrayCallableHandler final : public ArrayHandler
 {
 public:
     explicit ArrayCallableHandler(Callable callable)
-        : ArrayHandler(ztTypeName<Callable>(), 0, nullptr), m_callable(std::move(callable))
+        : ArrayHandler(handlerDescription<ArrayCallableHandler, Callable, Parameters<>>),
+          m_callable(std::move(callable))
     {}
     void invokeWith(const ZTArgumentArray& arguments) override
     {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zintar/datastream.h>
+#include <zintar/detail/blocks.h>
 #include <zintar/metatype.h>
 
 #include <concepts>
@@ -119,11 +120,12 @@ struct TypeFunctions {
     template <class... Arguments>
     static void* make(Arguments&&... arguments)
     {
-        return new T(std::forward<Arguments>(arguments)...);
+        return &(new BlockOf<T>(std::forward<Arguments>(arguments)...))->value;
     }
     static void* makeCopy(const void* source) { return make(*static_cast<const T*>(source)); }
-    static void* makeDefault() { return new T(); }
-    static void destroyBlock(void* block) { delete static_cast<T*>(block); }
+    static void* makeDefault() { return make(); }
+    // The value is the first thing in its block.
+    static void destroyBlock(void* block) { delete static_cast<BlockOf<T>*>(block); }
 
     /// Without one of the two a variant of the type may have no block, and say so with null.
     static constexpr bool mayLackBlock = !isCopyable<T> || !std::is_default_constructible_v<T>;
