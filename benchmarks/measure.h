@@ -26,6 +26,13 @@ void measure(benchmark::State& state, Operation&& operation)
 template <class Prepare, class Operation>
 void measure(benchmark::State& state, Prepare&& prepare, Operation&& operation)
 {
+    if (heapUse) {
+        auto prepared = prepare();
+        HeapUse before = heapUse();
+        operation(prepared);
+        state.counters["allocations"] =
+            static_cast<double>(heapUse().allocations - before.allocations);
+    }
     for (auto _ : state) {
         state.PauseTiming();
         auto prepared = prepare();

@@ -18,4 +18,6 @@ void receivers(benchmark::State& state, std::size_t count, bool random)
 }
 BENCHMARK_CAPTURE(receivers, ordered30000, 30'000, false)->Name("receivers_ordered_30000/sigc");
 BENCHMARK_CAPTURE(receivers, random30000, 30'000, true)->Name("receivers_random_30000/sigc");
+BENCHMARK_CAPTURE(receivers, ordered300000, 300'000, false)->Name("receivers_ordered_300000/sigc");
+BENCHMARK_CAPTURE(receivers, random300000, 300'000, true)->Name("receivers_random_300000/sigc");
 } // namespace

@@ -12,9 +12,15 @@ LIBRARIES = {"zintar": "ours", "raw": "raw limit", "std": "std", "sigc": "libsig
              "boost": "Boost", "gobject": "GObject", "rttr": "RTTR", "cereal": "cereal"}
 
 
-def run(program, pattern, options, environment=None):
-    """What a program measured: {operation: {library: result}}."""
-    command = [program, "--benchmark_format=json", f"--benchmark_filter=({pattern}).*/", *options]
+def run(program, pattern, options, libraries="", environment=None):
+    """What a program measured: {operation: {library: result}}.
+
+    `pattern` and `libraries` are regular expressions.
+    """
+    if sys.stderr.isatty():
+        print(f"\r{program.name:40}\r", end="", file=sys.stderr, flush=True)
+    command = [program, "--benchmark_format=json", f"--benchmark_filter=({pattern}).*/({libraries})",
+               *options]
     done = subprocess.run(command, env=os.environ | (environment or {}), capture_output=True,
                           text=True)
     if done.returncode != 0:
@@ -37,9 +43,9 @@ def run_timed(program, pattern):
                 "--benchmark_enable_random_interleaving=true"])
 
 
-def run_counted(program, pattern):
+def run_counted(program, pattern, libraries=""):
     """The counters, from a run in which malloc counts."""
-    return run(program, pattern, ["--benchmark_min_time=0.000001"], {
+    return run(program, pattern, ["--benchmark_min_time=0.000001"], libraries, {
         "LD_PRELOAD": str(program.resolve().parent / "libbench_allocations.so"),
         # Or GLib keeps freed blocks in lists of its own, which malloc does not see.
         "G_SLICE": "always-malloc",

@@ -16,10 +16,8 @@ def measure(programs, pattern):
             times[name] = {
                 library: result["cpu_time"] * NANOSECONDS[result["time_unit"]] / per
                 for library, result in results.items()}
-        for name, results in run_counted(program, pattern).items():
-            if "allocations" in results.get("zintar", {}):
-                per = OPERATIONS[name].get("per", 1)
-                allocations[name] = results["zintar"]["allocations"] / per
+        for name, results in run_counted(program, pattern, "zintar").items():
+            allocations[name] = results["zintar"]["allocations"] / OPERATIONS[name].get("per", 1)
     return times, allocations
 
 
@@ -34,12 +32,12 @@ def judge(target, name, times, allocations):
     """What was reached, what is asked, and whether it holds; None when it cannot be told."""
     ours = times[name]["zintar"]
     if "allocations" in target:
-        reached, asked = allocations.get(name), target["allocations"]
+        reached, asked = allocations[name], target["allocations"]
         return (f"{reached:g} allocations", f"{asked} allocations", reached <= asked)
     if "ns" in target:
         return written(ours), f"{target['ns']:g} ns", ours <= target["ns"]
     like, library = target.get("like", name), target.get("than", "zintar")
-    other = LIBRARIES[library] + ("" if like == name else f", {OPERATIONS[like]['short']}")
+    other = LIBRARIES[library] + ("" if like == name else f" {OPERATIONS[like]['short']}")
     time = times.get(like, {}).get(library)
     if "over" in target:
         asked = f"{other} + {target['over']:g} ns"
@@ -67,11 +65,21 @@ def row(operation, libraries, times, allocations):
     return [
         operation["title"],
         *(written(times[name][lib]) if lib in times[name] else "-" for lib in libraries),
-        f"{allocations[name]:.3g}" if name in allocations else "-",
+        f"{round(allocations[name], 2):g}",
         "; ".join(judgement[0] for judgement in judgements) or "-",
         "; ".join(judgement[1] for judgement in judgements) or "-",
         verdict(judgements),
     ]
+
+
+def print_raw_limits(operations):
+    titles = {}
+    for operation in operations:
+        if "raw" in operation:
+            titles.setdefault(operation["raw"], []).append(operation["title"])
+    print("\nThe raw limit is\n")
+    for raw, rows in titles.items():
+        print(f"- {raw}, for: {'; '.join(rows)}")
 
 
 def report(build, pattern):
@@ -85,7 +93,4 @@ def report(build, pattern):
     print_table(["operation", *(LIBRARIES[library] for library in libraries), "allocations",
                  "reached", "target", "verdict"],
                 [row(operation, libraries, times, allocations) for operation in shown])
-    print("\nThe raw limit, row by row:\n")
-    for operation in shown:
-        if "raw" in operation:
-            print(f"- {operation['title']}: {operation['raw']}")
+    print_raw_limits(shown)
