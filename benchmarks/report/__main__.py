@@ -13,7 +13,7 @@ import times
 
 def main():
     parser = argparse.ArgumentParser(prog="bench", description=__doc__)
-    parser.add_argument("programs", type=Path, help=argparse.SUPPRESS)
+    parser.add_argument("--programs", type=Path, required=True, help=argparse.SUPPRESS)
     parser.add_argument("filter", nargs="?", default=".*",
                         help="a regular expression: only the operations whose names in "
                              "benchmarks/targets.toml it matches")

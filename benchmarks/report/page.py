@@ -17,8 +17,9 @@ def output_of(*command):
 
 def print_machine():
     processors = re.findall(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text())
-    print(f"Measured at commit {output_of('git', 'rev-parse', '--short', 'HEAD')} on "
-          f"{len(processors)} x {processors[0] if processors else 'unknown'}, with GCC "
+    machine = f"{len(processors)} x {processors[0]}" if processors else "an unknown processor"
+    commit = output_of("git", "describe", "--always", "--dirty", "--exclude=*")
+    print(f"Measured at commit {commit} on {machine}, with GCC "
           f"{output_of('g++', '-dumpfullversion')}.")
 
 
