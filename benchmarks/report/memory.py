@@ -1,7 +1,5 @@
 """The table of what things hold of the heap."""
-import sys
-
-from programs import LIBRARIES, TARGETS, measured_libraries, print_table, run_counted
+from programs import LIBRARIES, measured_libraries, print_table, run_counted, select
 
 
 def held(result):
@@ -13,12 +11,10 @@ def held(result):
 
 
 def report(build, pattern):
-    results = run_counted(build / "bench_memory", pattern)
-    shown = [thing for thing in TARGETS["memory"] if thing["id"] in results]
-    if not shown:
-        sys.exit(f"No thing is called {pattern}; see benchmarks/targets.toml.")
+    things = select("memory", pattern)
+    results = run_counted(build / "bench_memory", [thing["id"] for thing in things])
     libraries = measured_libraries(results.values())
     print_table(["thing", *(LIBRARIES[library] for library in libraries)],
                 [[thing["title"], *(held(results[thing["id"]][library])
                                     if library in results[thing["id"]] else "-"
-                                    for library in libraries)] for thing in shown])
+                                    for library in libraries)] for thing in things])

@@ -1,6 +1,7 @@
 """The benchmark programs, what is measured with them, and the table that shows it."""
 import json
 import os
+import re
 import subprocess
 import sys
 import tomllib
@@ -12,15 +13,23 @@ LIBRARIES = {"zintar": "ours", "raw": "raw limit", "std": "std", "sigc": "libsig
              "boost": "Boost", "gobject": "GObject", "rttr": "RTTR", "cereal": "cereal"}
 
 
-def run(program, pattern, options, libraries="", environment=None):
-    """What a program measured: {operation: {library: result}}.
+def select(kind, pattern):
+    """The entries of a list of targets.toml whose names a regular expression matches."""
+    selected = [entry for entry in TARGETS[kind] if re.search(pattern, entry["id"])]
+    if not selected:
+        sys.exit(f"Nothing is called {pattern}; the names are in benchmarks/targets.toml.")
+    return selected
 
-    `pattern` and `libraries` are regular expressions.
+
+def run(program, names, options, libraries="", environment=None):
+    """What a program measured of the operations with these names: {name: {library: result}}.
+
+    `libraries` is a regular expression.
     """
     if sys.stderr.isatty():
         print(f"\r{program.name:40}\r", end="", file=sys.stderr, flush=True)
-    command = [program, "--benchmark_format=json", f"--benchmark_filter=({pattern}).*/({libraries})",
-               *options]
+    command = [program, "--benchmark_format=json",
+               f"--benchmark_filter=^({'|'.join(names)})/({libraries})", *options]
     done = subprocess.run(command, env=os.environ | (environment or {}), capture_output=True,
                           text=True)
     if done.returncode != 0:
@@ -29,23 +38,23 @@ def run(program, pattern, options, libraries="", environment=None):
     for result in json.loads(done.stdout)["benchmarks"] if done.stdout.strip() else []:
         if result.get("error_occurred"):
             sys.exit(f"{result['name']}: {result['error_message']}")
-        operation, library = result["run_name"].split("/")[:2]
+        name, library = result["run_name"].split("/")[:2]
         if result.get("aggregate_name", "median") == "median":
-            results.setdefault(operation, {})[library] = result
+            results.setdefault(name, {})[library] = result
     return results
 
 
-def run_timed(program, pattern):
+def run_timed(program, names):
     """Medians of several repetitions, which alternate between the libraries."""
-    return run(program, pattern,
+    return run(program, names,
                ["--benchmark_repetitions=7", "--benchmark_min_time=0.04",
                 "--benchmark_report_aggregates_only=true",
                 "--benchmark_enable_random_interleaving=true"])
 
 
-def run_counted(program, pattern, libraries=""):
+def run_counted(program, names, libraries=""):
     """The counters, from a run in which malloc counts."""
-    return run(program, pattern, ["--benchmark_min_time=0.000001"], libraries, {
+    return run(program, names, ["--benchmark_min_time=0.000001"], libraries, {
         "LD_PRELOAD": str(program.resolve().parent / "libbench_allocations.so"),
         # Or GLib keeps freed blocks in lists of its own, which malloc does not see.
         "G_SLICE": "always-malloc",

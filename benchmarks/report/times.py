@@ -1,22 +1,28 @@
 """The table of times."""
-import sys
-
-from programs import LIBRARIES, TARGETS, measured_libraries, print_table, run_counted, run_timed
+from programs import (LIBRARIES, TARGETS, measured_libraries, print_table, run_counted, run_timed,
+                      select)
 
 OPERATIONS = {operation["id"]: operation for operation in TARGETS["operation"]}
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
-def measure(programs, pattern):
-    """{operation: {library: nanoseconds}} and {operation: our allocations}, of one operation."""
+def with_compared(operations):
+    """The names of the operations and of those that their targets compare them with."""
+    names = {operation["id"] for operation in operations}
+    return names.union(target["like"] for operation in operations
+                       for target in operation.get("target", []) if "like" in target)
+
+
+def measure(programs, names):
+    """{name: {library: nanoseconds}} and {name: our allocations}, of one operation."""
     times, allocations = {}, {}
     for program in programs:
-        for name, results in run_timed(program, pattern).items():
+        for name, results in run_timed(program, names).items():
             per = OPERATIONS[name].get("per", 1)
             times[name] = {
                 library: result["cpu_time"] * NANOSECONDS[result["time_unit"]] / per
                 for library, result in results.items()}
-        for name, results in run_counted(program, pattern, "zintar").items():
+        for name, results in run_counted(program, names, "zintar").items():
             allocations[name] = results["zintar"]["allocations"] / OPERATIONS[name].get("per", 1)
     return times, allocations
 
@@ -38,15 +44,13 @@ def judge(target, name, times, allocations):
         return written(ours), f"{target['ns']:g} ns", ours <= target["ns"]
     like, library = target.get("like", name), target.get("than", "zintar")
     other = LIBRARIES[library] + ("" if like == name else f" {OPERATIONS[like]['short']}")
-    time = times.get(like, {}).get(library)
+    asked = f"{other} + {target['over']:g} ns" if "over" in target else f"{target['ratio']:g} {other}"
+    time = times[like].get(library)
+    if time is None:
+        return "-", asked, None
     if "over" in target:
-        asked = f"{other} + {target['over']:g} ns"
-        reached = time and ours - time
-        return (f"{other} {reached:+.2f} ns" if time else "-", asked,
-                time and reached <= target["over"])
-    reached = time and ours / time
-    return (f"{reached:.2f} {other}" if time else "-", f"{target['ratio']:g} {other}",
-            time and reached <= target["ratio"])
+        return f"{other} {ours - time:+.2f} ns", asked, ours - time <= target["over"]
+    return f"{ours / time:.2f} {other}", asked, ours / time <= target["ratio"]
 
 
 def verdict(judgements):
@@ -85,10 +89,8 @@ def print_raw_limits(operations):
 def report(build, pattern):
     programs = sorted(path for path in build.glob("bench_*")
                       if path.is_file() and path.name != "bench_memory")
-    times, allocations = measure(programs, pattern)
-    shown = [o for o in TARGETS["operation"] if "zintar" in times.get(o["id"], {})]
-    if not shown:
-        sys.exit(f"No operation is called {pattern}; see benchmarks/targets.toml.")
+    shown = select("operation", pattern)
+    times, allocations = measure(programs, with_compared(shown))
     libraries = measured_libraries(times[operation["id"]] for operation in shown)
     print_table(["operation", *(LIBRARIES[library] for library in libraries), "allocations",
                  "reached", "target", "verdict"],
