@@ -47,7 +47,7 @@ def run(program, names, options, libraries="", environment=None):
 def run_timed(program, names):
     """Medians of several repetitions, which alternate between the libraries."""
     return run(program, names,
-               ["--benchmark_repetitions=7", "--benchmark_min_time=0.04",
+               ["--benchmark_repetitions=11", "--benchmark_min_time=0.03",
                 "--benchmark_report_aggregates_only=true",
                 "--benchmark_enable_random_interleaving=true"])
 

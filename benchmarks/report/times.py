@@ -1,4 +1,7 @@
 """The table of times."""
+import os
+import sys
+
 from programs import (LIBRARIES, TARGETS, measured_libraries, print_table, run_counted, run_timed,
                       select)
 
@@ -86,7 +89,15 @@ def print_raw_limits(operations):
         print(f"- {raw}, for: {'; '.join(rows)}")
 
 
+def warn_if_busy():
+    load = os.getloadavg()[0]
+    if load > 0.5:
+        print(f"Other work is running here (load {load:.1f}): even ratios shift. Measure again when "
+              "it is done.", file=sys.stderr)
+
+
 def report(build, pattern):
+    warn_if_busy()
     programs = sorted(path for path in build.glob("bench_*")
                       if path.is_file() and path.name != "bench_memory")
     shown = select("operation", pattern)
