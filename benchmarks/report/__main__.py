@@ -3,6 +3,7 @@
 Without an option it is the time of each operation, against its target.
 """
 import argparse
+import signal
 from pathlib import Path
 
 import buildcosts
@@ -12,6 +13,7 @@ import times
 
 
 def main():
+    signal.signal(signal.SIGPIPE, signal.SIG_DFL)  # `bench | head` is no mistake
     parser = argparse.ArgumentParser(prog="bench", description=__doc__)
     parser.add_argument("--programs", type=Path, required=True, help=argparse.SUPPRESS)
     parser.add_argument("filter", nargs="?", default=".*",
