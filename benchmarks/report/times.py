@@ -92,8 +92,8 @@ def print_raw_limits(operations):
 def warn_if_busy():
     load = os.getloadavg()[0]
     if load > 0.5:
-        print(f"Other work is running here (load {load:.1f}): even ratios shift. Measure again when "
-              "it is done.", file=sys.stderr)
+        print(f"The machine was busy just now (load {load:.1f}). While other work runs even ratios "
+              "shift: measure again when it is idle.", file=sys.stderr)
 
 
 def report(build, pattern):
