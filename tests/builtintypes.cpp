@@ -183,13 +183,8 @@ TEST(BuiltInTypes, HoldAVariantInAVariant)
     EXPECT_EQ(compare(inner, ZTVariant(1)), ZTPartialOrdering::Greater);
 }
 
-TEST(BuiltInTypes, PointToTheLibrarysOwnClasses)
+TEST(BuiltInTypes, PrintPointersToObjectsAlone)
 {
-    EXPECT_EQ(ztMetaType<ZTBase*>().metaClass(), &ZTBase::typeMetaClass());
-    EXPECT_EQ(ztMetaType<const ZTBase*>().metaClass(), &ZTBase::typeMetaClass());
-    EXPECT_EQ(ztMetaType<ZTDynamicBase*>().metaClass(), &ZTDynamicBase::typeMetaClass());
-    EXPECT_EQ(ztMetaType<const ZTDynamicBase*>().metaClass(), &ZTDynamicBase::typeMetaClass());
-    EXPECT_EQ(ztMetaType<const ZTMetaClass*>().metaClass(), nullptr);
     const ZTBase* pointer = nullptr;
     const ZTMetaClass* metaClass = nullptr;
     std::ostringstream text;

@@ -1,3 +1,4 @@
+#include "support/describe.h"
 #include "support/hostclasses.h"
 
 namespace
@@ -7,40 +8,21 @@ using namespace host;
 const ZTMetaClass& root = ZTBase::typeMetaClass();
 const ZTMetaClass& dynamicRoot = ZTDynamicBase::typeMetaClass();
 
-std::string invokablesOf(const ZTMetaClass& metaClass)
-{
-    std::string text;
-    for (unsigned int i = 0; i < metaClass.invokableCount(); ++i)
-        text += textOf(*metaClass.invokable(i)) + "\n";
-    return text;
-}
-
 TEST(RootClasses, AreTheirEvents)
 {
-    const std::string text = ztMetaType<std::string>().name();
-    const std::string events = "event 0 void destroyed(struct ZTBase*)\n"
-                               "event 1 void dynamicPropertyChanged(" +
-                               text +
-                               ", struct ZTVariant)\n"
-                               "event 2 void childAdded(struct ZTBase*)\n"
-                               "event 3 void childRemoved(struct ZTBase*)\n";
-    EXPECT_EQ(invokablesOf(root), events);
-    EXPECT_EQ(invokablesOf(dynamicRoot),
-              events + "event 4 void metaClassInitialized(const struct ZTMetaClass*)\n");
-    for (unsigned int i = 0; i < 5; ++i)
-        EXPECT_EQ(dynamicRoot.invokable(i)->accessSpecifier(), ZTAccessSpecifier::Public);
-}
-
-TEST(RootClasses, StandAtTheTop)
-{
-    EXPECT_EQ(root.typeName(), "struct ZTBase");
-    EXPECT_EQ(dynamicRoot.typeName(), "struct ZTDynamicBase");
-    EXPECT_EQ(root.superClass(), nullptr);
+    EXPECT_EQ(support::describe(root), "struct ZTBase: -\n"
+                                       "event 0 void destroyed(struct ZTBase*), 2\n"
+                                       "event 1 void dynamicPropertyChanged(" +
+                                           ztMetaType<std::string>().name() +
+                                           ", struct ZTVariant), 2\n"
+                                           "event 2 void childAdded(struct ZTBase*), 2\n"
+                                           "event 3 void childRemoved(struct ZTBase*), 2\n");
+    EXPECT_EQ(support::describe(dynamicRoot),
+              "struct ZTDynamicBase: struct ZTBase\n"
+              "event 4 void metaClassInitialized(const struct ZTMetaClass*), 2\n");
     EXPECT_EQ(dynamicRoot.superClass(), &root);
-    for (const ZTMetaClass* one : {&root, &dynamicRoot}) {
-        EXPECT_EQ(one->propertyCount() + one->enumCount() + one->classInfoCount(), 0U);
+    for (const ZTMetaClass* one : {&root, &dynamicRoot})
         EXPECT_FALSE(one->isDynamic() || one->userData());
-    }
 }
 
 TEST(RootClasses, AreFoundByTheNamesOfTheirPointers)
@@ -52,10 +34,9 @@ TEST(RootClasses, AreFoundByTheNamesOfTheirPointers)
     EXPECT_EQ(classOf("const struct ZTDynamicBase*"), &dynamicRoot);
     EXPECT_EQ(&root.invokable(0U)->parameterMetaType(0), &root.metaType());
     EXPECT_EQ(classOf("const struct ZTMetaClass*"), nullptr);
-    EXPECT_EQ(&ztMetaType("struct ZTVariant"), &ztMetaType("ZTVariant"));
 }
 
-TEST(RootClasses, FindTheirEventsBySignature)
+TEST(RootClasses, FindTheirEventsBySignatureAndFunction)
 {
     EXPECT_EQ(root.indexOfInvokable<void(ZTBase*)>("childAdded"), 2);
     EXPECT_EQ(root.indexOfInvokable<void(ZTBase*)>("childAdded", true), -1);
@@ -63,20 +44,9 @@ TEST(RootClasses, FindTheirEventsBySignature)
     EXPECT_EQ(root.indexOfInvokable<Changed>("dynamicPropertyChanged"), 1);
     EXPECT_EQ(root.indexOfInvokable<Changed>("childAdded"), -1);
     EXPECT_EQ(root.indexOfInvokable<void(std::string, ZTVariant)>("dynamicPropertyChanged"), -1);
-    EXPECT_EQ(dynamicRoot.indexOfInvokable<void(ZTBase*)>("destroyed"), 0);
-    using Initialized = void(const ZTMetaClass*);
-    EXPECT_EQ(dynamicRoot.indexOfInvokable<Initialized>("metaClassInitialized"), 4);
-    EXPECT_EQ(root.indexOfInvokable<Initialized>("metaClassInitialized"), -1);
-}
-
-TEST(RootClasses, FindTheirEventsByFunction)
-{
     auto removed = &ZTBase::childRemoved;
-    auto changed = &ZTBase::dynamicPropertyChanged;
     auto initialized = &ZTDynamicBase::metaClassInitialized;
     auto setParent = &ZTBase::setParent;
-    EXPECT_EQ(root.indexOfInvokable(&removed), 3);
-    EXPECT_EQ(root.indexOfInvokable(&changed), 1);
     EXPECT_EQ(dynamicRoot.indexOfInvokable(&removed), 3);
     EXPECT_EQ(dynamicRoot.indexOfInvokable(&initialized), 4);
     EXPECT_EQ(root.indexOfInvokable(&initialized), -1);

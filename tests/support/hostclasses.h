@@ -49,17 +49,6 @@ inline std::string treeOf(const ZTBase* root)
     return text + "(" + below + ")";
 }
 
-/// "event 4 void said(int)"
-inline std::string textOf(const ZTMetaInvokable& invokable)
-{
-    std::string parameters;
-    for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
-        parameters += (i ? ", " : "") + invokable.parameterMetaType(i).name();
-    return (invokable.isEvent() ? "event " : "method ") + std::to_string(invokable.index()) + " " +
-           invokable.returnMetaType().name() + " " + std::string(invokable.name()) + "(" +
-           parameters + ")" + (invokable.isConst() ? " const" : "");
-}
-
 struct Named : ZTBase {
     explicit Named(const std::string& name, ZTBase* parent = nullptr)
     {
