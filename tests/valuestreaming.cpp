@@ -75,14 +75,12 @@ TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
 TEST(VariantOnStream, IsItsTypeAndItsValue)
 {
     ZTVariant five(5);
-    const std::string fiveBytes = nameBytes("int") + std::string("\5\0\0\0", 4);
     ZTDataStream stream;
     write(stream, five);
     EXPECT_EQ(bytesOf(stream), "03 00 00 00 00 00 00 00 69 6E 74 05 00 00 00");
+    const std::string fiveBytes = stream.data();
     write(stream, ZTVariant(ztMetaType<ZTVariant>(), &five));
-    write(stream, ZTVariant(true));
-    EXPECT_EQ(stream.data(),
-              fiveBytes + nameBytes("struct ZTVariant") + fiveBytes + nameBytes("bool") + "\1");
+    EXPECT_EQ(stream.data(), fiveBytes + nameBytes("struct ZTVariant") + fiveBytes);
 }
 
 /// Reads and writes itself, and reads what nobody wrote.
@@ -132,18 +130,20 @@ TEST(VariantOnStream, ComesBackEqual)
 
 TEST(VariantOnStream, OfATypeThatIsNotWrittenStaysInStep)
 {
-    const ZTVariant variants[] = {ZTVariant(ztMetaType("void"), nullptr),
-                                  ZTVariant(ztMetaType("void*"), nullptr), ZTVariant(ZTULong(7))};
-    for (const ZTVariant& variant : variants) {
+    for (const ZTVariant& variant :
+         {ZTVariant(ztMetaType("void"), nullptr), ZTVariant(ztMetaType("void*"), nullptr),
+          ZTVariant(ZTULong(7)), ZTVariant(ReadOnly{3})}) {
         const std::string name = variant.type().name();
         ZTDataStream stream;
         write(stream, variant, notWritten(name));
         EXPECT_EQ(stream.data(), nameBytes(name));
-        EXPECT_FALSE(readOver(stream, notRead(name)));
         stream << 5;
+        // A type that is only read takes what follows.
+        const bool reads = &variant.type() == &ztMetaType<ReadOnly>();
         int next = 0;
-        stream >> next;
-        EXPECT_EQ(next, 5);
+        EXPECT_EQ(readOver(stream, reads ? "" : notRead(name)).isValid(), reads);
+        EXPECT_EQ((stream >> next).good(), !reads) << name;
+        EXPECT_EQ(next, reads ? 0 : 5);
     }
 }
 
@@ -160,21 +160,12 @@ TEST(VariantOnStream, OfATypeThatIsNotReadLeavesItsValueBehind)
         ZTDataStream stream;
         write(stream, variant);
         EXPECT_EQ(stream.data().size(), nameBytes(name).size() + left) << name;
+        stream << "next";
         EXPECT_FALSE(readOver(stream, notRead(name)));
-        std::string rest(left, '\0');
-        char past = 0;
-        EXPECT_TRUE(stream.read(rest.data(), static_cast<unsigned int>(left)).good()) << name;
-        EXPECT_FALSE(stream.read(&past, 1).good()) << name;
+        std::string rest(left, '\0'), next;
+        stream.read(rest.data(), static_cast<unsigned int>(left));
+        EXPECT_EQ((stream >> next, next), "next") << name;
     }
-}
-
-TEST(VariantOnStream, OfATypeThatIsOnlyReadTakesWhatFollows)
-{
-    const std::string name = ztMetaType<ReadOnly>().name();
-    ZTDataStream stream;
-    write(stream, ZTVariant(ReadOnly{3}), notWritten(name));
-    stream << 5;
-    EXPECT_EQ(ztVariantValue<ReadOnly>(readOver(stream)).number, 5);
 }
 
 TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)
@@ -194,6 +185,7 @@ TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)
         EXPECT_FALSE(readOver(stream, unknown(""))) << size;
     }
 }
+
 TEST(VariantOnStream, ThatNestsWithoutEndIsSurvived)
 {
     std::string bytes;
