@@ -49,9 +49,7 @@ TYPED_TEST(AnyReference, OfNothingIsNull)
 {
     using Ref = typename TypeParam::template Of<Node>;
     EXPECT_LOGS_NOTHING([] {
-        const Ref none;
-        const Ref fromNull(nullptr);
-        const Ref fromNullPointer(static_cast<Node*>(nullptr));
+        const Ref none, fromNull(nullptr), fromNullPointer(static_cast<Node*>(nullptr));
         EXPECT_FALSE(none || fromNull || fromNullPointer);
         EXPECT_TRUE(none == nullptr && none == fromNull && none.get() == nullptr);
         Ref assigned = fromNull;
@@ -61,27 +59,14 @@ TYPED_TEST(AnyReference, OfNothingIsNull)
     });
 }
 
-TYPED_TEST(AnyReference, ReachesItsObject)
-{
-    using Ref = typename TypeParam::template Of<Leaf>;
-    ZTStrongRef<Leaf> owner(new Leaf);
-    const Ref ref(owner.get());
-    EXPECT_TRUE(ref);
-    EXPECT_EQ(ref.get(), owner.get());
-    EXPECT_EQ(ref->value, 7);
-    (*ref).value = 9;
-    EXPECT_EQ(owner->value, 9);
-}
-
 TYPED_TEST(AnyReference, CopiesShareAndMovesHandOver)
 {
     using Ref = typename TypeParam::template Of<Node>;
     ZTStrongRef<Node> owner(new Node);
-    Ref first(owner.get());
-    Ref copy(first);
-    Ref moved(std::move(first));
-    EXPECT_FALSE(first);
-    EXPECT_EQ(moved, copy);
+    Ref first(owner.get()), copy(first), moved(std::move(first));
+    moved->value = 9;
+    EXPECT_EQ((*copy).value, 9);
+    EXPECT_TRUE(!first && moved == copy);
     first = copy;
     copy = std::move(first);
     EXPECT_TRUE(copy == moved && !first);
@@ -93,28 +78,21 @@ TYPED_TEST(AnyReference, CopiesShareAndMovesHandOver)
     EXPECT_TRUE(first && !copy);
 }
 
-TYPED_TEST(AnyReference, ConvertsToBaseAndConst)
+TYPED_TEST(AnyReference, ConvertsComparesAndHashesByObject)
 {
+    using Ref = typename TypeParam::template Of<Node>;
     using Base = typename TypeParam::template Of<ZTBase>;
     using Derived = typename TypeParam::template Of<Leaf>;
     using Constant = typename TypeParam::template Of<const Node>;
     static_assert(std::is_convertible_v<Derived, Base> && !std::is_convertible_v<Base, Derived>);
-    static_assert(!std::is_convertible_v<Constant, typename TypeParam::template Of<Node>>);
-    static_assert(!std::is_constructible_v<Derived, typename TypeParam::template Of<Node>>);
-    Derived leaf(new Leaf);
-    const ZTStrongRef<Leaf> owner(leaf.get());
+    static_assert(!std::is_convertible_v<Constant, Ref> && !std::is_constructible_v<Derived, Ref>);
+    const ZTStrongRef<Leaf> one(new Leaf);
+    const ZTStrongRef<Node> other(new Node);
+    Derived leaf(one.get());
     const Base base = leaf;
     const Constant constant = leaf;
-    EXPECT_TRUE(base == leaf && constant == base && base.get() == leaf.get());
     const Base taken = std::move(leaf);
-    EXPECT_TRUE(taken == base && !leaf);
-}
-
-TYPED_TEST(AnyReference, ComparesAndHashesByObject)
-{
-    using Ref = typename TypeParam::template Of<Node>;
-    const ZTStrongRef<Node> one(new Node);
-    const ZTStrongRef<Node> other(new Node);
+    EXPECT_TRUE(constant == base && taken == base && !leaf);
     const Ref a(one.get());
     EXPECT_TRUE(a == one && a == one.get() && one.get() == a && a != other && a != nullptr);
     EXPECT_TRUE(a != other.get() && a == ZTRef<ZTBase>(one.get()));
@@ -123,86 +101,75 @@ TYPED_TEST(AnyReference, ComparesAndHashesByObject)
     EXPECT_EQ(set.count(a), 1U);
 }
 
-TYPED_TEST(AnyReference, FollowsAMovedObject)
+TYPED_TEST(AnyReference, FollowsAMovedObjectAndLosesTheOneItReplaced)
 {
     using Ref = typename TypeParam::template Of<Node>;
+    const bool strong = std::is_same_v<Ref, ZTStrongRef<Node>>;
     auto* source = new Node;
-    auto* sourceOwner = new ZTStrongRef<Node>(source);
-    Ref ref(source);
-    auto* target = new Node(std::move(*source));
-    EXPECT_EQ(ref.get(), target);
-    EXPECT_EQ(sourceOwner->get(), target);
-    EXPECT_EQ(Ref(target), ref);
+    auto* target = new Node;
+    Ref ref(source), replaced(target);
+    auto* moved = new Node(std::move(*source));
+    EXPECT_EQ(ref.get(), moved);
+    EXPECT_EQ(Ref(moved), ref);
     EXPECT_FALSE(Ref(source)); // a moved-from object has nothing to refer to
     EXPECT_LOGS_NOTHING([&] { delete source; });
-    delete sourceOwner;
-    ref.reset();
-    EXPECT_EQ(Node::alive, 0);
-}
-
-TYPED_TEST(AnyReference, FollowsAnAssignedObjectAndLosesTheOneItReplaced)
-{
-    using Ref = typename TypeParam::template Of<Node>;
-    auto* target = new Node;
-    auto* source = new Node;
-    Ref replaced(target);
-    Ref ref(source);
-    const bool strong = std::is_same_v<Ref, ZTStrongRef<Node>>;
-    EXPECT_LOGS(strong ? heldLine : "", [&] { *target = std::move(*source); });
+    EXPECT_LOGS(strong ? heldLine : "", [&] { *target = std::move(*moved); });
     EXPECT_FALSE(replaced);
     EXPECT_EQ(ref.get(), target);
-    delete source;
+    delete moved;
     if (!strong)
         delete target;
     ref.reset();
     EXPECT_EQ(Node::alive, 0);
 }
 
-TYPED_TEST(AnyReference, ReadsNullOnceTheParentHasDeletedTheObject)
+TYPED_TEST(AnyReference, ReadsNullOnceTheObjectIsGone)
 {
     using Ref = typename TypeParam::template Of<Node>;
-    auto* parent = new Node;
-    Ref child(new Node(parent));
-    const Ref copy = child;
-    auto* sibling = new Node(parent);
-    const ZTRef<Node> siblingRef(sibling);
     const bool strong = std::is_same_v<Ref, ZTStrongRef<Node>>;
-    EXPECT_LOGS(strong ? heldLine : "", [&] { delete parent; });
-    EXPECT_FALSE(child || copy || siblingRef);
-    EXPECT_EQ(child, copy);
-    EXPECT_EQ(Node::alive, 0);
-    EXPECT_LOGS_NOTHING([&] { child.reset(); });
-}
-
-TEST(WeakReference, NeverKeepsItsObject)
-{
-    std::optional<Node> node(std::in_place);
-    const ZTRef<Node> ref = &*node;
-    { // the last one of a first block goes, and another block takes its place
-        ZTRef<Node> more = ref;
+    for (bool byParent : {true, false}) {
+        auto* parent = new Node;
+        Ref child(new Node(parent));
+        const Ref copy = child;
+        const ZTRef<Node> sibling(new Node(parent));
+        Node* dying = byParent ? parent : child.get();
+        {
+            support::CapturedLog log;
+            delete dying;
+            EXPECT_EQ(log.err(), strong ? heldLine : "");
+            EXPECT_EQ(log.out(), "");
+        }
+        EXPECT_FALSE(child || copy);
+        EXPECT_EQ(sibling.get() == nullptr, byParent);
+        EXPECT_EQ(child, copy);
+        EXPECT_EQ(std::hash<Ref>()(child), std::hash<Ref>()(nullptr));
+        child = Ref(new Node);
+        EXPECT_TRUE(child && !copy);
+        if (!strong)
+            delete child.get();
+        child.reset();
+        if (!byParent)
+            delete parent;
+        EXPECT_EQ(Node::alive, 0);
     }
-    const ZTRef<const ZTBase> late = &*node;
-    EXPECT_TRUE(ref == late && late);
-    EXPECT_LOGS_NOTHING([&] { node.reset(); });
-    EXPECT_FALSE(ref || late);
-    EXPECT_EQ(std::hash<ZTRef<Node>>()(ref), std::hash<ZTRef<Node>>()(nullptr));
 }
 
-TEST(WeakReference, StillYieldsTheObjectWhileItDies)
+TEST(WeakReference, KeepsNoObjectAndYieldsItWhileItDies)
 {
     auto* parent = new Node;
     auto* node = new Node(parent);
     new Node(node);
+    { // the last one of a first block goes, and another block takes its place
+        ZTRef<Node> first = node;
+    }
     const ZTRef<Node> ref = node;
     std::vector<const void*> seen;
-    auto destroyed =
-        ZTBase::subscribe(node, &ZTBase::destroyed, [&](ZTBase*) { seen.push_back(ref.get()); });
-    auto left = ZTBase::subscribe(parent, &ZTBase::childRemoved,
-                                  [&](ZTBase*) { seen.push_back(ref.get()); });
-    auto childDied = ZTBase::subscribe(node->children().front(), &ZTBase::destroyed,
-                                       [&](ZTBase*) { seen.push_back(ref.get()); });
+    auto note = [&](ZTBase*) { seen.push_back(ref.get()); };
+    auto destroyed = ZTBase::subscribe(node, &ZTBase::destroyed, note);
+    auto left = ZTBase::subscribe(parent, &ZTBase::childRemoved, note);
+    auto childDied = ZTBase::subscribe(node->children().front(), &ZTBase::destroyed, note);
     const void* address = node;
-    delete node;
+    EXPECT_LOGS_NOTHING([&] { delete node; });
     EXPECT_EQ(seen, (std::vector<const void*>{address, address, address}));
     EXPECT_FALSE(ref);
     delete parent;
@@ -210,19 +177,20 @@ TEST(WeakReference, StillYieldsTheObjectWhileItDies)
 
 TEST(StrongReference, EndsItsObjectWithTheLastOne)
 {
-    ZTStrongRef<Node> first(new Node);
+    Node parent;
+    ZTStrongRef<Node> first(new Node(&parent));
     ZTStrongRef<ZTBase> second = first;
-    const ZTRef<Node> weak(first.get());
-    int died = 0;
-    auto watch = ZTBase::subscribe(first.get(), &ZTBase::destroyed, [&](ZTBase*) { ++died; });
+    const ZTRef<Node> weak(first.get()), below(new Node(first.get()));
+    int died = 0, removed = 0;
+    auto dies = ZTBase::subscribe(first.get(), &ZTBase::destroyed, [&](ZTBase*) { ++died; });
+    auto leaves = ZTBase::subscribe(&parent, &ZTBase::childRemoved, [&](ZTBase*) { ++removed; });
     EXPECT_LOGS_NOTHING([&] {
         first.reset();
         EXPECT_TRUE(weak && died == 0);
         second = nullptr;
     });
-    EXPECT_EQ(died, 1);
-    EXPECT_EQ(Node::alive, 0);
-    EXPECT_FALSE(weak);
+    EXPECT_TRUE(died == 1 && removed == 1 && parent.children().empty());
+    EXPECT_FALSE(weak || below);
 }
 
 TEST(StrongReference, AssignedAnotherObjectLetsTheOldOneGo)
@@ -238,40 +206,23 @@ TEST(StrongReference, AssignedAnotherObjectLetsTheOldOneGo)
     EXPECT_EQ(Node::alive, 1);
 }
 
-TEST(StrongReference, TakesItsObjectOutOfTheTree)
+TEST(StrongReference, TakenWhileTheObjectDiesDoesNotKeepIt)
 {
-    Node parent;
-    ZTStrongRef<Node> child(new Node(&parent));
-    new Node(child.get());
-    int removed = 0;
-    auto watch = ZTBase::subscribe(&parent, &ZTBase::childRemoved, [&](ZTBase*) { ++removed; });
-    EXPECT_LOGS_NOTHING([&] { child.reset(); });
-    EXPECT_EQ(removed, 1);
-    EXPECT_TRUE(parent.children().empty());
-    EXPECT_EQ(Node::alive, 1);
-}
-
-TEST(StrongReference, ReadsNullAfterADeleteByTheHost)
-{
-    ZTStrongRef<Node> ref(new Node);
-    const ZTStrongRef<ZTBase> copy = ref;
-    support::CapturedLog log;
-    delete ref.get();
-    EXPECT_EQ(log.err(), heldLine);
-    EXPECT_EQ(log.out(), "");
-    EXPECT_FALSE(ref || copy);
-    ref.reset(new Node);
-    EXPECT_TRUE(ref && !copy);
-}
-
-TEST(StrongReference, TakenWhileTheObjectDiesReadsNullAfterwards)
-{
-    ZTStrongRef<ZTBase> late;
-    auto* node = new Node;
-    auto watch = ZTBase::subscribe(node, &ZTBase::destroyed,
-                                   [&](ZTBase* dying) { late = ZTStrongRef<ZTBase>(dying); });
-    EXPECT_LOGS(heldLine, [&] { delete node; });
-    EXPECT_FALSE(late);
+    for (bool drops : {true, false}) {
+        ZTStrongRef<ZTBase> late;
+        auto* node = new Node;
+        int died = 0;
+        auto watch = ZTBase::subscribe(node, &ZTBase::destroyed, [&](ZTBase* dying) {
+            ++died;
+            late = ZTStrongRef<ZTBase>(dying);
+            if (drops)
+                late.reset();
+        });
+        EXPECT_LOGS(drops ? "" : heldLine, [&] { delete node; });
+        EXPECT_FALSE(late);
+        EXPECT_EQ(died, 1);
+        EXPECT_EQ(Node::alive, 0);
+    }
 }
 
 TEST(StrongReference, CanBeDroppedByTheObjectItself)
@@ -281,21 +232,6 @@ TEST(StrongReference, CanBeDroppedByTheObjectItself)
     };
     auto* owner = new Owner;
     EXPECT_LOGS_NOTHING([&] { owner->self.reset(); });
-    EXPECT_EQ(Node::alive, 0);
-}
-
-TEST(StrongReference, TakenAndDroppedWhileTheObjectDiesDoesNotEndItTwice)
-{
-    auto* node = new Node;
-    const ZTRef<ZTBase> weak(node);
-    int died = 0;
-    auto watch = ZTBase::subscribe(node, &ZTBase::destroyed, [&](ZTBase*) {
-        ++died;
-        ZTStrongRef<ZTBase> held(weak.get());
-    });
-    delete node;
-    EXPECT_EQ(died, 1);
-    EXPECT_FALSE(weak);
     EXPECT_EQ(Node::alive, 0);
 }
 } // namespace

@@ -27,6 +27,7 @@ public:
         act();
         for (const auto& [id, object] : m_objects)
             ASSERT_EQ(childrenOf(object.speaker), object.children);
+        checkActive();
     }
     void checkHandles() const
     {
@@ -50,6 +51,7 @@ private:
     struct Walk {
         int sender;
         std::size_t next, end;
+        int receiver = -1;
     };
     struct Stop {};
 
@@ -124,8 +126,28 @@ private:
         Walk& walk = m_walks.back();
         EXPECT_EQ(number, nextOf(walk));
         walk.next = number + 1;
-        for (int i = below(3); i > 0; --i)
+        walk.receiver = m_subscriptions[number].receiver;
+        checkActive();
+        for (int i = below(3); i > 0; --i) {
             act();
+            checkActive();
+        }
+    }
+    /// Each object knows the innermost event that is being delivered to it, and who sent it.
+    void checkActive()
+    {
+        for (const auto& [id, object] : m_objects) {
+            const ZTBase* sender = nullptr;
+            bool active = false;
+            for (const Walk& walk : m_walks)
+                if (walk.receiver == id) {
+                    auto found = m_objects.find(walk.sender);
+                    sender = found == m_objects.end() ? nullptr : found->second.speaker;
+                    active = true;
+                }
+            ASSERT_EQ(object.speaker->activeEventIndex(), active ? 4 : -1);
+            ASSERT_EQ(object.speaker->eventSender(), sender);
+        }
     }
     void send(int sender)
     {

@@ -57,6 +57,12 @@ struct Named : ZTBase {
     }
 };
 
+/// An object that can be given a class at run time.
+struct Machine : ZTDynamicBase {
+    using ZTDynamicBase::initializeMetaClass;
+    using ZTDynamicBase::sendEvent;
+};
+
 /// A sender.
 class Speaker : public Named
 {
@@ -71,6 +77,8 @@ public:
         sendEvent<&Self::carried>(value, weight);
     }
     void mute() {}
+    using ZTBase::activeEventIndex;
+    using ZTBase::eventSender;
     using ZTBase::sendEvent;
 
 private:
