@@ -7,8 +7,23 @@ namespace
 {
 using namespace host;
 
+/// A tree of which everybody is watched: g(a(a1(a2) d) b(b1)).
 class Lifetime : public TreeTest
-{};
+{
+protected:
+    /// Moves the one into the other, and gives what was told.
+    std::string become(Named* to, Named* from)
+    {
+        *to = std::move(*from);
+        delete from;
+        return diary.take();
+    }
+
+    std::unique_ptr<Named> g{watched("g")};
+    Named *a = watched("a", g.get()), *a1 = watched("a1", a), *a2 = watched("a2", a1);
+    Named *d = watched("d", a), *b = watched("b", g.get()), *b1 = watched("b1", b);
+};
+using Move = Lifetime;
 
 /// Something that an object owns, and that tells when it goes.
 std::shared_ptr<void> farewell(std::function<void()> action)
@@ -18,57 +33,32 @@ std::shared_ptr<void> farewell(std::function<void()> action)
 
 TEST_F(Lifetime, ParentDeletesItsChildrenFromFirstToLast)
 {
-    auto* p = watched("p");
-    auto* x = watched("x", p);
-    watched("y", p);
-    auto* z = watched("z", p);
-    watched("x1", x);
-    watched("x2", x);
-    diary.take();
-    delete x;
-    EXPECT_EQ(diary.take(), "~x p-x ~x1 ~x2");
-    watched("z1", z);
-    diary.take();
-    delete p;
-    EXPECT_EQ(diary.take(), "~p ~y ~z ~z1");
+    delete a;
+    EXPECT_EQ(diary.take(), "~a g-a ~a1 ~a2 ~d");
+    g.reset();
+    EXPECT_EQ(diary.take(), "~g ~b ~b1");
 }
 
-TEST_F(Lifetime, DestroyedIsSentWhileEverythingButTheDerivedPartIsThere)
+TEST_F(Lifetime, EverythingButTheDerivedPartIsThereUntilTheChildrenAreGone)
 {
-    Named p("p");
-    auto* speaker = new Speaker("s");
-    speaker->setParent(&p);
-    auto* child = new Named("c", speaker);
-    ZTRef<ZTBase> reference(speaker);
-    on(speaker, &ZTBase::destroyed, [&](ZTBase* object) {
+    ZTRef<ZTBase> reference(a);
+    auto tell = [&](const std::string& when) { diary.add(when + (reference ? "+" : "-")); };
+    on(a, &ZTBase::destroyed, [&](ZTBase* object) {
         EXPECT_EQ(object->metaClass(), &ZTBase::typeMetaClass());
-        EXPECT_EQ(treeOf(&p), "p(s(c))");
+        EXPECT_EQ(treeOf(g.get()), "g(a(a1(a2) d) b(b1))");
         EXPECT_EQ(reference, object);
         EXPECT_TRUE(ZTBase::unsubscribe(object, &ZTBase::destroyed, &observer, nullptr));
-        child->setParent(&p);
-        diary.add("~s");
+        a1->setParent(g.get());
     });
-    delete speaker;
-    EXPECT_EQ(diary.take(), "~s");
-    EXPECT_EQ(treeOf(&p), "p(c)");
-}
-
-TEST_F(Lifetime, ReferencesReadTheObjectUntilItsChildrenAreGone)
-{
-    Named p("p");
-    auto* o = new Named("o", &p);
-    auto* child = new Named("c", o);
-    ZTRef<ZTBase> reference(o);
-    auto tell = [&](const std::string& when) { diary.add(when + (reference ? "+" : "-")); };
-    on(o, &ZTBase::destroyed, [&] { tell("destroyed"); });
-    on(&p, &ZTBase::childRemoved, [&] { tell("childRemoved"); });
-    on(child, &ZTBase::destroyed, [&] { tell("child"); });
+    on(g.get(), &ZTBase::childRemoved, [&] { tell("childRemoved"); });
+    on(d, &ZTBase::destroyed, [&] { tell("child"); });
     // What the object owns goes last: its dynamic properties, then what its handlers captured.
-    o->setProperty("owned", farewell([&] { tell("property"); }), true);
-    ZTBase::subscribe(o, &ZTBase::childAdded, &observer,
+    a->setProperty("owned", farewell([&] { tell("property"); }), true);
+    ZTBase::subscribe(a, &ZTBase::childAdded, &observer,
                       [owned = farewell([&] { tell("handler"); })] { (void)owned; });
-    delete o;
-    EXPECT_EQ(diary.take(), "destroyed+ childRemoved+ child+ property- handler-");
+    delete a;
+    EXPECT_EQ(diary.take(), "~a a-a1 g+a1 g-a childRemoved+ ~d child+ property- handler-");
+    EXPECT_EQ(treeOf(g.get()), "g(b(b1) a1(a2))");
 }
 
 TEST_F(Lifetime, WhatDiesLastMayUseTheObjectOnceMore)
@@ -117,30 +107,17 @@ TEST_F(Lifetime, ExceptionOutOfADestructorEndsTheProcess)
     EXPECT_DEATH(delete observer.children().front(), "");
 }
 
-class Move : public TreeTest
-{};
-
 TEST_F(Move, ObjectKeepsItsPlaceInTheTree)
 {
-    auto* p = watched("p");
-    watched("a", p);
-    auto* b = watched("b", p);
-    watched("c", p);
-    auto* child = watched("b1", b);
-    diary.take();
-
-    auto* moved = new Named(std::move(*b));
-    delete b;
-    EXPECT_EQ(diary.take(), "");
-    EXPECT_EQ(treeOf(p), "p(a b(b1) c)");
-    EXPECT_EQ(p->children()[1], moved);
-    child->setParent(p);
-    EXPECT_EQ(treeOf(p), "p(a b c b1)");
+    auto* moved = new Named(std::move(*a));
+    delete a;
+    EXPECT_EQ(treeOf(g.get()) + diary.take(), "g(a(a1(a2) d) b(b1))");
+    EXPECT_EQ(g->children()[0], moved);
+    a1->setParent(g.get());
     moved->setParent(nullptr);
-    EXPECT_EQ(diary.take(), "b-b1 p+b1 p-b");
+    EXPECT_EQ(diary.take(), "a-a1 g+a1 g-a");
     delete moved;
-    EXPECT_EQ(diary.take(), "~b");
-    delete p;
+    EXPECT_EQ(diary.take(), "~a ~d");
 }
 
 TEST_F(Move, EverythingThatNamesTheObjectFollows)
@@ -187,70 +164,37 @@ TEST_F(Move, MovedFromObjectIsNobody)
 
 TEST_F(Move, AssignmentReplacesWithoutDestroyed)
 {
-    Named g("g");
-    auto *t = watched("t", &g), *o = watched("o");
-    watch(g);
-    watched("t1", t);
-    watched("o1", o);
-    diary.take();
-    ZTRef<ZTBase> old(t);
-    ZTEventBlocker blocker(t, true);
-    auto& itself = *t;
-    *t = std::move(itself);
-    EXPECT_EQ(treeOf(&g) + diary.take(), "g(t(t1))");
-    *t = std::move(*o);
-    delete o;
-    EXPECT_EQ(diary.take(), "g-o ~t1");
-    EXPECT_EQ(treeOf(&g) + treeOf(t), "go(o1)");
-    EXPECT_FALSE(old || t->isBlockingSentEvents());
-    delete t;
-    EXPECT_EQ(diary.take(), "~o ~o1");
+    ZTRef<ZTBase> old(b);
+    ZTEventBlocker blocker(b, true);
+    auto& itself = *b;
+    *b = std::move(itself);
+    EXPECT_EQ(treeOf(g.get()) + diary.take(), "g(a(a1(a2) d) b(b1))");
+    auto* o = new Named("o");
+    EXPECT_EQ(become(b, o), "g-o ~b1");
+    EXPECT_EQ(treeOf(g.get()) + treeOf(b), "g(a(a1(a2) d))o");
+    EXPECT_FALSE(old || b->isBlockingSentEvents());
+    delete b;
 }
 
-TEST_F(Move, ParentBecomesItsOwnDescendant)
+TEST_F(Move, ParentBecomesItsDescendant)
 {
-    Named g("g");
-    auto* p = watched("p", &g);
-    auto* c = watched("c", watched("between", p));
-    watched("d", p);
-    watched("c1", c);
-    watch(g);
-    diary.take();
-    *p = std::move(*c);
-    delete c;
-    EXPECT_EQ(diary.take(), "g-c ~between ~d");
-    EXPECT_EQ(treeOf(&g) + treeOf(p), "gc(c1)");
-    delete p;
+    EXPECT_EQ(become(a, a2), "g-a2 ~a1 ~d");
+    EXPECT_EQ(treeOf(g.get()) + treeOf(a), "g(b(b1))a2");
+    delete a;
 }
 
-TEST_F(Move, ChildBecomesItsOwnParent)
+TEST_F(Move, ChildBecomesItsParent)
 {
-    Named g("g");
-    auto* p = watched("p", &g);
-    auto* c = watched("c", p);
-    watched("d", p);
-    watched("c1", c);
-    diary.take();
-    *c = std::move(*p);
-    delete p;
-    EXPECT_EQ(diary.take(), "p-p ~c1");
-    EXPECT_EQ(treeOf(&g), "g(p(d))");
-    EXPECT_EQ(g.children(), std::vector<ZTBase*>{c});
+    EXPECT_EQ(become(a1, a), "a-a ~a2");
+    EXPECT_EQ(treeOf(g.get()), "g(a(d) b(b1))");
+    EXPECT_EQ(g->children()[0], a1);
 }
 
 TEST_F(Move, ChildBecomesItsSibling)
 {
-    Named p("p");
-    auto *a = watched("a", &p), *b = watched("b", &p);
-    watched("c", &p);
-    watched("b1", b);
-    watch(p);
-    diary.take();
-    *b = std::move(*a);
-    delete a;
-    EXPECT_EQ(diary.take(), "p-a ~b1");
-    EXPECT_EQ(treeOf(&p), "p(a c)");
-    EXPECT_EQ(p.children()[0], b);
+    EXPECT_EQ(become(b, a), "g-a ~b1");
+    EXPECT_EQ(treeOf(g.get()), "g(a(a1(a2) d))");
+    EXPECT_EQ(g->children()[0], b);
 }
 
 TEST_F(Move, DyingObjectHandsNothingOver)

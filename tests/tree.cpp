@@ -36,29 +36,20 @@ TEST_F(Tree, ChildrenStandInTheOrderOfTheirJoining)
     delete b;
 }
 
-TEST_F(Tree, ConstructorMakesAFullChild)
+TEST_F(Tree, ConstructorMakesAFullChildAndNoneIsItsOwnParent)
 {
     Named p("p");
     watch(p);
-    auto* plain = new ZTBase(&p);
-    auto* dynamic = new ZTDynamicBase(&p);
-    EXPECT_EQ(p.children(), (std::vector<ZTBase*>{plain, dynamic}));
+    ZTBase *plain = new ZTBase(&p), *dynamic = new ZTDynamicBase(&p);
     EXPECT_EQ(diary.take(), "p+? p+?");
-    delete plain;
-    EXPECT_EQ(diary.take(), "p-?");
-}
-
-TEST_F(Tree, NoObjectIsItsOwnParent)
-{
-    Named p("p");
-    auto *a = watched("a", &p), *b = watched("b", &p);
     support::CapturedLog log;
-    a->setParent(a);
+    plain->setParent(plain);
     EXPECT_EQ(log.err(), "Zintar Error: Cannot parent an ZTBase object under itself.\n");
     EXPECT_EQ(log.out(), "");
-    EXPECT_EQ(p.children(), (std::vector<ZTBase*>{a, b}));
-    EXPECT_TRUE(a->children().empty());
-    EXPECT_EQ(diary.take(), "");
+    EXPECT_EQ(p.children(), (std::vector<ZTBase*>{plain, dynamic}));
+    EXPECT_TRUE(plain->children().empty());
+    delete plain;
+    EXPECT_EQ(diary.take(), "p-?");
 }
 
 TEST_F(Tree, CircleDiesAsAWhole)
@@ -106,32 +97,25 @@ TEST_F(TreeReentry, TargetOfTheOuterCallWins)
     EXPECT_EQ(diary.take(), "q-c r+c r-c q+c");
 }
 
-TEST_F(TreeReentry, ChildDiesOnTheWay)
-{
-    on(p.get(), &ZTBase::childRemoved, [&] { delete c; });
-    c->setParent(q.get());
-    EXPECT_EQ(diary.take(), "p-c");
-    auto* d = new Named("d", q.get());
-    on(r.get(), &ZTBase::childAdded, [&] { delete d; });
-    d->setParent(r.get());
-    EXPECT_EQ(diary.take(), "q+d q-d r+d r-d");
-}
-
-TEST_F(TreeReentry, TargetDiesOnTheWay)
+TEST_F(TreeReentry, AnybodyDiesOnTheWay)
 {
     on(p.get(), &ZTBase::childRemoved, [&] { q.reset(); });
-    c->setParent(q.get());
+    c->setParent(q.get()); // the target
     EXPECT_EQ(diary.take(), "p-c ~q");
     c->setParent(r.get());
     EXPECT_EQ(diary.take(), "r+c");
-}
-
-TEST_F(TreeReentry, OldParentDiesOnTheWay)
-{
-    on(p.get(), &ZTBase::childRemoved, [&] { p.reset(); });
-    c->setParent(q.get());
-    EXPECT_EQ(diary.take(), "p-c ~p q+c");
-    EXPECT_EQ(treeOf(q.get()), "q(c)");
+    on(r.get(), &ZTBase::childRemoved, [&] { r.reset(); });
+    c->setParent(p.get()); // the old parent
+    EXPECT_EQ(diary.take(), "r-c ~r p+c");
+    auto* d = new Named("d", c);
+    on(p.get(), &ZTBase::childAdded, [&] { delete d; });
+    d->setParent(p.get()); // the child, in its new place
+    EXPECT_EQ(diary.take(), "p+d p-d");
+    on(p.get(), &ZTBase::childRemoved, [&] { delete c; });
+    c->setParent(d = watched("d")); // the child, between the two
+    EXPECT_EQ(diary.take(), "p-c");
+    EXPECT_EQ(treeOf(p.get()) + treeOf(d), "pd");
+    delete d;
 }
 
 TEST_F(TreeReentry, EverybodyIsMovedOnTheWay)
