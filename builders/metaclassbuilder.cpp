@@ -32,7 +32,7 @@ void ZTMetaClassBuilder::copyMembers(const ZTMetaClass& prototype)
 ZTMetaClass* ZTMetaClassBuilder::toMetaClass()
 {
     ZTMetaClassBuilder copy(priv->metaClass.get());
-    copy.priv->metaClass->freezeIndices();
+    copy.priv->metaClass->finish();
     return copy.priv->metaClass.release();
 }
 

@@ -1,6 +1,6 @@
 #include "eventslot.h"
 
-#include <zintar/detail/borrowedpointer.h>
+#include <zintar/detail/lent.h>
 #include <zintar/log.h>
 
 #include <string>
@@ -32,9 +32,9 @@ void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
 }
 
 void ZTBase::sendValues(ZTEventSlot& slot, int index, const ZTMetaInvokable& declared,
-                        void** addresses, zt::detail::PackFunction pack) const
+                        void** addresses) const
 {
-    ZTEventValues values(declared, addresses, pack);
+    ZTEventValues values(declared, addresses);
     priv->dispatch(slot, index, values);
 }
 
@@ -113,7 +113,7 @@ void callHandler(const ZTSlotEntry& entry, const ZTMetaInvokable& event, ZTEvent
     ZTHandlerBase* handler = entry.record->ownedHandler();
     if (!handler) {
         const auto* invokable = std::get<const ZTMetaInvokable*>(entry.record->handler);
-        invokable->invoke(zt::detail::BorrowedPointer(subscriber), values.array());
+        invokable->invoke(zt::detail::LentVariant(subscriber), values.array());
     } else if (entry.typedHandler) {
         handler->invoke(subscriber, nullptr, values.addresses(event));
     } else if (handler->description) {
@@ -177,8 +177,15 @@ void ZTEventValues::fitTo(const ZTMetaInvokable& event)
 const ZTArgumentArray& ZTEventValues::array()
 {
     if (!m_array) {
-        m_array = &m_packed.emplace();
-        m_pack(m_addresses, *m_packed);
+        m_lent.emplace();
+        for (unsigned int i = 0; i < m_declared->parameterCount(); ++i) {
+            const ZTMetaType& type = m_declared->parameterMetaType(i);
+            if (&type == &::ztMetaType<ZTVariant>())
+                m_lent->lend(i, *static_cast<const ZTVariant*>(m_addresses[i]));
+            else
+                m_lent->lend(i, type, m_addresses[i]);
+        }
+        m_array = &static_cast<const ZTArgumentArray&>(*m_lent);
     }
     return *m_array;
 }

@@ -3,6 +3,8 @@
 #include "../object/baseprivate.h"
 #include "subscriptionprivate.h"
 
+#include <zintar/detail/lent.h>
+
 #include <memory>
 #include <optional>
 #include <vector>
@@ -135,8 +137,8 @@ private:
 struct ZTEventValues {
     explicit ZTEventValues(const ZTArgumentArray& array) : m_array(&array) {}
     /// The values are those of the event `declared`.
-    ZTEventValues(const ZTMetaInvokable& declared, void** addresses, zt::detail::PackFunction pack)
-        : m_declared(&declared), m_addresses(addresses), m_pack(pack)
+    ZTEventValues(const ZTMetaInvokable& declared, void** addresses)
+        : m_declared(&declared), m_addresses(addresses)
     {}
 
     /// Keeps typed values from being taken for those of `event`, another one at the same index:
@@ -155,7 +157,6 @@ private:
     const ZTArgumentArray* m_array = nullptr;
     const ZTMetaInvokable* m_declared = nullptr;
     void** m_addresses = nullptr;
-    zt::detail::PackFunction m_pack = nullptr;
-    std::optional<ZTArgumentArray> m_packed;
+    std::optional<zt::detail::LentArguments> m_lent;
     void* m_collected[zt::detail::maxParamCount] = {};
 };

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "../types/nameindex.h"
+
 #include <zintar/base.h>
 #include <zintar/detail/blocks.h>
 
-#include <functional>
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 class ZTDelivery;
@@ -24,16 +25,16 @@ enum class ZTLifeStage : unsigned char {
 
 namespace zt::detail
 {
-struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const noexcept
-    {
-        return std::hash<std::string_view>()(text);
-    }
+struct DynamicProperty {
+    const std::string name;
+    ZTVariant value;
 };
 
-/// Nodes do not move, so views of the names stay good.
-using DynamicProperties = std::unordered_map<std::string, ZTVariant, TextHash, std::equal_to<>>;
+/// They do not move and none leaves, so views of the names stay good.
+struct DynamicProperties {
+    std::deque<DynamicProperty> list;
+    NameIndex<DynamicProperty*> byName;
+};
 } // namespace zt::detail
 
 /// The record that holds all of an object's state. A move of the object hands the record over, so

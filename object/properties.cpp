@@ -1,13 +1,14 @@
 #include "baseprivate.h"
 
-#include <zintar/detail/borrowedpointer.h>
+#include <zintar/detail/lent.h>
 
 ZTVariant ZTBase::property(std::string_view name) const
 {
     if (!priv)
         return {};
+    const ZTBase* self = this;
     if (const ZTMetaProperty* declared = metaClass()->property(name))
-        return declared->get(zt::detail::BorrowedPointer(this));
+        return declared->get(zt::detail::LentVariant(self));
     return priv->dynamicProperty(name);
 }
 
@@ -15,8 +16,9 @@ bool ZTBase::setProperty(std::string_view name, const ZTVariant& value, bool cre
 {
     if (!priv)
         return false;
+    ZTBase* self = this;
     if (const ZTMetaProperty* declared = metaClass()->property(name)) {
-        declared->set(zt::detail::BorrowedPointer(this), value);
+        declared->set(zt::detail::LentVariant(self), value);
         return true;
     }
     if (createDynamic)
@@ -31,31 +33,31 @@ std::vector<std::string_view> ZTBase::dynamicProperties() const
 
 ZTVariant ZTBasePrivate::dynamicProperty(std::string_view name) const
 {
-    if (!dynamicProperties)
-        return {};
-    auto found = dynamicProperties->find(name);
-    return found == dynamicProperties->end() ? ZTVariant() : found->second;
+    const auto* found = dynamicProperties ? dynamicProperties->byName.find(name) : nullptr;
+    return found ? (*found)->value : ZTVariant();
 }
 
 void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& value)
 {
     if (!dynamicProperties)
         dynamicProperties = std::make_unique<zt::detail::DynamicProperties>();
-    auto found = dynamicProperties->find(name);
-    if (found == dynamicProperties->end())
-        found = dynamicProperties->emplace(std::string(name), ZTVariant()).first;
-    else if (!(found->second != value))
+    auto& [list, byName] = *dynamicProperties;
+    const auto* found = byName.find(name);
+    if (found && !((*found)->value != value))
         return;
-    auto& [key, stored] = *found;
-    stored = value;
-    object->dynamicPropertyChanged(key, value);
+    zt::detail::DynamicProperty& property =
+        found ? **found : list.emplace_back(std::string(name), ZTVariant());
+    if (!found)
+        byName.add(property.name, &property);
+    property.value = value;
+    object->dynamicPropertyChanged(property.name, value);
 }
 
 std::vector<std::string_view> ZTBasePrivate::dynamicPropertyNames() const
 {
     std::vector<std::string_view> names;
     if (dynamicProperties)
-        for (const auto& property : *dynamicProperties)
-            names.push_back(property.first);
+        for (const auto& property : dynamicProperties->list)
+            names.push_back(property.name);
     return names;
 }

@@ -1,9 +1,16 @@
 #include <zintar/detail/classtable.h>
 
+#include "propertyindex.h"
+
 #include <cstring>
 
 namespace zt::detail
 {
+/// The positions of a class's own invokables.
+struct InvokableIndex {
+    NameIndex<int> positions;
+};
+
 namespace
 {
 /// Pointers to member functions of any class have one size and are compared as bytes.
@@ -55,7 +62,33 @@ ClassTable::ClassTable(const ClassDeclaration& declaration) : m_declaration(decl
         sizeOf(m_classInfoList), m_classInfoList.data(), sizeOf(m_enumList), m_enumList.data(),
         sizeOf(m_propertyList), m_propertyList.data(), sizeOf(m_invokableList),
         m_invokableList.data(), &positionByFunction, &positionBySignature);
-    m_descriptor = createStaticMetaClass(this);
+    const ZTStaticMetaClassData* table = this;
+    m_descriptor = std::make_unique<ZTStaticMetaClass>(table);
+    indexInvokables();
+}
+
+void ClassTable::indexInvokables()
+{
+    m_invokableIndex = std::make_unique<InvokableIndex>();
+    // From the last to the first: of two that fit, the later one is found.
+    for (std::size_t i = m_invokableRecords.size(); i-- > 0;)
+        m_invokableIndex->positions.add(m_invokableRecords[i]->name, static_cast<int>(i));
+}
+
+/// With what is inherited from other classes that have an index.
+void ClassTable::indexProperties()
+{
+    m_propertyIndex = std::make_unique<PropertyIndex>();
+    const ZTMetaClass* next = m_descriptor.get();
+    m_descriptor->propertyIndex = m_propertyIndex.get();
+    for (; next; next = next->superClass()) {
+        const auto* indexed = dynamic_cast<const ZTStaticMetaClass*>(next);
+        if (!indexed || !indexed->propertyIndex)
+            break;
+        for (const ZTStaticMetaProperty& property : indexed->properties)
+            m_propertyIndex->names.add(property.name(), &property);
+    }
+    m_propertyIndex->beyond = next;
 }
 
 ClassTable::~ClassTable() = default;
@@ -122,6 +155,7 @@ const ZTMetaClass& ClassTable::link()
         m_invokables[i].isEvent = m_invokableRecords[i]->kind == MemberKind::Event;
     }
     linkChangeEvents();
+    indexProperties();
     return *m_descriptor;
 }
 
@@ -174,10 +208,10 @@ int ClassTable::positionBySignature(const ZTMetaClass* self, std::string_view na
                                     const std::type_index& signature)
 {
     const auto& listed = of(self).m_invokableRecords;
-    for (std::size_t i = listed.size(); i-- > 0;)
-        if (listed[i]->isConst == isConst && listed[i]->name == name &&
-            listed[i]->signature() == signature)
-            return static_cast<int>(i);
-    return -1;
+    const int* found = of(self).m_invokableIndex->positions.find(name, [&](int position) {
+        const MemberRecord& member = *listed[static_cast<std::size_t>(position)];
+        return member.isConst == isConst && member.signature() == signature;
+    });
+    return found ? *found : -1;
 }
 } // namespace zt::detail

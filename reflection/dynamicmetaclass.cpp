@@ -198,6 +198,8 @@ const ZTMetaProperty* ZTDynamicMetaClass::property(unsigned int index) const
 
 const ZTMetaProperty* ZTDynamicMetaClass::property(std::string_view name) const
 {
+    if (m_propertyIndex)
+        return m_propertyIndex->find(name);
     return memberNamed<ZTMetaProperty>(
         m_properties, [&](const auto& property) { return property.name() == name; }, m_superClass,
         [&](const ZTMetaClass& super) { return super.property(name); });
@@ -242,9 +244,13 @@ void ZTDynamicMetaClass::addInvokable()
     m_invokables.push_back(std::make_shared<ZTDynamicMetaInvokable>(this, m_invokables.size()));
 }
 
-void ZTDynamicMetaClass::freezeIndices()
+void ZTDynamicMetaClass::finish()
 {
     auto index = static_cast<int>(m_invokableOffset);
     for (const auto& invokable : m_invokables)
         invokable->freezeIndex(index++);
+    m_propertyIndex = std::make_unique<zt::detail::PropertyIndex>();
+    for (const auto& property : m_properties)
+        m_propertyIndex->names.add(property->m_name, property.get());
+    m_propertyIndex->beyond = m_superClass;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "propertyindex.h"
+
 #include <zintar/metaclass.h>
 
 #include <functional>
@@ -142,7 +144,8 @@ struct ZTDynamicMetaClass final : ZTMetaClass {
     void setSuperClass(const ZTMetaClass* super);
     /// Appends an empty invokable that knows this class as its owner.
     void addInvokable();
-    void freezeIndices();
+    /// Nothing changes any more.
+    void finish();
 
 protected:
     [[nodiscard]] int indexOfInvokable(std::string_view name, bool isConst,
@@ -160,4 +163,6 @@ public:
     unsigned int m_invokableOffset = 0;
     std::vector<std::shared_ptr<ZTDynamicMetaInvokable>> m_invokables;
     void* m_userData = nullptr;
+    /// Of a finished class; otherwise null.
+    std::unique_ptr<zt::detail::PropertyIndex> m_propertyIndex;
 };

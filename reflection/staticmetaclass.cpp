@@ -1,6 +1,7 @@
 #include <zintar/staticmetaclass.h>
 
 #include "memberlookup.h"
+#include "propertyindex.h"
 
 using namespace zt::detail;
 
@@ -122,6 +123,7 @@ ZTStaticMetaClass& ZTStaticMetaClass::operator=(const ZTStaticMetaClass& other) 
 
 ZTStaticMetaClass::ZTStaticMetaClass(ZTStaticMetaClass&& other) noexcept
     : data(other.data),
+      propertyIndex(other.propertyIndex),
       classInfos(std::move(other.classInfos)),
       enums(std::move(other.enums)),
       properties(std::move(other.properties)),
@@ -131,6 +133,7 @@ ZTStaticMetaClass::ZTStaticMetaClass(ZTStaticMetaClass&& other) noexcept
 ZTStaticMetaClass& ZTStaticMetaClass::operator=(ZTStaticMetaClass&& other) noexcept
 {
     data = other.data;
+    propertyIndex = other.propertyIndex;
     if (this != &other) {
         classInfos = std::move(other.classInfos);
         enums = std::move(other.enums);
@@ -169,6 +172,8 @@ const ZTMetaProperty* ZTStaticMetaClass::property(unsigned int index) const
 
 const ZTMetaProperty* ZTStaticMetaClass::property(std::string_view name) const
 {
+    if (propertyIndex)
+        return propertyIndex->find(name);
     return memberNamed<ZTMetaProperty>(
         properties, [&](const auto& property) { return property.name() == name; }, data->superClass,
         [&](const ZTMetaClass& super) { return super.property(name); });

@@ -41,8 +41,11 @@ ZTDataStream& ZTDataStream::write(const char* bytes, unsigned int count)
     if (priv->pastEnd || count == 0)
         return *this;
     std::string& buffer = priv->bytes;
-    std::size_t overwritten = std::min<std::size_t>(count, buffer.size() - priv->writePosition);
-    buffer.replace(priv->writePosition, overwritten, bytes, count);
+    std::size_t behind = buffer.size() - priv->writePosition;
+    if (behind == 0)
+        buffer.append(bytes, count);
+    else
+        buffer.replace(priv->writePosition, std::min<std::size_t>(count, behind), bytes, count);
     priv->writePosition += count;
     return *this;
 }
@@ -152,13 +155,12 @@ ZTDataStream& operator>>(ZTDataStream& stream, std::string& text)
     readValue(stream, length);
     // Piece by piece: the length is not to be trusted before its bytes have been seen, and only a
     // read can tell how many a derived class still has.
-    std::array<char, 4096> piece;
+    constexpr std::uint64_t piece = 4096;
     while (stream.good() && length > 0) {
-        auto size = static_cast<unsigned int>(std::min<std::uint64_t>(length, piece.size()));
-        std::memset(piece.data(), 0, size);
-        stream.read(piece.data(), size);
-        if (stream.good())
-            text.append(piece.data(), size);
+        auto size = static_cast<unsigned int>(std::min(length, piece));
+        std::size_t before = text.size();
+        text.resize(before + size);
+        stream.read(text.data() + before, size);
         length -= size;
     }
     if (!stream.good())

@@ -44,7 +44,7 @@ public:
 
 private:
     static constexpr int limit = 500;
-    inline static thread_local int depth = 0;
+    [[gnu::tls_model("initial-exec")]] inline static thread_local int depth = 0;
 };
 } // namespace
 

@@ -268,7 +268,7 @@ TEST_F(Subscription, MassesEndInAnyOrder)
             std::shuffle(hearers.begin(), hearers.end(), random);
         hearers.resize(2);
         const auto [first, second] =
-            std::minmax(std::stoi(nameOf(hearers[0].get())), std::stoi(nameOf(hearers[1].get())));
+            std::minmax({std::stoi(nameOf(hearers[0].get())), std::stoi(nameOf(hearers[1].get()))});
         EXPECT_EQ(say(1), std::to_string(first) + ":1 " + std::to_string(second) + ":1");
     }
 }

@@ -29,37 +29,35 @@ std::size_t listOf(std::size_t size) { return (size + step / 2 - 1) / step; }
 
 constexpr std::size_t blockSize(std::size_t list) { return list * step + step / 2; }
 
-/// The bytes that a thread keeps of each size at most.
-constexpr std::size_t keptBytes = 64 * 1024;
+/// The free blocks of one size. They are not linked through their own memory, which the processor
+/// would have to fetch before it can hand one out.
+class FreeList
+{
+public:
+    FreeList() = default;
+    FreeList(const FreeList&) = delete;
+    FreeList& operator=(const FreeList&) = delete;
+    ~FreeList()
+    {
+        while (void* block = take())
+            ::operator delete(block);
+    }
+    void* take() { return m_count > 0 ? m_blocks[--m_count] : nullptr; }
+    bool keep(void* block)
+    {
+        if (m_count == capacity)
+            return false;
+        m_blocks[m_count++] = block;
+        return true;
+    }
 
-struct FreeBlock {
-    FreeBlock* next;
-};
-
-/// The free blocks of one size.
-struct FreeList {
-    FreeBlock* first = nullptr;
-    /// How many more are kept.
-    std::size_t room = 0;
+private:
+    static constexpr std::size_t capacity = 127;
+    std::size_t m_count = 0;
+    void* m_blocks[capacity];
 };
 
 struct FreeLists {
-    FreeLists()
-    {
-        for (std::size_t i = 0; i < listCount; ++i)
-            lists[i].room = keptBytes / blockSize(i);
-    }
-    FreeLists(const FreeLists&) = delete;
-    FreeLists& operator=(const FreeLists&) = delete;
-    ~FreeLists()
-    {
-        for (FreeList& list : lists)
-            while (FreeBlock* block = list.first) {
-                list.first = block->next;
-                ::operator delete(block);
-            }
-    }
-
     FreeList lists[listCount];
 };
 
@@ -94,14 +92,9 @@ void* takeBlock(std::size_t size)
     std::size_t index = listOf(size);
     if (index >= listCount)
         return ::operator new(size);
-    if (FreeLists* kept = freeLists) {
-        FreeList& list = kept->lists[index];
-        if (FreeBlock* block = list.first) {
-            list.first = block->next;
-            ++list.room;
+    if (FreeLists* kept = freeLists)
+        if (void* block = kept->lists[index].take())
             return block;
-        }
-    }
     return ::operator new(blockSize(index));
 }
 
@@ -111,12 +104,8 @@ void giveBlockBack(void* block, std::size_t size) noexcept
     if (index < listCount && block) {
         if (!freeLists)
             startKeeping();
-        if (FreeLists* kept = freeLists; kept && kept->lists[index].room > 0) {
-            FreeList& list = kept->lists[index];
-            --list.room;
-            list.first = ::new (block) FreeBlock{list.first};
+        if (FreeLists* kept = freeLists; kept && kept->lists[index].keep(block))
             return;
-        }
     }
     ::operator delete(block);
 }

@@ -25,17 +25,24 @@ ZTMetaTypePrivate::ZTMetaTypePrivate(std::string_view typeName, const std::type_
       print(printFunction)
 {}
 
+const ZTMetaType* ZTMetaTypeRegistry::find(std::string_view name) const
+{
+    const auto* found = names.find(name);
+    return found ? *found : nullptr;
+}
+
 const ZTMetaType& ZTMetaTypeRegistry::add(ZTMetaTypePrivate* record)
 {
     const ZTMetaType& handle = types.emplace(record->typeIndex, ZTMetaType(record)).first->second;
-    names.emplace(record->name, &handle);
+    if (!find(record->name))
+        names.add(record->name, &handle);
     return handle;
 }
 
 void ZTMetaTypeRegistry::addAlias(const ZTMetaType& type, const std::string& alias)
 {
-    if (!alias.empty() && names.emplace(alias, &type).second)
-        ZTMetaTypePrivate::of(type).aliases.insert(alias);
+    if (!alias.empty() && !find(alias))
+        names.add(*ZTMetaTypePrivate::of(type).aliases.insert(alias).first, &type);
 }
 
 ZTMetaTypeRegistry& ztMetaTypeRegistry()
@@ -58,7 +65,7 @@ ZTMetaType::~ZTMetaType() { delete priv; }
 
 bool ZTMetaType::operator==(const ZTMetaType& other) const noexcept
 {
-    return priv->typeIndex == other.priv->typeIndex;
+    return this == &other || priv->typeIndex == other.priv->typeIndex;
 }
 
 std::string ZTMetaType::name() const { return priv->name; }
@@ -108,9 +115,8 @@ bool ZTMetaType::print(std::ostream& stream, const void* value) const
 
 const ZTMetaType& ztMetaType(const std::string& name)
 {
-    const auto& names = ztMetaTypeRegistry().names;
-    auto found = names.find(name);
-    return found == names.end() ? ZTMetaType::ZTBadMetaType : *found->second;
+    const ZTMetaType* found = ztMetaTypeRegistry().find(name);
+    return found ? *found : ZTMetaType::ZTBadMetaType;
 }
 
 namespace zt::detail

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "nameindex.h"
+
 #include <zintar/metatype.h>
 
 #include <string>
@@ -39,13 +41,15 @@ struct ZTMetaTypePrivate {
 /// The process-wide tables.
 ///
 /// 1. Each handle in `types` has its name in `names`, unless another type held that name first.
-/// 2. The values in `names` point into `types`, whose nodes never move.
+/// 2. What `names` has points into `types`, whose nodes never move, and so do the names.
 struct ZTMetaTypeRegistry {
+    /// The type with that name or alias, or null.
+    [[nodiscard]] const ZTMetaType* find(std::string_view name) const;
     const ZTMetaType& add(ZTMetaTypePrivate* record);
     void addAlias(const ZTMetaType& type, const std::string& alias);
 
     std::unordered_map<std::type_index, ZTMetaType> types;
-    std::unordered_map<std::string, const ZTMetaType*> names;
+    zt::detail::NameIndex<const ZTMetaType*> names;
 };
 
 /// The registry, made with the built-in types at the first call.

@@ -1,5 +1,7 @@
 #include <zintar/variant.h>
 
+#include "metatypeprivate.h"
+
 #include <zintar/log.h>
 
 #include <ostream>
@@ -9,9 +11,14 @@ ZTVariant::ZTVariant(const ZTMetaType& type, const void* value)
 {}
 
 // A source without a block gives a copy with a default value, if the type has one.
-ZTVariant::ZTVariant(const ZTVariant& other)
-    : m_type(other.m_type), m_data(other.isValid() ? other.m_type->create(other.m_data) : nullptr)
-{}
+ZTVariant::ZTVariant(const ZTVariant& other) : m_type(other.m_type), m_data(nullptr)
+{
+    const ZTMetaTypePrivate& type = ZTMetaTypePrivate::of(*m_type);
+    if (other.m_data && type.create) [[likely]]
+        m_data = type.create(other.m_data);
+    else if (other.isValid())
+        m_data = m_type->create(other.m_data);
+}
 
 ZTVariant& ZTVariant::operator=(const ZTVariant& other)
 {
@@ -35,7 +42,8 @@ void ZTVariant::reset() noexcept { ZTVariant old(std::move(*this)); }
 
 ZTPartialOrdering ZTVariant::compare(const ZTVariant& other) const
 {
-    return m_type->compare(m_data, other.m_data);
+    auto function = ZTMetaTypePrivate::of(*m_type).compare;
+    return function ? function(m_data, other.m_data) : ZTPartialOrdering::Unordered;
 }
 
 bool ZTVariant::operator==(const ZTVariant& other) const

@@ -1,9 +1,11 @@
 #include "measure.h"
 #include "properties/work.h"
 
+#include <array>
 #include <functional>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace
 {
@@ -33,14 +35,17 @@ BENCHMARK(byName)->Name("property_by_name/raw");
 
 void found(benchmark::State& state)
 {
-    int field = 0;
-    Property property = {[&field] { return field; }, [&field](int value) { field = value; }};
+    std::array<int, propertyNames.size()> values{};
+    std::vector<Property> properties;
+    for (int& field : values)
+        properties.push_back({[&field] { return field; }, [&field](int value) { field = value; }});
     int value = 0;
     measure(state, [&] {
-        benchmark::DoNotOptimize(property);
-        property.set(++value);
-        int got = property.get();
-        benchmark::DoNotOptimize(got);
+        for (const Property& property : properties) {
+            property.set(++value);
+            int got = property.get();
+            benchmark::DoNotOptimize(got);
+        }
     });
 }
 BENCHMARK(found)->Name("property_found/raw");

@@ -19,9 +19,6 @@ namespace zt::detail
 class ClassTable;
 struct ClassAccess;
 
-/// Boxes the arguments of a typed event for the handlers that take variants.
-using PackFunction = void (*)(void* const* arguments, ZTArgumentArray& packed);
-
 template <auto Event, class Params>
 struct TypedEvent;
 
@@ -158,7 +155,11 @@ public:
     template <zt::detail::VariantValue T>
     bool setProperty(std::string_view name, T&& value, bool createDynamic = false)
     {
-        return setProperty(name, ZTVariant(std::forward<T>(value)), createDynamic);
+        zt::detail::assertHoldable<zt::detail::ValueType<T>>();
+        const zt::detail::ValueType<T> held(zt::detail::asValue(std::forward<T>(value)));
+        const zt::detail::LentVariant lent(held);
+        const ZTVariant& variant = lent;
+        return setProperty(name, variant, createDynamic);
     }
     /// The names of the dynamic properties, in no order. The views stay good as long as the object.
     [[nodiscard]] std::vector<std::string_view> dynamicProperties() const;
@@ -310,9 +311,9 @@ private:
 
     /// The subscribers of that event; null when a send would reach nobody.
     [[nodiscard]] ZTEventSlot* heardSlot(int index) const;
-    /// Sends values that are those of the event `declared`.
-    void sendValues(ZTEventSlot& slot, int index, const ZTMetaInvokable& declared, void** values,
-                    zt::detail::PackFunction pack) const;
+    /// Sends values that are those of the event `declared`, of the types that it has.
+    void sendValues(ZTEventSlot& slot, int index, const ZTMetaInvokable& declared,
+                    void** values) const;
 
     static zt::detail::ClassTable& ztTable();
 
@@ -363,7 +364,7 @@ struct TypedEvent<Event, Parameters<P...>> {
             std::apply(
                 [&](auto&... value) {
                     void* addresses[maxParamCount] = {&value...};
-                    sender.sendValues(*slot, event, descriptor(), addresses, &pack);
+                    sender.sendValues(*slot, event, descriptor(), addresses);
                 },
                 values);
         }
@@ -380,21 +381,6 @@ private:
         } else {
             return static_cast<Held<Parameter>>(std::forward<Argument>(argument));
         }
-    }
-
-    static void pack(void* const* values, ZTArgumentArray& packed)
-    {
-        std::size_t i = 0;
-        ((packed[i] = boxed<Held<P>>(values[i]), ++i), ...);
-        (void)values;
-        (void)packed;
-        (void)i;
-    }
-
-    template <class Value>
-    static ZTVariant boxed(const void* value)
-    {
-        return ZTVariant(*static_cast<const Value*>(value));
     }
 };
 } // namespace zt::detail

@@ -76,7 +76,7 @@ private:                                                                        
 /// the life of the process.
 #define ZT_CLASS(Class)                                                                            \
     ::zt::detail::ClassTable& Class::ztTable() { return ::zt::detail::declaredTable<Class>(); }    \
-    const ZTMetaClass& Class::typeMetaClass() { return ztTable().complete(); }                     \
+    const ZTMetaClass& Class::typeMetaClass() { return ::zt::detail::declaredClass<Class>(); }     \
     const ZTMetaClass* Class::metaClass() const { return ::zt::detail::classOfObject(*this); }     \
     const ZTMetaClass* Class::baseMetaClass() const { return &typeMetaClass(); }                   \
     [[maybe_unused]] static const bool ZT_DETAIL_UNIQUE(ztClassIsReady, __COUNTER__) =             \

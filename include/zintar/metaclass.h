@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/lent.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/variant.h>
@@ -166,11 +167,14 @@ public:
     {
         static_assert(sizeof...(Arguments) <= MaxParamCount,
                       "A call carries at most ZTMetaInvokable::MaxParamCount arguments.");
-        if constexpr (sizeof...(Arguments) == 0)
-            return invoke(ZTVariant(object));
-        ZTArgumentArray packed{packArgument(std::forward<Arguments>(arguments))...};
-        warnIfFewer(sizeof...(Arguments));
-        return invoke(ZTVariant(object), packed);
+        if constexpr (sizeof...(Arguments) == 0) {
+            return invoke(zt::detail::LentVariant(object));
+        } else {
+            warnIfFewer(sizeof...(Arguments));
+            // Copies: what is called may change what the arguments refer to.
+            zt::detail::LentCopies<Arguments...> copies(std::forward<Arguments>(arguments)...);
+            return invoke(zt::detail::LentVariant(object), copies);
+        }
     }
 
 private:
@@ -178,11 +182,6 @@ private:
     friend struct ZTDynamicMetaInvokable;
     ZTMetaInvokable() noexcept {}
 
-    template <class T>
-    static ZTVariant packArgument(T&& argument)
-    {
-        return ZTVariant(std::forward<T>(argument));
-    }
     void warnIfFewer(unsigned int supplied) const;
 };
 

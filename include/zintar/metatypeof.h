@@ -4,6 +4,7 @@
 #include <zintar/metatype.h>
 #include <zintar/typename.h>
 
+#include <atomic>
 #include <typeinfo>
 
 namespace zt::detail
@@ -24,11 +25,17 @@ const ZTMetaType& registerType(const ZTMetaClass* metaClass, const std::string& 
     }
 }
 
+/// The type of `T`, once it has been asked for.
 template <class T>
-const ZTMetaType& metaTypeOf()
+inline std::atomic<const ZTMetaType*> knownType = nullptr;
+
+template <class T>
+[[gnu::noinline]] const ZTMetaType& findOrRegisterType()
 {
     const ZTMetaType* known = ztMetaType(std::type_index(typeid(T)));
-    return known ? *known : registerType<T>(classOfPointer<T>());
+    const ZTMetaType& type = known ? *known : registerType<T>(classOfPointer<T>());
+    knownType<T>.store(&type, std::memory_order_release);
+    return type;
 }
 } // namespace zt::detail
 
@@ -45,6 +52,7 @@ template <class T>
 {
     static_assert(!std::is_reference_v<T> && !std::is_const_v<T> && !std::is_volatile_v<T>,
                   "ztMetaType<T>: T is a plain type, without reference and const at the top.");
-    static const ZTMetaType& type = zt::detail::metaTypeOf<zt::detail::Canonical<T>>();
-    return type;
+    using Known = zt::detail::Canonical<T>;
+    const ZTMetaType* known = zt::detail::knownType<Known>.load(std::memory_order_acquire);
+    return known ? *known : zt::detail::findOrRegisterType<Known>();
 }

@@ -16,6 +16,9 @@
 
 namespace zt::detail
 {
+class ClassTable;
+struct PropertyIndex;
+
 // clang-format off
 /// One key/value annotation of a property.
 struct ZT_EXPORT ZTPropertyInfo {
@@ -250,7 +253,12 @@ protected:
                                        const std::type_index& signature) const override;
 
 private:
+    friend class zt::detail::ClassTable;
+
     const zt::detail::ZTStaticMetaClassData* data;
+    /// Over a table that the library has to itself; otherwise null, since a host may change the
+    /// names in a table of its own.
+    const zt::detail::PropertyIndex* propertyIndex = nullptr;
     std::vector<ZTStaticMetaClassInfo> classInfos;
     std::vector<ZTStaticMetaEnum> enums;
     std::vector<ZTStaticMetaProperty> properties;

@@ -29,6 +29,10 @@ ZT_EXPORT void warnInvalidVariant(std::string_view askedType);
 /// Logs that a default value stands in for what cannot be made of a value of type `from`.
 ZT_EXPORT void warnFailedConversion(std::string_view askedType, const ZTMetaType& from);
 
+/// Whether a pointer of the one type is handed on as one of the other, by the relation of their
+/// classes.
+[[nodiscard]] ZT_EXPORT bool comesAlongClassTree(const ZTMetaType& from, const ZTMetaType& to);
+
 /// Whether the variant holds a pointer to an object that is not null.
 [[nodiscard]] ZT_EXPORT bool holdsPointer(const ZTVariant& variant);
 

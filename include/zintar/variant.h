@@ -22,22 +22,33 @@ template <class T>
 using ValueType =
     std::conditional_t<isText<std::decay_t<T>>, std::string, Canonical<std::decay_t<T>>>;
 
-class BorrowedPointer;
+struct Lending;
 
 template <class T>
 concept VariantValue = !std::is_same_v<std::remove_cvref_t<T>, ZTVariant>;
 
-/// Makes a value of type `Value` out of what a host wrote.
-template <class Value, class T>
-void* makeBlock(T&& value)
+/// What a host wrote, as the value that a variant holds; a null text is an empty one.
+template <class T>
+decltype(auto) asValue(T&& value)
 {
     if constexpr (std::is_pointer_v<std::decay_t<T>> && isText<std::decay_t<T>>) {
         const char* text = value;
-        return TypeFunctions<Value>::make(text ? text : "");
-    } else if constexpr (!std::is_same_v<std::decay_t<T>, Value>)
-        return TypeFunctions<Value>::make(static_cast<Value>(value));
-    else
-        return TypeFunctions<Value>::make(std::forward<T>(value));
+        return text ? text : "";
+    } else if constexpr (!std::is_same_v<std::decay_t<T>, ValueType<T>>) {
+        return static_cast<ValueType<T>>(value);
+    } else {
+        return std::forward<T>(value);
+    }
+}
+
+template <class Value>
+constexpr void assertHoldable()
+{
+    static_assert(!std::is_same_v<Value, void*>,
+                  "A variant cannot hold a void*: the type says nothing of what it points to. Use "
+                  "a pointer to a class, or a type of your own around it.");
+    static_assert(isCopyable<Value>,
+                  "A variant copies what it holds: the type of the value must be copyable.");
 }
 } // namespace zt::detail
 
@@ -106,7 +117,7 @@ public:
     [[nodiscard]] bool canConvert(const ZTMetaType& target) const;
 
 private:
-    friend class zt::detail::BorrowedPointer;
+    friend struct zt::detail::Lending;
 
     [[nodiscard]] ZTPartialOrdering compare(const ZTVariant& other) const;
 
@@ -132,12 +143,8 @@ ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant);
 template <zt::detail::VariantValue T>
 ZTVariant::ZTVariant(T&& value)
     : m_type(&::ztMetaType<zt::detail::ValueType<T>>()),
-      m_data(zt::detail::makeBlock<zt::detail::ValueType<T>>(std::forward<T>(value)))
+      m_data(zt::detail::TypeFunctions<zt::detail::ValueType<T>>::make(
+          zt::detail::asValue(std::forward<T>(value))))
 {
-    using Value = zt::detail::ValueType<T>;
-    static_assert(!std::is_same_v<Value, void*>,
-                  "A variant cannot hold a void*: the type says nothing of what it points to. Use "
-                  "a pointer to a class, or a type of your own around it.");
-    static_assert(zt::detail::isCopyable<Value>,
-                  "A variant copies what it holds: the type of the value must be copyable.");
+    zt::detail::assertHoldable<zt::detail::ValueType<T>>();
 }

@@ -46,8 +46,11 @@ template <class Object>
 Object* objectIn(const ZTVariant& object)
 {
     using Class = std::remove_const_t<Object>;
-    // The `ZTBase` stands first in every object.
-    if (&object.type() == &::ztMetaType<const ZTBase*>() && object.data()) {
+    // The last type of pointer that came along the class tree: the way need not be gone again.
+    static std::atomic<const ZTMetaType*> known = nullptr;
+    const ZTMetaType* type = &object.type();
+    if (type == known.load(std::memory_order_relaxed) && object.data()) {
+        // The `ZTBase` stands first in every object.
         auto* base = const_cast<ZTBase*>(*static_cast<const ZTBase* const*>(object.data()));
         if (base && isObjectOf<Class>(*base))
             return static_cast<Object*>(base);
@@ -55,9 +58,11 @@ Object* objectIn(const ZTVariant& object)
     auto* pointer = ztVariantValue<Object*>(object);
     const void* address = pointer;
     if (pointer && !isObjectOf<Class>(*static_cast<const ZTBase*>(address))) {
-        warnFailedConversion(askedName<Object*>(), object.type());
+        warnFailedConversion(askedName<Object*>(), *type);
         return nullptr;
     }
+    if (pointer && comesAlongClassTree(*type, ::ztMetaType<Object*>()))
+        known.store(type, std::memory_order_relaxed);
     return pointer;
 }
 

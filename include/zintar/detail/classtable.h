@@ -38,6 +38,8 @@ constexpr MemberIdentity memberIdentity()
     return {valueProbe<Member>(), typeProbe<decltype(Member)>()};
 }
 
+struct InvokableIndex;
+
 /// One member as the class declares it. What does not apply to its kind is empty.
 struct MemberRecord {
     MemberKind kind = MemberKind::Info;
@@ -111,6 +113,8 @@ public:
 private:
     void fillTypes();
     void addMembers();
+    void indexProperties();
+    void indexInvokables();
     void linkChangeEvents();
 
     static const ClassTable& of(const ZTMetaClass* self);
@@ -139,6 +143,8 @@ private:
     std::vector<const ZTStaticMetaPropertyData*> m_propertyList;
     std::vector<const ZTStaticMetaInvokableData*> m_invokableList;
 
-    std::unique_ptr<ZTMetaClass> m_descriptor;
+    std::unique_ptr<ZTStaticMetaClass> m_descriptor;
+    std::unique_ptr<PropertyIndex> m_propertyIndex;
+    std::unique_ptr<InvokableIndex> m_invokableIndex;
 };
 } // namespace zt::detail

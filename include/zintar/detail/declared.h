@@ -5,6 +5,7 @@
 #include <zintar/detail/members.h>
 #include <zintar/dynamicbase.h>
 
+#include <atomic>
 #include <cstddef>
 #include <type_traits>
 
@@ -168,6 +169,19 @@ ClassTable& declaredTable()
 {
     static ClassTable table(classDeclaration<C>());
     return table;
+}
+
+/// The descriptor of a declared class, complete.
+template <class C>
+const ZTMetaClass& declaredClass()
+{
+    static std::atomic<const ZTMetaClass*> complete = nullptr;
+    const ZTMetaClass* known = complete.load(std::memory_order_acquire);
+    if (!known) [[unlikely]] {
+        known = &ClassAccess::table<C>().complete();
+        complete.store(known, std::memory_order_release);
+    }
+    return *known;
 }
 
 template <class C>

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "../types/nameindex.h"
+
+#include <zintar/metaclass.h>
+
+namespace zt::detail
+{
+/// The properties of a class and of the super classes up to `beyond`, which is asked for others.
+struct PropertyIndex {
+    [[nodiscard]] const ZTMetaProperty* find(std::string_view name) const
+    {
+        if (const auto* found = names.find(name))
+            return *found;
+        return beyond ? beyond->property(name) : nullptr;
+    }
+
+    NameIndex<const ZTMetaProperty*> names;
+    const ZTMetaClass* beyond = nullptr;
+};
+} // namespace zt::detail
