@@ -9,6 +9,7 @@ using zt::detail::ZTHandlerBase;
 
 namespace
 {
+/// Reports an index that the class of the sender does not have.
 bool hasEvent(const ZTBase& sender, int index)
 {
     const ZTMetaClass* senderClass = sender.metaClass();
@@ -31,11 +32,11 @@ void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
     }
 }
 
-void ZTBase::sendValues(ZTEventSlot& slot, int index, const ZTMetaInvokable& declared,
+void ZTBase::sendValues(ZTEventSlot& slot, const zt::detail::DeclaredEvent& declared,
                         void** addresses) const
 {
-    ZTEventValues values(declared, addresses);
-    priv->dispatch(slot, index, values);
+    ZTEventValues values(declared.descriptor, addresses);
+    priv->dispatch(slot, declared.index, values);
 }
 
 void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
@@ -46,7 +47,11 @@ void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
 
 ZTEventSlot* ZTBase::heardSlot(int index) const
 {
-    if (!priv || priv->sentEventBlockers)
+    if (index < 0) [[unlikely]] {
+        (void)hasEvent(*this, index);
+        return nullptr;
+    }
+    if (!priv || !priv->eventSlots || priv->sentEventBlockers)
         return nullptr;
     ZTEventSlot* slot = priv->findSlot(index);
     return slot && slot->listed > 0 ? slot : nullptr;
@@ -146,7 +151,7 @@ void ZTBasePrivate::dispatch(ZTEventSlot& slot, int index, ZTEventValues& values
 {
     const ZTMetaInvokable* event = slot.eventOf(*object, index);
     if (!event) {
-        (void)hasEvent(*object, index); // says what is wrong
+        (void)hasEvent(*object, index);
         return;
     }
     values.fitTo(*event);
@@ -205,8 +210,8 @@ void ZTEventValues::collectAddresses(const ZTMetaInvokable& event)
         const ZTMetaType& declared = event.parameterMetaType(i);
         if (declared == variantType)
             m_collected[i] = const_cast<ZTVariant*>(&value);
-        else if (&value.type() == &declared)
-            m_collected[i] = value.data();
+        else
+            m_collected[i] = &value.type() == &declared ? value.data() : nullptr;
     }
 }
 

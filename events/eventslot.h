@@ -137,8 +137,8 @@ private:
 struct ZTEventValues {
     explicit ZTEventValues(const ZTArgumentArray& array) : m_array(&array) {}
     /// The values are those of the event `declared`.
-    ZTEventValues(const ZTMetaInvokable& declared, void** addresses)
-        : m_declared(&declared), m_addresses(addresses)
+    ZTEventValues(const ZTMetaInvokable* declared, void** addresses)
+        : m_declared(declared), m_addresses(addresses)
     {}
 
     /// Keeps typed values from being taken for those of `event`, another one at the same index:
@@ -158,5 +158,5 @@ private:
     const ZTMetaInvokable* m_declared = nullptr;
     void** m_addresses = nullptr;
     std::optional<zt::detail::LentArguments> m_lent;
-    void* m_collected[zt::detail::maxParamCount] = {};
+    void* m_collected[zt::detail::maxParamCount];
 };

@@ -19,6 +19,16 @@ namespace zt::detail
 class ClassTable;
 struct ClassAccess;
 
+/// An event as it is raised with typed values.
+struct DeclaredEvent {
+    DeclaredEvent(const ZTMetaClass& declaringClass, int indexInClass)
+        : index(indexInClass), descriptor(declaringClass.invokable(indexInClass))
+    {}
+
+    int index; ///< class-wide; -1 when the class does not list the event
+    const ZTMetaInvokable* descriptor;
+};
+
 template <auto Event, class Params>
 struct TypedEvent;
 
@@ -309,10 +319,11 @@ private:
     static bool unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                 const ZTBase* subscriber, void* key);
 
-    /// The subscribers of that event; null when a send would reach nobody.
+    /// The subscribers of that event; null when a send would reach nobody. Reports a negative
+    /// index.
     [[nodiscard]] ZTEventSlot* heardSlot(int index) const;
-    /// Sends values that are those of the event `declared`, of the types that it has.
-    void sendValues(ZTEventSlot& slot, int index, const ZTMetaInvokable& declared,
+    /// Sends values of the types that the event declares, given by their addresses.
+    void sendValues(ZTEventSlot& slot, const zt::detail::DeclaredEvent& declared,
                     void** values) const;
 
     static zt::detail::ClassTable& ztTable();
@@ -331,18 +342,12 @@ struct TypedEvent<Event, Parameters<P...>> {
     static_assert(sizeof...(P) <= maxParamCount,
                   "An event carries at most ZTMetaInvokable::MaxParamCount parameters.");
 
-    static int index()
+    static const DeclaredEvent& declared()
     {
         using Class = typename MemberTraits<decltype(Event)>::Class;
-        static const int found = indexOfMember<Class>(memberKey<Event>());
+        static const DeclaredEvent found(Class::typeMetaClass(),
+                                         indexOfMember<Class>(memberKey<Event>()));
         return found;
-    }
-
-    static const ZTMetaInvokable& descriptor()
-    {
-        using Class = typename MemberTraits<decltype(Event)>::Class;
-        static const auto* found = Class::typeMetaClass().invokable(index());
-        return *found;
     }
 
     template <class... Arguments>
@@ -353,24 +358,28 @@ struct TypedEvent<Event, Parameters<P...>> {
         if constexpr (sizeof...(Arguments) == sizeof...(P)) {
             static_assert((std::is_convertible_v<Arguments, Held<P>> && ...),
                           "sendEvent takes what converts to the parameters of the event.");
-            int event = index();
-            if (event < 0)
-                sender.sendEvent(event, ZTArgumentArray()); // not listed: says so
-            ZTEventSlot* slot = sender.heardSlot(event);
-            if (!slot)
-                return;
-            // Copies: a handler may change what the arguments refer to.
-            std::tuple<Held<P>...> values(hold<P>(std::forward<Arguments>(arguments))...);
-            std::apply(
-                [&](auto&... value) {
-                    void* addresses[maxParamCount] = {&value...};
-                    sender.sendValues(*slot, event, descriptor(), addresses);
-                },
-                values);
+            const DeclaredEvent& event = declared();
+            if (ZTEventSlot* slot = sender.heardSlot(event.index)) [[unlikely]]
+                deliver(sender, *slot, event, std::forward<Arguments>(arguments)...);
         }
     }
 
 private:
+    // Out of line, so that a send that nobody hears is short.
+    template <class... Arguments>
+    [[gnu::noinline]] static void deliver(const ZTBase& sender, ZTEventSlot& slot,
+                                          const DeclaredEvent& event, Arguments&&... arguments)
+    {
+        // Copies: a handler may change what the arguments refer to.
+        std::tuple<Held<P>...> values(hold<P>(std::forward<Arguments>(arguments))...);
+        std::apply(
+            [&](auto&... value) {
+                void* addresses[] = {&value..., nullptr};
+                sender.sendValues(slot, event, addresses);
+            },
+            values);
+    }
+
     template <class Parameter, class Argument>
     static Held<Parameter> hold(Argument&& argument)
     {

@@ -58,8 +58,9 @@ public:                                                                         
     static_assert(::zt::detail::isObjectClass<Super>,                                              \
                   "ZT_OBJECT: the super class of an object class must be ZTBase or derived from "  \
                   "it.");                                                                          \
-    _Pragma("GCC diagnostic push") ZT_DETAIL_NO_OVERRIDE_WARNING [[nodiscard]] const ZTMetaClass*  \
-    metaClass() const;                                                                             \
+    _Pragma("GCC diagnostic push") ZT_DETAIL_NO_OVERRIDE_WARNING                                   \
+        [[nodiscard, maybe_unused]] const ZTMetaClass*                                             \
+        metaClass() const;                                                                         \
     [[nodiscard, maybe_unused]] const ZTMetaClass* baseMetaClass() const;                          \
     _Pragma("GCC diagnostic pop") [[nodiscard]] static const ZTMetaClass& typeMetaClass();         \
                                                                                                    \
