@@ -45,11 +45,13 @@ void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& v
     const auto* found = byName.find(name);
     if (found && !((*found)->value != value))
         return;
-    zt::detail::DynamicProperty& property =
-        found ? **found : list.emplace_back(std::string(name), ZTVariant());
     if (!found)
+        list.push_back({std::string(name), value});
+    zt::detail::DynamicProperty& property = found ? **found : list.back();
+    if (found)
+        property.value = value;
+    else
         byName.add(property.name, &property);
-    property.value = value;
     object->dynamicPropertyChanged(property.name, value);
 }
 

@@ -101,10 +101,10 @@ void* takeBlock(std::size_t size)
 void giveBlockBack(void* block, std::size_t size) noexcept
 {
     std::size_t index = listOf(size);
-    if (index < listCount && block) {
-        if (!freeLists)
+    if (index < listCount) {
+        if (!freeLists) [[unlikely]]
             startKeeping();
-        if (FreeLists* kept = freeLists; kept && kept->lists[index].keep(block))
+        if (FreeLists* kept = freeLists; kept && kept->lists[index].keep(block)) [[likely]]
             return;
     }
     ::operator delete(block);
