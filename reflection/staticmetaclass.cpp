@@ -118,12 +118,18 @@ ZTStaticMetaClass::ZTStaticMetaClass(const ZTStaticMetaClassData* table)
       invokables(describe<ZTStaticMetaInvokable>(table->invokables, table->invokableCount))
 {}
 
-ZTStaticMetaClass::ZTStaticMetaClass(const ZTStaticMetaClass& other) = default;
-ZTStaticMetaClass& ZTStaticMetaClass::operator=(const ZTStaticMetaClass& other) = default;
+// No copy has an index: it names the descriptors of the original.
+
+ZTStaticMetaClass::ZTStaticMetaClass(const ZTStaticMetaClass& other) : ZTStaticMetaClass(other.data)
+{}
+
+ZTStaticMetaClass& ZTStaticMetaClass::operator=(const ZTStaticMetaClass& other)
+{
+    return *this = ZTStaticMetaClass(other);
+}
 
 ZTStaticMetaClass::ZTStaticMetaClass(ZTStaticMetaClass&& other) noexcept
     : data(other.data),
-      propertyIndex(other.propertyIndex),
       classInfos(std::move(other.classInfos)),
       enums(std::move(other.enums)),
       properties(std::move(other.properties)),
@@ -133,7 +139,7 @@ ZTStaticMetaClass::ZTStaticMetaClass(ZTStaticMetaClass&& other) noexcept
 ZTStaticMetaClass& ZTStaticMetaClass::operator=(ZTStaticMetaClass&& other) noexcept
 {
     data = other.data;
-    propertyIndex = other.propertyIndex;
+    propertyIndex = nullptr;
     if (this != &other) {
         classInfos = std::move(other.classInfos);
         enums = std::move(other.enums);

@@ -149,6 +149,19 @@ TEST_F(Declare, ClassIsFoundByItsPointersAndItsFunctions)
     EXPECT_EQ(Device::typeMetaClass().indexOfInvokable(&mix), -1);
 }
 
+TEST_F(Declare, NamesAreFoundOverAllLevelsAndInACopyOfItsOwn)
+{
+    const ZTMetaClass& type = *object.metaClass();
+    for (unsigned int i = 0; i < type.propertyCount(); ++i)
+        EXPECT_EQ(type.property(type.property(i)->name()), type.property(i));
+    EXPECT_EQ(type.property("spar"), nullptr);
+    EXPECT_EQ(type.property(""), nullptr);
+    const ZTStaticMetaClass copy(static_cast<const ZTStaticMetaClass&>(type));
+    EXPECT_EQ(copy.property("spare"), copy.property(4U));
+    EXPECT_NE(copy.property("spare"), type.property("spare"));
+    EXPECT_EQ(copy.property("label"), type.property("label"));
+}
+
 TEST_F(Declare, FunctionsAndPropertiesReachTheObject)
 {
     EXPECT_EQ(call(6, 1), ZTVariant(2));

@@ -161,6 +161,23 @@ TEST_F(Properties, HandlerWritesTheSamePropertyAgain)
     EXPECT_EQ(valve.property<int>("x"), 2);
 }
 
+TEST_F(Properties, NamesOfAllLengthsAreToldApart)
+{
+    std::vector<std::string> names;
+    for (std::size_t length = 0; length <= 40; ++length)
+        for (std::size_t odd = 0; odd <= length; ++odd) {
+            names.emplace_back(length, 'x');
+            if (odd < length)
+                names.back()[odd] = '\0';
+        }
+    for (std::size_t i = 0; i < names.size(); ++i)
+        ASSERT_TRUE(observer.setProperty(names[i], i, true));
+    EXPECT_EQ(observer.dynamicProperties().size(), names.size());
+    for (std::size_t i = 0; i < names.size(); ++i)
+        EXPECT_EQ(observer.property<std::size_t>(names[i]), i);
+    EXPECT_FALSE(observer.property(std::string(41, 'x')));
+}
+
 TEST_F(Properties, ThrowingCopyLosesNothing)
 {
     using support::Counted;
