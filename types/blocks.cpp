@@ -1,6 +1,7 @@
 #include <zintar/detail/blocks.h>
 
 #include <new>
+#include <utility>
 
 #if defined(__has_feature)
 #    if __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) ||                     \
@@ -61,29 +62,38 @@ struct FreeLists {
     FreeList lists[listCount];
 };
 
-/// Null before the thread's first block is given back, and again when the thread is ending.
+/// Null before the thread's first block is given back, and again when the thread is ending. A mere
+/// pointer: there is little room for what a library that is loaded late keeps for each thread.
 [[gnu::tls_model("initial-exec")]] thread_local FreeLists* freeLists = nullptr;
 thread_local bool threadIsEnding = false;
 
 struct ThreadEnd {
-    FreeLists lists;
-    ThreadEnd() { freeLists = &lists; }
+    ThreadEnd() { freeLists = new (std::nothrow) FreeLists; }
     ThreadEnd(const ThreadEnd&) = delete;
     ThreadEnd& operator=(const ThreadEnd&) = delete;
     ~ThreadEnd()
     {
         // What is destroyed later on this thread gives its blocks back past the lists.
-        freeLists = nullptr;
         threadIsEnding = true;
+        delete std::exchange(freeLists, nullptr);
     }
 };
 
-/// Lays the lists of the thread out.
-[[gnu::noinline]] void startKeeping()
+bool keep(void* block, std::size_t index)
 {
-    if (threadIsEnding)
-        return;
-    thread_local ThreadEnd atThreadEnd;
+    FreeLists* kept = freeLists;
+    return kept && kept->lists[index].keep(block);
+}
+
+/// For a full list, and for a thread whose lists are not laid out.
+[[gnu::noinline]] void giveBackElsewhere(void* block, std::size_t index)
+{
+    if (!freeLists && !threadIsEnding) {
+        thread_local ThreadEnd atThreadEnd;
+        if (keep(block, index))
+            return;
+    }
+    ::operator delete(block);
 }
 } // namespace
 
@@ -101,13 +111,10 @@ void* takeBlock(std::size_t size)
 void giveBlockBack(void* block, std::size_t size) noexcept
 {
     std::size_t index = listOf(size);
-    if (index < listCount) {
-        if (!freeLists) [[unlikely]]
-            startKeeping();
-        if (FreeLists* kept = freeLists; kept && kept->lists[index].keep(block)) [[likely]]
-            return;
-    }
-    ::operator delete(block);
+    if (index >= listCount)
+        ::operator delete(block);
+    else if (!keep(block, index)) [[unlikely]]
+        giveBackElsewhere(block, index);
 }
 #endif
 } // namespace zt::detail
