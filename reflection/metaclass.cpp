@@ -95,7 +95,7 @@ void ZTMetaInvokable::warnIfFewer(unsigned int supplied) const
 ZTVariant ZTMetaInvokable::invoke(const ZTVariant& object) const
 {
     warnIfFewer(0);
-    return invoke(object, ZTArgumentArray());
+    return invoke(object, ZTArgumentArray{});
 }
 
 namespace

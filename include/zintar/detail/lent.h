@@ -49,7 +49,7 @@ private:
 class LentArguments
 {
 public:
-    LentArguments() : m_array() {}
+    LentArguments() : m_array{} {} // braces: parentheses would clear the bytes first
     LentArguments(const LentArguments&) = delete;
     LentArguments& operator=(const LentArguments&) = delete;
     ~LentArguments() {}
