@@ -1,51 +1,16 @@
 #include "support/logs.h"
+#include "support/sampleclasses.h"
 
-#include <zintar/declare.h>
+#include <zintar/dynamicbase.h>
 #include <zintar/metaclassbuilder.h>
+#include <zintar/staticmetaclass.h>
 
 #include <memory>
 #include <type_traits>
 
-namespace sample
-{
-/// The declared prototype: a property that can be written, one that cannot, and one each with an
-/// own and an inherited change event.
-class Gauge : public ZTBase
-{
-    ZT_OBJECT(Gauge, ZTBase)
-public:
-    int level() const { return m_level; }
-    void setLevel(int level) { m_level = level; }
-    int serial() const { return 77; }
-    int reset(int to) { return m_level = to; }
-    void warned() { sendEvent<&Self::warned>(); }
-    void levelChanged(int level) { sendEvent<&Self::levelChanged>(level); }
-
-private:
-    static constexpr auto members()
-    {
-        return zt::members(
-            zt::method<&Self::reset>(), zt::event<&Self::warned>(),
-            zt::event<&Self::levelChanged>(),
-            zt::property<&Self::level, &Self::setLevel>().notify<&Self::levelChanged>().info("unit",
-                                                                                             "m"),
-            zt::property<&Self::serial>());
-    }
-    int m_level = 3;
-};
-class Stranger : public ZTBase
-{
-    ZT_OBJECT(Stranger, ZTBase)
-private:
-    static constexpr auto members() { return zt::members(); }
-};
-ZT_CLASS(Gauge)
-ZT_CLASS(Stranger)
-} // namespace sample
-
 namespace
 {
-using namespace sample;
+using sample::Heater;
 using Owned = std::unique_ptr<ZTMetaClass>;
 
 template <class Builder>
@@ -55,9 +20,17 @@ constexpr bool isPureHandle =
 static_assert(isPureHandle<ZTMetaClassInfoBuilder> && isPureHandle<ZTMetaEnumBuilder> &&
               isPureHandle<ZTMetaInvokableBuilder> && isPureHandle<ZTMetaPropertyBuilder>);
 
-TEST(MemberBuilder, OfANewMemberReadsNeutrally)
-{
+struct MemberBuilder : testing::Test {
     ZTMetaClassBuilder builder;
+    Heater heater;
+    ZTDynamicBase stranger;
+    const ZTVariant pointer{&heater}, strangePointer{&stranger};
+    const ZTVariant nullPointer{static_cast<Heater*>(nullptr)};
+    const ZTMetaClass& declared = Heater::typeMetaClass();
+};
+
+TEST_F(MemberBuilder, OfANewMemberReadsNeutrally)
+{
     builder.addClassInfo();
     builder.addEnum();
     builder.addInvokable();
@@ -76,13 +49,11 @@ TEST(MemberBuilder, OfANewMemberReadsNeutrally)
     }
 }
 
-TEST(EnumBuilder, RefusesNamesAndValuesThatAreThere)
+TEST_F(MemberBuilder, OfAnEnumRefusesNamesAndValuesThatAreThere)
 {
-    ZTMetaClassBuilder builder;
     auto kind = builder.addEnum();
     EXPECT_TRUE(kind.add("A", 1));
     EXPECT_FALSE(kind.add("A", 2) || kind.add("B", 1));
-    EXPECT_EQ(kind.count(), 1);
     EXPECT_TRUE(kind.add("B", 2) && kind.add("", -1));
     kind.remove(3);
     kind.remove(0);
@@ -92,15 +63,22 @@ TEST(EnumBuilder, RefusesNamesAndValuesThatAreThere)
     EXPECT_EQ(kind.value(2), -1);
     EXPECT_TRUE(kind.enumerator(2).empty() && kind.enumerator(2).data());
     EXPECT_TRUE(kind.add("A", 1));
+
+    // A prototype's are taken as they are.
+    const std::string_view names[] = {"A", "A", "B"};
+    const int values[] = {1, 1, 1};
+    const zt::detail::ZTStaticMetaEnumData data("Kind", 3, names, values);
+    const ZTStaticMetaEnum prototype(&data);
+    auto copy = builder.addEnum(&prototype);
+    EXPECT_TRUE(copy.count() == 3 && copy.enumerator(1) == "A" && copy.value(2) == 1);
+    EXPECT_FALSE(copy.add("B", 7));
 }
 
-TEST(PropertyBuilder, KeepsAnnotationsInTheirOrder)
+TEST_F(MemberBuilder, OfAPropertyKeepsAnnotationsInTheirOrder)
 {
-    ZTMetaClassBuilder builder;
     auto property = builder.addProperty();
-    property.addPropInfo("k", "1");
-    property.addPropInfo("k", "2");
-    property.addPropInfo("", "");
+    for (const char* value : {"1", "2", ""})
+        property.addPropInfo("k", value);
     property.removePropInfo(3);
     property.removePropInfo(0);
     EXPECT_EQ(property.propInfoCount(), 2U);
@@ -109,15 +87,13 @@ TEST(PropertyBuilder, KeepsAnnotationsInTheirOrder)
     EXPECT_TRUE(property.propInfoKey(2).empty() && property.propInfoValue(2).data());
 }
 
-TEST(PropertyBuilder, PlainFunctionsLeaveTheTypeAlone)
+TEST_F(MemberBuilder, OfAPropertyTakesPlainFunctionsAndLeavesTheType)
 {
-    ZTMetaClassBuilder builder;
     auto property = builder.addProperty();
     property.setMetaType(ztMetaType<double>());
     property.setGetter([](const ZTVariant& object) { return object; });
     property.setSetter([](const ZTVariant&, const ZTVariant& value) { return value; });
     EXPECT_EQ(&property.metaType(), &ztMetaType<double>());
-    EXPECT_TRUE(property.canGet() && property.canSet());
     EXPECT_EQ(property.getter()(ZTVariant(5)), ZTVariant(5));
     const Owned made(builder.toMetaClass());
     EXPECT_EQ(made->property(0U)->set(ZTVariant(), ZTVariant(6)), ZTVariant(6));
@@ -126,84 +102,59 @@ TEST(PropertyBuilder, PlainFunctionsLeaveTheTypeAlone)
     EXPECT_FALSE(property.canGet() || property.canSet() || property.setter());
 }
 
-TEST(PropertyBuilder, TypedFunctionsSetTheType)
+TEST_F(MemberBuilder, OfAPropertyTakesTypedFunctionsWithTheType)
 {
-    ZTMetaClassBuilder builder;
     auto property = builder.addProperty();
-    property.setGetter([](const Gauge& self) { return self.level(); });
-    EXPECT_EQ(&property.metaType(), &ztMetaType<int>());
-    property.setGetter<double>([](const Gauge& self) { return self.level(); });
+    property.setGetter<double>([](const Heater& self) { return self.level(); });
     EXPECT_EQ(&property.metaType(), &ztMetaType<double>());
-    Gauge gauge;
-    EXPECT_EQ(property.getter()(ZTVariant(&gauge)), ZTVariant(3.0));
-    property.setSetter([](Gauge& self, const int& level) { self.setLevel(level); });
+    EXPECT_EQ(property.getter()(pointer), ZTVariant(1.0));
+    property.setSetter([](Heater& self, const int& level) { self.setLevel(level); });
     EXPECT_EQ(&property.metaType(), &ztMetaType<int>());
-    property.setter()(ZTVariant(&gauge), ZTVariant(9));
-    EXPECT_EQ(gauge.level(), 9);
-    int calls = 0;
-    property.setGetter([calls](const ZTBase&) mutable { return ++calls; });
+    property.setter()(pointer, ZTVariant(9));
+    EXPECT_EQ(heater.level(), 9);
+    EXPECT_LOGS_NOTHING([&] { // of unrelated classes nothing is said
+        EXPECT_FALSE(property.getter()(strangePointer) || property.getter()(nullPointer));
+        EXPECT_FALSE(property.setter()(nullPointer, ZTVariant(1)));
+    });
+    EXPECT_NE(support::logOf([&] { property.setter()(pointer, ZTVariant()); }), "");
+    EXPECT_EQ(heater.level(), 9);
+    property.setGetter([calls = 0](const ZTBase&) mutable { return ++calls; });
     auto getter = property.getter();
-    EXPECT_EQ(getter(ZTVariant(&gauge)), ZTVariant(1));
-    EXPECT_EQ(getter(ZTVariant(&gauge)), ZTVariant(2));
+    EXPECT_EQ(getter(pointer), ZTVariant(1));
+    EXPECT_EQ(getter(pointer), ZTVariant(2));
 }
 
-TEST(PropertyBuilder, TypedFunctionsRefuseWhatDoesNotFit)
+TEST_F(MemberBuilder, OfAMethodTakesTypedFunctionsWithTheSignature)
 {
-    ZTMetaClassBuilder builder;
-    auto property = builder.addProperty();
-    property.setGetter([](const Gauge& self) { return self.level(); });
-    property.setSetter([](Gauge& self, int level) { self.setLevel(level); });
-    Gauge gauge;
-    Stranger stranger;
-    support::CapturedLog log;
-    EXPECT_FALSE(property.getter()(ZTVariant(&stranger)));
-    EXPECT_FALSE(property.setter()(ZTVariant(static_cast<Gauge*>(nullptr)), ZTVariant(1)));
-    EXPECT_EQ(log.all(), ""); // unrelated classes give a null pointer without a word
-    property.setter()(ZTVariant(&gauge), ZTVariant());
-    EXPECT_NE(log.all().find("type \"int\""), std::string::npos) << log.all();
-    EXPECT_EQ(gauge.level(), 3);
-}
-
-TEST(InvokableBuilder, TypedFunctionTellsTypesAndConstness)
-{
-    ZTMetaClassBuilder builder;
-    auto invokable = builder.addInvokable();
-    invokable.setFunction([](const Gauge& self, const std::string& text, float) {
+    auto method = builder.addInvokable();
+    method.setFunction([](const Heater& self, const std::string& text, float) {
         return text + std::to_string(self.level());
     });
-    EXPECT_TRUE(invokable.isConst());
-    EXPECT_EQ(&invokable.returnMetaType(), &ztMetaType<std::string>());
-    const std::vector<const ZTMetaType*> types{&ztMetaType<std::string>(), &ztMetaType<float>()};
-    EXPECT_EQ(invokable.parameterMetaTypes(), types);
-    const Gauge gauge;
+    EXPECT_TRUE(method.isConst());
+    EXPECT_EQ(&method.returnMetaType(), &ztMetaType<std::string>());
+    EXPECT_EQ(method.parameterMetaTypes(),
+              (std::vector{&ztMetaType<std::string>(), &ztMetaType<float>()}));
     const Owned made(builder.toMetaClass());
-    EXPECT_EQ(made->invokable(0U)->invoke(&gauge, "level ", 1.0F), ZTVariant("level 3"));
-    invokable.setFunction([](Gauge& self) { self.setLevel(0); });
-    EXPECT_FALSE(invokable.isConst() || !invokable.parameterMetaTypes().empty());
-    EXPECT_EQ(&invokable.returnMetaType(), &ztMetaType<void>());
-}
+    const Heater& constant = heater;
+    EXPECT_EQ(made->invokable(0U)->invoke(&constant, "level ", 1.0F), ZTVariant("level 1"));
 
-TEST(InvokableBuilder, TypedFunctionMeetsWrongArgumentsAndObjects)
-{
-    ZTMetaClassBuilder builder;
-    auto invokable = builder.addInvokable();
     int calls = 0;
-    invokable.setFunction([&calls](Gauge& self, int to) { return ++calls, self.reset(to); });
-    const auto function = invokable.function();
-    Gauge gauge;
-    Stranger stranger;
-    EXPECT_LOGS_NOTHING([&] { EXPECT_FALSE(function(ZTVariant(&stranger), {ZTVariant(1)})); });
+    method.setFunction([&calls](Heater& self, int to) { ++calls, self.setLevel(to); });
+    EXPECT_FALSE(method.isConst());
+    EXPECT_EQ(&method.returnMetaType(), &ztMetaType<void>());
+    const auto function = method.function();
+    EXPECT_LOGS_NOTHING([&] { EXPECT_FALSE(function(strangePointer, {ZTVariant(1)})); });
     EXPECT_EQ(calls, 0);
+    function(ZTVariant(static_cast<ZTBase*>(&heater)), {ZTVariant(8)});
+    EXPECT_EQ(heater.level(), 8);
     EXPECT_LOGS("Zintar Warning: Retrieved default-constructed value of type \"int\" "
                 "converting from invalid ZTVariant.\n",
-                [&] { EXPECT_EQ(function(ZTVariant(&gauge), {}), ZTVariant(0)); });
-    EXPECT_EQ(calls, 1);
-    EXPECT_EQ(function(ZTVariant(static_cast<ZTBase*>(&gauge)), {ZTVariant(8)}), ZTVariant(8));
+                [&] { function(pointer, {}); });
+    EXPECT_TRUE(calls == 2 && heater.level() == 0);
 }
 
-TEST(InvokableBuilder, PlainFunctionIsFoundByItsKey)
+TEST_F(MemberBuilder, OfAMethodTakesPlainFunctionsWithAKey)
 {
-    ZTMetaClassBuilder builder;
     auto keyed = builder.addInvokable();
     int key = 0;
     keyed.setFunction([](const ZTVariant& object, const ZTArgumentArray&) { return object; }, &key);
@@ -215,11 +166,21 @@ TEST(InvokableBuilder, PlainFunctionIsFoundByItsKey)
     EXPECT_EQ(made->invokable(0U)->parameterCount(), 11U);
     EXPECT_EQ(made->invokable(0U)->invoke(ZTVariant(5), ZTArgumentArray()), ZTVariant(5));
     EXPECT_FALSE(made->invokable(1U)->invoke(ZTVariant(5), ZTArgumentArray()));
+
+    // A copy has the function of a run-time class, and none of a declared one.
+    ZTMetaClassBuilder other;
+    other.addInvokable(declared.invokable(5U));
+    other.addInvokable(made->invokable(0U));
+    const Owned copies(other.toMetaClass());
+    EXPECT_EQ(&copies->invokable(0U)->returnMetaType(), &ztMetaType<double>());
+    EXPECT_FALSE(copies->invokable(0U)->invoke(&heater, 9, 0.5));
+    EXPECT_EQ(heater.level(), 1);
+    EXPECT_EQ(copies->indexOfInvokable(&key), 1);
+    EXPECT_EQ(copies->invokable(1U)->invoke(ZTVariant(5), ZTArgumentArray()), ZTVariant(5));
 }
 
-TEST(ChangeEvent, IsRefusedFromAnotherClassBuilder)
+TEST_F(MemberBuilder, OfAPropertyTakesAnEventOfItsOwnClassBuilder)
 {
-    ZTMetaClassBuilder builder;
     ZTMetaClassBuilder other;
     auto property = builder.addProperty();
     auto event = builder.addInvokable();
@@ -227,7 +188,6 @@ TEST(ChangeEvent, IsRefusedFromAnotherClassBuilder)
     property.setChangeEvent(foreign);
     EXPECT_EQ(property.changeEventIndex(), -1);
     property.setChangeEvent(event); // whether it is an event is not asked
-    EXPECT_EQ(property.changeEventIndex(), 0);
     property.setChangeEvent(foreign);
     property.setChangeEvent(builder.invokable(99));
     EXPECT_EQ(property.changeEventIndex(), 0);
@@ -238,60 +198,22 @@ TEST(ChangeEvent, IsRefusedFromAnotherClassBuilder)
     EXPECT_EQ(detached.changeEventIndex(), -1);
 }
 
-TEST(CopyOfAProperty, OfADeclaredClassKeepsItsFunctions)
+TEST_F(MemberBuilder, OfACopiedPropertyFindsItsEventByPosition)
 {
-    ZTMetaClassBuilder builder;
     builder.setSuperClass(&ZTBase::typeMetaClass());
-    builder.addInvokable();
-    builder.addInvokable();
-    builder.addInvokable().setName("third");
-    auto level = builder.addProperty(Gauge::typeMetaClass().property("level"));
-    auto serial = builder.addProperty(Gauge::typeMetaClass().property("serial"));
-    Gauge gauge;
+    for (const char* name : {"first", "second", "third"})
+        builder.addInvokable().setName(name);
+    auto level = builder.addProperty(declared.property("level"));
+    auto serial = builder.addProperty(declared.property("serial"));
     EXPECT_TRUE(level.canGet() && level.canSet() && serial.canGet() && !serial.canSet());
-    EXPECT_EQ(level.getter()(ZTVariant(&gauge)), ZTVariant(3));
-    EXPECT_EQ(level.propInfoValue(0), "m");
-    EXPECT_EQ(level.changeEventIndex(), 6); // by position: whatever stands third here
+    EXPECT_EQ(level.getter()(pointer), ZTVariant(1));
+    EXPECT_EQ(level.propInfoValue(1), "W");
+    EXPECT_EQ(level.changeEventIndex(), 6); // whatever stands third here
     EXPECT_EQ(serial.changeEventIndex(), -1);
     ZTMetaClassBuilder empty;
-    EXPECT_EQ(empty.addProperty(Gauge::typeMetaClass().property("level")).changeEventIndex(), -1);
-}
-
-TEST(CopyOfAnInvokable, KeepsTheFunctionOfARunTimeClassAlone)
-{
-    int key = 0;
-    ZTMetaClassBuilder source;
-    auto original = source.addInvokable();
-    original.setFunction([](const ZTVariant&, const ZTArgumentArray&) { return ZTVariant(4); },
-                         &key);
-    original.setAccessSpecifier(ZTAccessSpecifier::Protected);
-    const Owned prototype(source.toMetaClass());
-    ZTMetaClassBuilder builder;
-    builder.addInvokable(Gauge::typeMetaClass().invokable<void(int)>("reset"));
-    builder.addInvokable(prototype->invokable(0U));
-    const Owned made(builder.toMetaClass());
-    EXPECT_EQ(made->invokable(0U)->name(), "reset");
-    EXPECT_EQ(&made->invokable(0U)->returnMetaType(), &ztMetaType<int>());
-    Gauge gauge;
-    EXPECT_FALSE(made->invokable(0U)->invoke(&gauge, 9));
-    EXPECT_EQ(gauge.level(), 3);
-    EXPECT_EQ(made->indexOfInvokable(&key), 1);
-    EXPECT_EQ(made->invokable(1U)->accessSpecifier(), ZTAccessSpecifier::Protected);
-    EXPECT_EQ(made->invokable(1U)->invoke(ZTVariant(), ZTArgumentArray()), ZTVariant(4));
-}
-
-TEST(CopyOfAnEnum, TakesRepeatedEnumeratorsAsTheyAre)
-{
-    const std::string_view names[] = {"A", "A", "B"};
-    const int values[] = {1, 1, 1};
-    const zt::detail::ZTStaticMetaEnumData data("Kind", 3, names, values);
-    const ZTStaticMetaEnum prototype(&data);
-    ZTMetaClassBuilder builder;
-    auto copy = builder.addEnum(&prototype);
-    EXPECT_EQ(copy.name(), "Kind");
-    EXPECT_EQ(copy.count(), 3);
-    EXPECT_EQ(copy.enumerator(1), "A");
-    EXPECT_EQ(copy.value(2), 1);
-    EXPECT_FALSE(copy.add("B", 7));
+    EXPECT_EQ(empty.addProperty(declared.property("level")).changeEventIndex(), -1);
+    empty.setSuperClass(&declared); // to which the event belongs
+    empty.addInvokable();
+    EXPECT_EQ(empty.addProperty(declared.property("level")).changeEventIndex(), -1);
 }
 } // namespace
