@@ -1,7 +1,7 @@
-#include "support/classes.h"
 #include "support/logs.h"
 
 #include <zintar/metatypeof.h>
+#include <zintar/variant.h>
 
 namespace
 {
@@ -75,58 +75,12 @@ TEST(ConversionToItself, TouchesTheTargetOnlyByAConverter)
     struct Own {
         double degrees = 0;
     };
-    Own source{5};
-    Own target{1};
+    Own source{5}, target{1};
     const ZTMetaType& type = ztMetaType<Own>();
     EXPECT_TRUE(type.convert(&source, type, &target));
     EXPECT_EQ(target.degrees, 1);
     zt::detail::ztRegisterConverter(type, type, &toKelvin);
     EXPECT_TRUE(type.convert(&source, type, &target));
     EXPECT_EQ(target.degrees, 278);
-}
-
-std::string rule(const ZTMetaType& from, const ZTMetaType& to)
-{
-    bool null = false;
-    bool notNull = true;
-    bool applies = zt::detail::can_convert_meta_class(from, to, null);
-    EXPECT_EQ(zt::detail::can_convert_meta_class(from, to, notNull), applies);
-    EXPECT_EQ(null == notNull, applies); // written when the rule applies, and only then
-    return !applies ? "does not apply" : null ? "yields null" : "hands on";
-}
-
-TEST(ClassTreeRule, FollowsTheStaticClassesUpAndDown)
-{
-    struct Animal {};
-    struct Bird {};
-    struct Fish {};
-    struct Dream {};
-    static const auto animalTable = support::emptyTable("Animal");
-    static const ZTStaticMetaClass animalClass(&animalTable);
-    static const auto birdTable = support::emptyTable("Bird", &animalClass);
-    static const ZTStaticMetaClass birdClass(&birdTable);
-    static const ZTStaticMetaClass fishClass(&birdTable);
-    static const support::DynamicClass dreamClass(&birdTable);
-    const ZTMetaType& animal = support::registerPointer<Animal>(animalClass);
-    const ZTMetaType& constAnimal = support::registerPointer<const Animal>(animalClass);
-    const ZTMetaType& bird = support::registerPointer<Bird>(birdClass);
-    const ZTMetaType& fish = support::registerPointer<Fish>(fishClass);
-    const ZTMetaType& dream = support::registerPointer<Dream>(dreamClass);
-
-    const ZTMetaType &integer = ztMetaType<int>(), &bad = ZTMetaType::ZTBadMetaType;
-
-    support::CapturedLog log;
-    for (auto [from, to] : {std::pair(&bird, &animal), {&animal, &bird}, {&constAnimal, &animal}})
-        EXPECT_EQ(rule(*from, *to), "hands on");
-    for (auto [from, to] :
-         {std::pair(&bird, &fish), {&dream, &animal}, {&animal, &dream}, {&dream, &dream}})
-        EXPECT_EQ(rule(*from, *to), "yields null");
-    for (auto [from, to] : {std::pair(&integer, &ztMetaType<double>()),
-                            {&animal, &integer},
-                            {&bad, &animal},
-                            {&animal, &bad}})
-        EXPECT_EQ(rule(*from, *to), "does not apply");
-    EXPECT_EQ(log.all(), "");
-    EXPECT_FALSE(bird.canConvert(animal)); // converters alone are asked here
 }
 } // namespace

@@ -112,15 +112,16 @@ TEST(DataStream, FailsAtEveryTruncatedRecord)
     ZTDataStream whole;
     whole << 7 << "abc" << true;
     for (std::size_t size = 0; size < whole.data().size(); ++size) {
+        SCOPED_TRACE(size);
         ZTDataStream stream = streamOf(whole.data().substr(0, size));
         int number = 0;
         std::string text = "old";
         bool flag = false;
         stream >> number >> text >> flag;
-        EXPECT_EQ(number, size == 0 ? 0 : 7) << size;
-        EXPECT_EQ(text, size < 15 ? "" : "abc") << size;
-        EXPECT_FALSE(flag) << size;
-        EXPECT_EQ(stateOf(stream), "failed") << size;
+        EXPECT_EQ(number, size == 0 ? 0 : 7);
+        EXPECT_EQ(text, size < 15 ? "" : "abc");
+        EXPECT_FALSE(flag);
+        EXPECT_EQ(stateOf(stream), "failed");
     }
 }
 
@@ -171,12 +172,9 @@ TEST(DerivedStream, ChangesTheMediumOfEveryOperator)
     EXPECT_EQ(support::hex(stream.bytes), "12 34 63 62 61 00 00 00 00 00 00 00 03");
     EXPECT_EQ(stream.data(), "");
     stream >> text >> number;
-    EXPECT_EQ(text, "abc");
-    EXPECT_EQ(number, 0x1234);
-    EXPECT_FALSE(!stream);
+    EXPECT_TRUE(text == "abc" && number == 0x1234 && !!stream);
     stream >> number;
-    EXPECT_TRUE(!stream);
-    EXPECT_FALSE(stream());
+    EXPECT_TRUE(!stream && !stream());
 }
 
 TEST(AnyStream, FailsAtAForgedLengthAndTakesNoMemory)

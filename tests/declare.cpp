@@ -103,38 +103,26 @@ struct Declare : testing::Test {
 
 TEST_F(Declare, TellsMembersOfManyShapesOverThreeLevels)
 {
-    const std::string text = ztMetaType<std::string>().name(), colour = "enum host::Colour";
-    EXPECT_EQ(support::describe(Device::typeMetaClass()), "struct host::Device: struct ZTBase\n"
-                                                          "info 0 vendor=acme\n"
-                                                          "property 0 " +
-                                                              text +
-                                                              " label get set, -1\n"
-                                                              "event 4 void renamed(" +
-                                                              text +
-                                                              "), 2\n"
-                                                              "method 5 void reset(), 2\n");
+    EXPECT_EQ(support::describe(Device::typeMetaClass()),
+              "struct host::Device: struct ZTBase\n"
+              "info 0 vendor=acme\n"
+              "property 0 std::string label get set, -1\n"
+              "event 4 void renamed(std::string), 2\n"
+              "method 5 void reset(), 2\n");
     EXPECT_EQ(support::describe(Mixed::typeMetaClass()),
               "struct host::Mixed: struct host::Device\n"
               "info 1 vendor=thermo\n"
               "enum 0 Paint Red=1 Blue=200\n"
               "property 1 __int64 big get set, -1\n"
-              "property 2 " +
-                  colour +
-                  " colour get set, -1\n"
-                  "property 3 int level get set unit=watt, 8 moved\n"
-                  "method 6 int add(int), 2\n"
-                  "method 7 int sum(int, int) const, 2\n"
-                  "event 8 void moved(int), 2\n"
-                  "event 9 void moved(" +
-                  text +
-                  "), 2\n"
-                  "method 10 " +
-                  colour + " mix(" + colour +
-                  ") const, 1\n"
-                  "method 11 " +
-                  text + " echo(" + text +
-                  "), 2\n"
-                  "method 12 struct ZTVariant pass(struct ZTVariant), 2\n");
+              "property 2 enum host::Colour colour get set, -1\n"
+              "property 3 int level get set unit=watt, 8 moved\n"
+              "method 6 int add(int), 2\n"
+              "method 7 int sum(int, int) const, 2\n"
+              "event 8 void moved(int), 2\n"
+              "event 9 void moved(std::string), 2\n"
+              "method 10 enum host::Colour mix(enum host::Colour) const, 1\n"
+              "method 11 std::string echo(std::string), 2\n"
+              "method 12 struct ZTVariant pass(struct ZTVariant), 2\n");
     EXPECT_EQ(support::describe(*object.metaClass()), "struct host::Smart: struct host::Mixed\n"
                                                       "property 4 int spare get, 4 renamed\n");
 }

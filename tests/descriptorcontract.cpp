@@ -155,31 +155,27 @@ INSTANTIATE_TEST_SUITE_P(Each, DescriptorContract,
 
 TEST_P(DescriptorContract, ListsEveryMember)
 {
-    const bool hasFunctions = GetParam().make != &streamed;
-    const std::string text = ztMetaType<std::string>().name();
-    const std::string get = hasFunctions ? " get" : "", getSet = hasFunctions ? " get set" : "";
-    EXPECT_EQ(support::describe(device), "struct sample::Device: struct ZTBase\n"
-                                         "info 0 vendor=acme\n"
-                                         "enum 0 State Idle=0 Busy=1\n"
-                                         "property 0 " +
-                                             text + " label" + getSet +
-                                             ", -1\n"
-                                             "event 4 void renamed(" +
-                                             text + "), 2\n");
-    EXPECT_EQ(support::describe(heater), "struct sample::Heater: struct sample::Device\n"
-                                         "info 1 vendor=thermo\n"
-                                         "info 2 =\n"
-                                         "enum 1 Mode Off=-1 Heat=5\n"
-                                         "property 1 int serial" +
-                                             get +
-                                             ", -1\n"
-                                             "property 2 int level" +
-                                             getSet +
-                                             " unit=watt unit=W, 6 levelChanged\n"
-                                             "method 5 double boost(int, double), 2\n"
-                                             "event 6 void levelChanged(int), 2\n"
-                                             "method 7 " +
-                                             text + " describe() const, 1\n");
+    std::string text = support::describe(device) + support::describe(heater);
+    if (GetParam().make == &streamed) { // which has no functions
+        EXPECT_EQ(text.find(" get"), std::string::npos);
+        text.replace(text.find("label") + 5, 0, " get set");
+        text.replace(text.find("serial") + 6, 0, " get");
+        text.replace(text.find("level") + 5, 0, " get set");
+    }
+    EXPECT_EQ(text, "struct sample::Device: struct ZTBase\n"
+                    "info 0 vendor=acme\n"
+                    "enum 0 State Idle=0 Busy=1\n"
+                    "property 0 std::string label get set, -1\n"
+                    "event 4 void renamed(std::string), 2\n"
+                    "struct sample::Heater: struct sample::Device\n"
+                    "info 1 vendor=thermo\n"
+                    "info 2 =\n"
+                    "enum 1 Mode Off=-1 Heat=5\n"
+                    "property 1 int serial get, -1\n"
+                    "property 2 int level get set unit=watt unit=W, 6 levelChanged\n"
+                    "method 5 double boost(int, double), 2\n"
+                    "event 6 void levelChanged(int), 2\n"
+                    "method 7 std::string describe() const, 1\n");
     EXPECT_EQ(heater.superClass(), &device);
     EXPECT_EQ(heater.property("level")->changeEvent(), heater.invokable(6U));
 }

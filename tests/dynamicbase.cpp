@@ -1,7 +1,5 @@
 #include "support/hostclasses.h"
 
-#include <memory>
-
 namespace host
 {
 /// A class whose objects can be given a class of their own.
@@ -10,6 +8,7 @@ class Shape : public Machine
     ZT_OBJECT(Shape, ZTDynamicBase)
 public:
     void resized(double size) { sendEvent<&Self::resized>(size); }
+    int radius = 3;
 
 private:
     static constexpr auto members() { return zt::members(zt::event<&Self::resized>()); }
@@ -29,8 +28,8 @@ const char secondWarning[] =
 
 using Class = std::unique_ptr<ZTMetaClass>;
 
-/// A class made at run time with one event, "changed".
-template <class... Parameters>
+/// A class made at run time: an event "changed", a method "grow" that raises it, and a property.
+template <class Parameter = int>
 Class classUnder(const ZTMetaClass* superClass)
 {
     ZTMetaClassBuilder builder;
@@ -38,10 +37,19 @@ Class classUnder(const ZTMetaClass* superClass)
     builder.setSuperClass(superClass);
     auto event = builder.addInvokable();
     event.setName("changed");
-    event.setEvent<Parameters...>();
+    event.setEvent<Parameter>();
+    auto grow = builder.addInvokable();
+    grow.setName("grow");
+    grow.setFunction([](Shape& self, int by) {
+        self.radius += by;
+        self.metaClass()->invokable<void()>("changed")->invoke(&self, self.radius);
+        return self.radius;
+    });
     auto property = builder.addProperty();
     property.setName("radius");
-    property.setGetter([](const Shape&) { return 3; });
+    property.setGetter([](const Shape& self) { return self.radius; });
+    property.setSetter([](Shape& self, int radius) { self.radius = radius; });
+    property.setChangeEvent(event);
     return Class(builder.toMetaClass());
 }
 
@@ -55,8 +63,13 @@ protected:
         EXPECT_EQ(log.out(), "");
         return log.err();
     }
+    void hear(ZTBase& sender, const ZTMetaInvokable* event, const std::string& name)
+    {
+        on(&sender, event, [=, this](int value) { diary.add(name + std::to_string(value)); });
+    }
 
-    Class circle = classUnder<int>(&Shape::typeMetaClass());
+    Class circle = classUnder(&Shape::typeMetaClass());
+    const ZTMetaInvokable *changed = circle->invokable(6U), *grow = circle->invokable(7U);
     Shape shape;
 };
 
@@ -66,10 +79,10 @@ TEST_F(DynamicBase, TakesAClassOnceAndOnlyOneForIt)
         EXPECT_EQ(metaClass, shape.metaClass());
         diary.add(std::string(metaClass->typeName()));
     });
-    const Class unrelated = classUnder<>(&ZTBase::typeMetaClass());
+    const Class unrelated = classUnder(&ZTBase::typeMetaClass());
     EXPECT_EQ(errorsOf(shape, nullptr), "");
     EXPECT_EQ(errorsOf(shape, &ZTDynamicBase::typeMetaClass()), staticWarning);
-    EXPECT_EQ(errorsOf(shape, classUnder<>(nullptr).get()), "");
+    EXPECT_EQ(errorsOf(shape, classUnder(nullptr).get()), "");
     EXPECT_EQ(errorsOf(shape, unrelated.get()), "");
     EXPECT_EQ(shape.metaClass(), &Shape::typeMetaClass());
     EXPECT_EQ(diary.take(), "");
@@ -81,11 +94,10 @@ TEST_F(DynamicBase, TakesAClassOnceAndOnlyOneForIt)
     EXPECT_EQ(errorsOf(shape, circle.get()), secondWarning);
     EXPECT_EQ(errorsOf(shape, unrelated.get()), secondWarning);
     EXPECT_EQ(errorsOf(shape, &Shape::typeMetaClass()), staticWarning);
-    EXPECT_EQ(errorsOf(shape, nullptr), "");
-    EXPECT_EQ(diary.take(), "");
+    EXPECT_EQ(errorsOf(shape, nullptr) + diary.take(), "");
 }
 
-TEST_F(DynamicBase, PropertiesAndEventsAreThoseOfTheNewClass)
+TEST_F(DynamicBase, MembersAreThoseOfTheNewClass)
 {
     shape.setProperty("radius", 7, true);
     on(&shape, &ZTBase::childAdded, [&] { diary.add("child"); });
@@ -93,12 +105,21 @@ TEST_F(DynamicBase, PropertiesAndEventsAreThoseOfTheNewClass)
     ASSERT_TRUE(shape.initializeMetaClass(circle.get()));
     EXPECT_EQ(shape.property("radius"), ZTVariant(3));
     EXPECT_EQ(shape.dynamicProperties().size(), 1U);
+    EXPECT_TRUE(shape.setProperty("radius", 5));
 
-    on(&shape, circle->invokable(6U), [&](int n) { diary.add("changed" + std::to_string(n)); });
-    shape.sendEvent(6, {ZTVariant(5)});
+    hear(shape, circle->property("radius")->changeEvent(), "changed");
+    Shape other;
+    other.initializeMetaClass(circle.get());
+    EXPECT_TRUE(ZTBase::subscribe(&shape, changed, &other, grow));
+    EXPECT_EQ(grow->invoke(&shape, 2), ZTVariant(7));
+    EXPECT_EQ(other.radius, 10);
+    shape.sendEvent(6, {ZTVariant(1)});
     shape.resized(2);
     Named child("c", &shape);
-    EXPECT_EQ(diary.take(), "changed5 2 child");
+    EXPECT_EQ(diary.take(), "changed7 changed1 2 child");
+    EXPECT_TRUE(shape.unsubscribe(&observer));
+    changed->invoke(&shape, 8);
+    EXPECT_EQ(diary.take(), "");
 }
 
 TEST_F(DynamicBase, EventOfAnotherMeaningIsNotMistakenForTheFormer)
@@ -109,20 +130,49 @@ TEST_F(DynamicBase, EventOfAnotherMeaningIsNotMistakenForTheFormer)
     ASSERT_TRUE(shape.initializeMetaClass(beside.get()));
     on(&shape, beside->invokable(5U), [&](const std::string& s) { diary.add("[" + s + "]"); });
     shape.sendEvent(5, {ZTVariant("text")});
-    EXPECT_EQ(diary.take(), "[text]");
     shape.resized(2);
-    EXPECT_EQ(diary.take(), "[]");
+    EXPECT_EQ(diary.take(), "[text] []");
+}
+
+TEST_F(DynamicBase, EventIsRaisedByItsOwnDescriptorAlone)
+{
+    // The same event stands twice in another class.
+    ZTMetaClassBuilder builder;
+    builder.setSuperClass(&Shape::typeMetaClass());
+    builder.addInvokable(changed);
+    builder.addInvokable(changed);
+    const Class copies(builder.toMetaClass());
+    Shape other;
+    ZTBase root;
+    other.initializeMetaClass(copies.get());
+    hear(other, copies->invokable(6U), "first");
+    hear(other, copies->invokable(7U), "second");
+    copies->invokable(7U)->invoke(&other, 1);
+    EXPECT_LOGS_NOTHING([&] {
+        for (ZTBase* object : {static_cast<ZTBase*>(&other), static_cast<ZTBase*>(&shape), &root})
+            EXPECT_FALSE(changed->invoke(object, 3));
+    });
+    EXPECT_EQ(diary.take(), "second1");
+}
+
+TEST_F(DynamicBase, OverloadsAreToldApartByTheirTypesAlone)
+{
+    ZTMetaClassBuilder builder(circle.get());
+    builder.addInvokable().setName("grow");
+    builder.invokable(2).setParameterMetaTypes({&ztMetaType<double>()});
+    const Class made(builder.toMetaClass());
+    EXPECT_EQ(made->indexOfInvokable<void(double)>("grow"), 7);
+    EXPECT_EQ(made->indexOfInvokable("grow", false, {&ztMetaType<double>()}), 8);
+    EXPECT_EQ(made->indexOfInvokable("grow", false, {&ztMetaType<float>()}), -1);
 }
 
 TEST_F(DynamicBase, MoveTakesTheClassAlong)
 {
     ASSERT_TRUE(shape.initializeMetaClass(circle.get()));
-    Shape moved(std::move(shape));
+    Shape moved(std::move(shape)), other;
     EXPECT_EQ(moved.metaClass(), circle.get());
     EXPECT_EQ(errorsOf(moved, circle.get()), secondWarning);
     EXPECT_FALSE(shape.initializeMetaClass(circle.get()));
-
-    Shape other;
     on(&other, &ZTDynamicBase::metaClassInitialized, [&] { diary.add("initialized"); });
     moved = std::move(other);
     EXPECT_EQ(moved.metaClass(), &Shape::typeMetaClass());

@@ -96,43 +96,41 @@ TEST_F(RawHandlers, AreDeletedWhenRefused)
     EXPECT_EQ(refusal(raw(), &a, Speaker::typeMetaClass().invokable(7U)), "");
 }
 
-TEST_F(RawHandlers, GetTheAddressesOfTheValues)
+TEST_F(RawHandlers, GetTheAddressesOfTheValuesThatTheyTake)
 {
     const ZTArgumentArray values{ZTVariant(3), ZTVariant(1.5), ZTVariant(2)};
-    RawHandler* handler = raw({&ztMetaType<ZTVariant>(), &ztMetaType<double>()});
-    handler->call = [&](const ZTBase*, void** arguments) {
-        EXPECT_EQ(arguments[0], &values[0]);
-        EXPECT_EQ(arguments[1], values[1].data());
-        for (int i = 2; i < 10; ++i)
-            EXPECT_EQ(arguments[i], nullptr);
-        diary.add("called");
-    };
-    ASSERT_TRUE(subscribe(carried, handler));
+    for (std::size_t taken : {0U, 1U, 2U}) {
+        std::vector types{&ztMetaType<ZTVariant>(), &ztMetaType<double>()};
+        types.resize(taken);
+        RawHandler* handler = raw(types);
+        handler->call = [&, taken](const ZTBase*, void** arguments) {
+            EXPECT_EQ(arguments[0], taken > 0 ? &values[0] : nullptr);
+            EXPECT_EQ(arguments[1], taken > 1 ? values[1].data() : nullptr);
+            for (int i = 2; i < 10; ++i)
+                EXPECT_EQ(arguments[i], nullptr);
+            diary.add("called");
+        };
+        ASSERT_TRUE(subscribe(carried, handler));
+    }
     speaker->sendEvent(6, values);
-
     RawHandler* leading = raw({text});
     leading->call = [&](const ZTBase*, void** arguments) {
-        diary.add(*static_cast<std::string*>(arguments[0]) + (arguments[1] ? "!" : ""));
+        diary.add(*static_cast<std::string*>(arguments[0]));
     };
     ASSERT_TRUE(subscribe(told, leading));
     speaker->told("typed", 1);
-    speaker->sendEvent(5, {ZTVariant("array"), ZTVariant(1)});
-    EXPECT_EQ(diary.take(), "called typed array");
+    EXPECT_EQ(diary.take(), "called called called typed");
 }
 
-TEST_F(RawHandlers, OnlyMemberFunctionsGetTheSubscriber)
+TEST_F(RawHandlers, GetTheSubscriberAsMemberFunctionsAlone)
 {
     for (bool isMember : {false, true}) {
         RawHandler* handler = raw();
         handler->isMember = isMember;
-        handler->call = [&](const ZTBase* target, void**) {
-            diary.add(nameOf(target) + " " + a.active());
-        };
+        handler->call = [&](const ZTBase* target, void**) { diary.add(nameOf(target)); };
         ASSERT_TRUE(subscribe(said, handler, &a));
     }
-    EXPECT_EQ(say(1), "null said 4 of speaker a said 4 of speaker");
-    ZTEventBlocker blocker(&a, false);
-    EXPECT_EQ(say(2), "");
+    EXPECT_EQ(say(1), "null a");
 }
 
 TEST_F(RawHandlers, AreDeletedAtOnceAlsoWhileTheyRun)
@@ -146,20 +144,15 @@ TEST_F(RawHandlers, AreDeletedAtOnceAlsoWhileTheyRun)
     own = subscribe(said, handler, &a);
     listen(a);
     EXPECT_EQ(say(1), "deleted on a:1");
-    EXPECT_FALSE(own);
-    subscribe(said, raw());
+    for (bool comparable : {true, false}) { // found by their own comparison
+        RawHandler* found = raw();
+        found->comparable = comparable;
+        subscribe(said, found, &a);
+        EXPECT_EQ(ZTBase::unsubscribe(speaker.get(), &Speaker::said, &a, found), comparable);
+    }
+    EXPECT_EQ(diary.take(), "deleted");
     speaker.reset();
     EXPECT_EQ(diary.take(), "deleted");
-}
-
-TEST_F(RawHandlers, AreFoundByTheirOwnComparison)
-{
-    for (bool comparable : {true, false}) {
-        RawHandler* handler = raw();
-        handler->comparable = comparable;
-        subscribe(said, handler, &a);
-        EXPECT_EQ(ZTBase::unsubscribe(speaker.get(), &Speaker::said, &a, handler), comparable);
-    }
 }
 
 /// The shapes in which a host may write a handler.
@@ -229,16 +222,12 @@ struct Louder : Loud {
 TEST_F(Shapes, OfMemberFunctions)
 {
     Louder louder("l", diary);
-    auto subscribe = [&](auto handler) {
-        ZTBase::subscribe(speaker.get(), &Speaker::told, &louder, handler);
-    };
-    subscribe(&Loud::shout);
-    subscribe(&Loud::count);
-    subscribe(&Hearer::hearText);
     const Louder& constant = louder;
+    ZTBase::subscribe(speaker.get(), &Speaker::told, &louder, &Loud::shout);
+    ZTBase::subscribe(speaker.get(), &Speaker::told, &louder, &Hearer::hearText);
     ZTBase::subscribe(speaker.get(), &Speaker::told, &constant, &Loud::count);
     speaker->told("x", 3);
-    EXPECT_EQ(diary.take(), "Louder x count 3 l:x count 3");
+    EXPECT_EQ(diary.take(), "Louder x l:x count 3");
     EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, &louder, &Loud::shout));
     EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, &louder, &Loud::count));
     speaker->told("y", 4);

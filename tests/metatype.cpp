@@ -93,10 +93,8 @@ TEST(MetaType, NoMakerStandsInForTheOther)
     int source = 5;
     const ZTMetaType& copies = registerBare<OnlyCopy>("OnlyCopy", "", makeCopy);
     const ZTMetaType& makes = registerBare<OnlyDefault>("OnlyDefault", "", nullptr, makeDefault);
-    EXPECT_EQ(copies.create(nullptr), nullptr);
-    EXPECT_EQ(copies.create(&source), &madeByCopy);
-    EXPECT_EQ(makes.create(&source), nullptr);
-    EXPECT_EQ(makes.create(nullptr), &madeByDefault);
+    EXPECT_TRUE(!copies.create(nullptr) && copies.create(&source) == &madeByCopy);
+    EXPECT_TRUE(!makes.create(&source) && makes.create(nullptr) == &madeByDefault);
 }
 
 struct Equal { // equality alone
@@ -129,18 +127,14 @@ TEST(LazyType, ComparesWithWhatTheTypeAndItsElementsOffer)
 TEST(LazyType, PointerIsAnAddressThatIsNotStreamed)
 {
     const ZTMetaType& type = ztMetaType<Opaque*>();
-    Opaque pair[2];
-    Opaque* first = &pair[0];
-    Opaque* second = &pair[1];
-    Opaque* null = nullptr;
+    Opaque pair[2], *first = &pair[0], *second = &pair[1], *null = nullptr;
     ZTDataStream bytes;
     EXPECT_EQ(type.compare(&first, &second), ZTPartialOrdering::Less);
     EXPECT_EQ(type.compare(&second, &first), ZTPartialOrdering::Greater);
     EXPECT_EQ(type.compare(&null, &null), ZTPartialOrdering::Equivalent);
     EXPECT_TRUE(type.serialize(bytes, &first) && type.serialize(bytes, &null));
     EXPECT_EQ(support::bytesOf(bytes), "01 00");
-    EXPECT_FALSE(type.deserialize(bytes, &null));
-    EXPECT_EQ(type.metaClass(), nullptr);
+    EXPECT_FALSE(type.deserialize(bytes, &null) || type.metaClass());
 }
 
 template <class T>

@@ -197,39 +197,27 @@ protected:
     std::unique_ptr<Hearer> a{new Hearer("a", diary)};
 };
 
-TEST_F(Subscription, EndsWithEitherObject)
-{
-    ZTSubscription first = listen(*a);
-    EXPECT_TRUE(first);
-    a.reset();
-    EXPECT_FALSE(first);
-    Hearer b("b", diary);
-    ZTSubscription second = listen(b);
-    auto free = ZTBase::subscribe(speaker.get(), &Speaker::said, [] {});
-    speaker.reset();
-    EXPECT_FALSE(second || free);
-    EXPECT_TRUE(free == ZTSubscription());
-}
-
 TEST_F(Subscription, HandlesCompareByWhatTheyName)
 {
     const ZTSubscription none;
     EXPECT_TRUE(!none && none == ZTSubscription());
-    ZTSubscription member = listen(*a), same = listen(*a);
-    EXPECT_FALSE(member == same || member == none);
-    ZTSubscription copy = member;
-    EXPECT_TRUE(copy == member);
+    ZTSubscription member = listen(*a), same = listen(*a), copy = member;
+    EXPECT_TRUE(copy == member && !(member == same) && !(member == none));
     ZTSubscription described = ZTBase::subscribe(speaker.get(), said, a.get(), hear);
     EXPECT_TRUE(described == ZTBase::subscribe(speaker.get(), said, a.get(), hear));
     EXPECT_FALSE(described == ZTBase::subscribe(speaker.get(), said, a.get(), hearAny));
     EXPECT_FALSE(described == member);
 
     ZTSubscription moved = std::move(member);
-    EXPECT_TRUE(moved == copy && moved);
-    EXPECT_FALSE(member);
+    EXPECT_TRUE(moved == copy && moved && !member);
     EXPECT_TRUE(ZTBase::unsubscribe(moved));
-    EXPECT_FALSE(moved || copy);
-    EXPECT_TRUE(copy == none && same);
+    EXPECT_TRUE(!moved && !copy && copy == none && same);
+    a.reset(); // the end of either object ends it too
+    Hearer b("b", diary);
+    ZTSubscription other = listen(b);
+    EXPECT_TRUE(!same && other);
+    speaker.reset();
+    EXPECT_FALSE(other);
 }
 
 TEST_F(Subscription, ScopedOneEndsWithItsHolder)

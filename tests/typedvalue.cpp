@@ -84,7 +84,7 @@ TEST(RetrievedValue, MayBeAnEnumeration)
 TEST(RetrievedPointer, FollowsTheClassTree)
 {
     ZTDynamicBase object;
-    ZTBase* base = &object;
+    ZTBase plain, *base = &object;
     const ZTBase* constBase = &object;
     expectRetrieved<ZTBase*>(ZTVariant(base), base);
     expectRetrieved<ZTBase*>(ZTVariant(constBase), base);
@@ -92,7 +92,6 @@ TEST(RetrievedPointer, FollowsTheClassTree)
     expectRetrieved<ZTBase*>(ZTVariant(&object), base);
     expectRetrieved<const ZTDynamicBase*>(ZTVariant(base), &object);
     // No look is taken at what the object really is.
-    ZTBase plain;
     EXPECT_EQ(static_cast<void*>(ztVariantValue<ZTDynamicBase*>(ZTVariant(&plain))), &plain);
     // A descriptor has no class: `const` may come in by the exact match, but never go away.
     auto* metaClass = const_cast<ZTMetaClass*>(&ZTBase::typeMetaClass());
@@ -100,8 +99,8 @@ TEST(RetrievedPointer, FollowsTheClassTree)
     expectRetrieved<ZTMetaClass*>(ZTVariant(&ZTBase::typeMetaClass()), nullptr,
                                   failed("struct ZTMetaClass*", "const struct ZTMetaClass*"));
     expectRetrieved<ZTBase*>(ZTVariant(), nullptr, invalid("struct ZTBase*"));
-    expectRetrieved<const ZTMetaClass*>(ZTVariant(), nullptr, invalid("const struct ZTMetaClass*"));
     expectRetrieved<ZTBase*>(ZTVariant(5), nullptr, failed("struct ZTBase*", "int"));
+    expectRetrieved<int>(ZTVariant(base), 0, failed("int", "struct ZTBase*"));
 }
 
 TEST(RetrievedPointer, OfAForeignOrDynamicClassIsNullInSilence)
@@ -114,11 +113,16 @@ TEST(RetrievedPointer, OfAForeignOrDynamicClassIsNullInSilence)
     static const support::DynamicClass dreamClass(&dreamTable);
     support::registerPointer<Stranger>(strangerClass);
     support::registerPointer<Dream>(dreamClass);
+    support::registerPointer<const Dream>(dreamClass);
     Stranger stranger;
     Dream dream;
+    ZTBase object;
     expectRetrieved<ZTBase*>(ZTVariant(&stranger), nullptr);
     expectRetrieved<ZTBase*>(ZTVariant(&dream), nullptr);
-    expectRetrieved<Dream*>(ZTVariant(&dream), &dream);
+    expectRetrieved<Dream*>(ZTVariant(&object), nullptr);
+    expectRetrieved<Dream*>(ZTVariant(static_cast<const Dream*>(&dream)), nullptr);
+    expectRetrieved<Dream*>(ZTVariant(&dream), &dream);                        // the same type
+    EXPECT_FALSE(ZTVariant(&object).canConvert(ztMetaType<ZTDynamicBase*>())); // a converter's say
 }
 
 TEST(VariantPointer, LooksAtTheBlockAndConvertsNothing)

@@ -6,7 +6,6 @@
 
 namespace
 {
-using support::bytesOf;
 using support::streamOf;
 
 const std::string stringName =
@@ -56,31 +55,18 @@ void write(ZTDataStream& stream, const ZTVariant& variant, const std::string& wa
 TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
 {
     ZTDataStream stream;
-    stream << ztMetaType<int>() << ZTMetaType::ZTBadMetaType << ztMetaType<std::string>();
-    EXPECT_EQ(stream.data(), nameBytes("int") + nameBytes("ZTBadMetaType") + nameBytes(stringName));
+    stream << ztMetaType<int>() << ZTMetaType::ZTBadMetaType;
+    EXPECT_EQ(stream.data(), nameBytes("int") + nameBytes("ZTBadMetaType"));
     stream << "std::string"
            << "no such type";
     const ZTMetaType* type = nullptr;
-    EXPECT_LOGS_NOTHING([&] {
-        for (const char* name : {"int", "ZTBadMetaType", "std::string", "std::string"}) {
-            stream >> type;
-            EXPECT_EQ(type, &ztMetaType(name));
-        }
-    });
+    for (const char* name : {"int", "ZTBadMetaType", "std::string"}) {
+        EXPECT_LOGS_NOTHING([&] { stream >> type; });
+        EXPECT_EQ(type, &ztMetaType(name));
+    }
     EXPECT_LOGS(unknown("no such type"), [&] { stream >> type; });
     EXPECT_EQ(type, &ZTMetaType::ZTBadMetaType);
     EXPECT_TRUE(stream.good());
-}
-
-TEST(VariantOnStream, IsItsTypeAndItsValue)
-{
-    ZTVariant five(5);
-    ZTDataStream stream;
-    write(stream, five);
-    EXPECT_EQ(bytesOf(stream), "03 00 00 00 00 00 00 00 69 6E 74 05 00 00 00");
-    const std::string fiveBytes = stream.data();
-    write(stream, ZTVariant(ztMetaType<ZTVariant>(), &five));
-    EXPECT_EQ(stream.data(), fiveBytes + nameBytes("struct ZTVariant") + fiveBytes);
 }
 
 /// Reads and writes itself, and reads what nobody wrote.
@@ -105,27 +91,29 @@ struct ReadOnly {
     friend ZTDataStream& operator>>(ZTDataStream& s, ReadOnly& v) { return s >> v.number; }
 };
 
-TEST(VariantOnStream, ComesBackEqual)
+TEST(VariantOnStream, IsItsTypeAndItsValueAndComesBackEqual)
 {
-    ZTVariant invalid;
-    ZTVariant text("abc");
-    const ZTVariant variants[] = {ZTVariant(5),
-                                  ZTVariant(0.5),
-                                  text,
+    ZTVariant five(5), invalid;
+    ZTDataStream stream;
+    write(stream, five);
+    const std::string fiveBytes = stream.data();
+    EXPECT_EQ(support::hex(fiveBytes), "03 00 00 00 00 00 00 00 69 6E 74 05 00 00 00");
+    write(stream, ZTVariant(ztMetaType<ZTVariant>(), &five));
+    EXPECT_EQ(stream.data(), fiveBytes + nameBytes("struct ZTVariant") + fiveBytes);
+    const ZTVariant variants[] = {ZTVariant("abc"),
                                   ZTVariant(std::int64_t(-5)),
                                   ZTVariant(Streamed{7}),
-                                  ZTVariant(ztMetaType<ZTVariant>(), &text),
+                                  ZTVariant(ztMetaType<ZTVariant>(), &five),
                                   ZTVariant(ztMetaType<ZTVariant>(), &invalid),
                                   invalid};
-    ZTDataStream stream;
-    for (const ZTVariant& variant : variants)
-        write(stream, variant);
     for (const ZTVariant& variant : variants) {
-        ZTVariant read = readOver(stream);
+        ZTDataStream one;
+        write(one, variant);
+        ZTVariant read = readOver(one);
         EXPECT_EQ(&read.type(), &variant.type());
         EXPECT_EQ(read, variant);
+        EXPECT_TRUE(one.good());
     }
-    EXPECT_TRUE(stream.good());
 }
 
 TEST(VariantOnStream, OfATypeThatIsNotWrittenStaysInStep)

@@ -1,26 +1,33 @@
 #pragma once
 
 #include <zintar/metaclass.h>
+#include <zintar/metatypeof.h>
 
 #include <string>
 
 namespace support
 {
+/// The name of a type, short where the spelled one is long.
+inline std::string nameOf(const ZTMetaType& type)
+{
+    return &type == &ztMetaType<std::string>() ? "std::string" : type.name();
+}
+
 /// "event 4 void said(int)"
 inline std::string textOf(const ZTMetaInvokable& invokable)
 {
     std::string parameters;
     for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
-        parameters += (i ? ", " : "") + invokable.parameterMetaType(i).name();
+        parameters += (i ? ", " : "") + nameOf(invokable.parameterMetaType(i));
     return (invokable.isEvent() ? "event " : "method ") + std::to_string(invokable.index()) + " " +
-           invokable.returnMetaType().name() + " " + std::string(invokable.name()) + "(" +
+           nameOf(invokable.returnMetaType()) + " " + std::string(invokable.name()) + "(" +
            parameters + ")" + (invokable.isConst() ? " const" : "");
 }
 
 /// "property 0 int level get set unit=watt, 6 levelChanged"
 inline std::string textOf(const ZTMetaProperty& property)
 {
-    std::string text = property.metaType().name() + " " + std::string(property.name()) +
+    std::string text = nameOf(property.metaType()) + " " + std::string(property.name()) +
                        (property.canGet() ? " get" : "") + (property.canSet() ? " set" : "");
     for (unsigned int i = 0; i < property.propInfoCount(); ++i)
         text += " " + std::string(property.propInfoKey(i)) + "=" +
