@@ -1,4 +1,3 @@
-#include "support/bytes.h"
 #include "support/describe.h"
 #include "support/logs.h"
 #include "support/sampleclasses.h"
@@ -290,19 +289,5 @@ TEST_P(CallContract, WrongObjectsAndValuesChangeNothing)
     EXPECT_FALSE(heater.property("level")->get(ZTVariant()));
     EXPECT_FALSE(heater.property("level")->set(ZTVariant(7), ZTVariant(1)));
     EXPECT_FALSE(heater.invokable<void()>("describe", true)->invoke(ZTVariant("x")));
-}
-
-TEST_P(DescriptorContract, StreamFormIsTheSameButForTheFunctions)
-{
-    ZTDataStream stream;
-    ZTDataStream expected;
-    stream << device;
-    expected << Device::typeMetaClass();
-    const std::size_t flags = expected.data().size() - 5; // before the count of annotations
-    std::string bytes = expected.data();
-    EXPECT_EQ(bytes[flags], 3);
-    bytes[flags] = stream.data()[flags];
-    EXPECT_EQ(support::bytesOf(stream), support::hex(bytes));
-    EXPECT_EQ(bytes[flags], GetParam().make == &streamed ? 0 : 3);
 }
 } // namespace

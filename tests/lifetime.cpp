@@ -176,25 +176,16 @@ TEST_F(Move, AssignmentReplacesWithoutDestroyed)
     delete b;
 }
 
-TEST_F(Move, ParentBecomesItsDescendant)
+TEST_F(Move, RelativesBecomeEachOther)
 {
-    EXPECT_EQ(become(a, a2), "g-a2 ~a1 ~d");
-    EXPECT_EQ(treeOf(g.get()) + treeOf(a), "g(b(b1))a2");
-    delete a;
-}
-
-TEST_F(Move, ChildBecomesItsParent)
-{
-    EXPECT_EQ(become(a1, a), "a-a ~a2");
+    EXPECT_EQ(become(a1, a), "a-a ~a2"); // a child its parent
     EXPECT_EQ(treeOf(g.get()), "g(a(d) b(b1))");
-    EXPECT_EQ(g->children()[0], a1);
-}
-
-TEST_F(Move, ChildBecomesItsSibling)
-{
-    EXPECT_EQ(become(b, a), "g-a ~b1");
-    EXPECT_EQ(treeOf(g.get()), "g(a(a1(a2) d))");
+    EXPECT_EQ(become(b, a1), "g-a ~b1"); // one its sibling
+    EXPECT_EQ(treeOf(g.get()), "g(a(d))");
     EXPECT_EQ(g->children()[0], b);
+    EXPECT_EQ(become(b, d), "g-d"); // a parent its child
+    EXPECT_EQ(treeOf(g.get()) + treeOf(b), "gd");
+    delete b;
 }
 
 TEST_F(Move, DyingObjectHandsNothingOver)
