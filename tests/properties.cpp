@@ -86,11 +86,26 @@ TEST_F(Properties, DynamicPropertySendsEachChange)
     EXPECT_FALSE(heater.setProperty("X", 2));
     EXPECT_EQ(names() + diary.take(), "[][x]");
     EXPECT_EQ(heater.property("x"), ZTVariant(4));
-    const std::string_view name = heater.dynamicProperties().front();
-    const std::string text(name);
-    for (int i = 0; i < 1000; ++i)
-        heater.setProperty(std::to_string(i), i, true);
-    EXPECT_EQ(name, text);
+}
+
+TEST_F(Properties, AreFoundByTheWholeName)
+{
+    auto name = [](std::size_t half, char middle) {
+        return std::string(half, 'x') + middle + std::string(half, 'x');
+    };
+    observer.setProperty("", 0, true);
+    const std::string_view first = observer.dynamicProperties().front();
+    for (std::size_t half = 0; half < 100; ++half)
+        for (char middle : {'x', 'y', 'z'})
+            observer.setProperty(name(half, middle), name(half, middle), true);
+    EXPECT_EQ(first.data(), observer.dynamicProperties().front().data()); // it stays good
+    for (std::size_t half = 0; half < 100; ++half) {
+        for (char middle : {'x', 'y', 'z'})
+            EXPECT_EQ(observer.property(name(half, middle)), ZTVariant(name(half, middle)));
+        EXPECT_FALSE(observer.property(name(half, 'a')) ||
+                     observer.property(name(half, 'y') + "x"));
+    }
+    EXPECT_EQ(observer.dynamicProperties().size(), 301U);
 }
 
 TEST_F(Properties, FirstInvalidValueAndOneThatCannotBeComparedAreChanges)

@@ -15,7 +15,7 @@ class Device : public ZTBase
     ZT_OBJECT(Device, ZTBase)
 public:
     enum class State { Idle = 0, Busy = 1 };
-    std::string label = "none";
+    std::string label = "none", former;
     void renamed(const std::string& name) { sendEvent<&Self::renamed>(name); }
 
 private:
@@ -23,7 +23,8 @@ private:
     {
         return zt::members(zt::info("vendor", "acme"),
                            zt::enumeration<State>(zt::enumerators<State::Idle, State::Busy>),
-                           zt::event<&Self::renamed>(), zt::property<&Self::label>());
+                           zt::event<&Self::renamed>(), zt::property<&Self::label>(),
+                           zt::property<&Self::former>().as("level"));
     }
 };
 
