@@ -136,10 +136,10 @@ TEST_F(DynamicBase, EventOfAnotherMeaningIsNotMistakenForTheFormer)
 
 TEST_F(DynamicBase, EventIsRaisedByItsOwnDescriptorAlone)
 {
-    // The same event stands twice in another class.
+    // The same event stands twice in another class, the first time by another name.
     ZTMetaClassBuilder builder;
     builder.setSuperClass(&Shape::typeMetaClass());
-    builder.addInvokable(changed);
+    builder.addInvokable(changed).setName("first");
     builder.addInvokable(changed);
     const Class copies(builder.toMetaClass());
     Shape other;
@@ -148,6 +148,9 @@ TEST_F(DynamicBase, EventIsRaisedByItsOwnDescriptorAlone)
     hear(other, copies->invokable(6U), "first");
     hear(other, copies->invokable(7U), "second");
     copies->invokable(7U)->invoke(&other, 1);
+    EXPECT_LOGS("Zintar: Subscription failed with event changed and handler grow. The class  of "
+                "the sender does not have the event\n",
+                [&] { EXPECT_FALSE(ZTBase::subscribe(&other, changed, &shape, grow)); });
     EXPECT_LOGS_NOTHING([&] {
         for (ZTBase* object : {static_cast<ZTBase*>(&other), static_cast<ZTBase*>(&shape), &root})
             EXPECT_FALSE(changed->invoke(object, 3));

@@ -51,6 +51,7 @@ TEST_F(Lifetime, EverythingButTheDerivedPartIsThereUntilTheChildrenAreGone)
         a1->setParent(g.get());
     });
     on(g.get(), &ZTBase::childRemoved, [&] { tell("childRemoved"); });
+    ZTBase::subscribe(g.get(), &ZTBase::childRemoved, a, [&] { tell("itself"); }); // deaf by then
     on(d, &ZTBase::destroyed, [&] { tell("child"); });
     // What the object owns goes last: its dynamic properties, then what its handlers captured.
     a->setProperty("owned", farewell([&] { tell("property"); }), true);
@@ -202,6 +203,19 @@ TEST_F(Move, DyingObjectHandsNothingOver)
     delete c;
     delete p;
     EXPECT_EQ(diary.take(), "~c p-c ~p");
+}
+
+TEST_F(Move, DyingObjectIsAliveAgainInAnother)
+{
+    ZTBase* heir = nullptr;
+    on(b, &ZTBase::destroyed, [&](ZTBase* dying) {
+        if (!heir)
+            heir = new ZTBase(std::move(*dying));
+    });
+    delete b;
+    EXPECT_EQ(diary.take() + treeOf(g.get()), "~bg(a(a1(a2) d) b(b1))");
+    ZTStrongRef<ZTBase>(heir).reset();
+    EXPECT_EQ(diary.take(), "~b g-b ~b1");
 }
 
 TEST_F(Move, MemberHandlersAreNotCalledOnWhatIsCutDownToTheBase)

@@ -120,6 +120,10 @@ TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)
     auto property = builder->addProperty();
     property.setChangeEvent(event);
     const Owned made(builder->toMetaClass());
+    auto orphan = builder->addProperty();
+    orphan.setChangeEvent(builder->addInvokable());
+    auto removed = builder->invokable(1);
+    builder->removeInvokable(1);
     builder.emplace(); // in its place
     auto next = builder->addProperty();
     next.setChangeEvent(builder->addInvokable());
@@ -130,7 +134,7 @@ TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)
     EXPECT_TRUE(kind.add("A", 1));
     event.setEvent<int>();
     property.setName("late");
-    EXPECT_EQ(property.changeEventIndex(), -1);
+    EXPECT_TRUE(property.changeEventIndex() == -1 && orphan.changeEventIndex() == -1);
     property.setChangeEvent(event);
     EXPECT_EQ(property.changeEventIndex(), -1);
     EXPECT_EQ(made->property(0U)->name(), "");

@@ -117,16 +117,18 @@ TEST_F(Reentrancy, DyingReceiverIsNotCalledOnWhatIsGoneOfIt)
 
 TEST_F(Reentrancy, WhatGoesWithASubscriptionComesBack)
 {
+    ZTSubscription own;
     auto actAtTheEnd = [&] {
         std::shared_ptr<void> end(nullptr, [&](void*) {
-            diary.add("back");
+            diary.add(own ? "still there" : "back");
             speaker->unsubscribe(b.get());
             listen(*b);
             speaker->said(9);
         });
         return act([end] { (void)end; });
     };
-    EXPECT_TRUE(ZTBase::unsubscribe(actAtTheEnd()));
+    own = actAtTheEnd();
+    EXPECT_TRUE(ZTBase::unsubscribe(own));
     EXPECT_EQ(diary.take(), "back a:9 c:9 b:9");
     actAtTheEnd();
     EXPECT_TRUE(speaker->unsubscribe(c.get()));

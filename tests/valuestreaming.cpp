@@ -37,7 +37,7 @@ std::string nameBytes(std::string_view name)
 ZTVariant readOver(ZTDataStream& stream, const std::string& warning = {})
 {
     support::CapturedLog log;
-    ZTVariant target("old");
+    ZTVariant target(-1);
     EXPECT_EQ(&(stream >> target), &stream);
     EXPECT_EQ(log.err(), warning);
     EXPECT_EQ(log.out(), "");
