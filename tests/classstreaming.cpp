@@ -1,6 +1,7 @@
 #include "support/bytes.h"
 #include "support/describe.h"
 #include "support/logs.h"
+#include "support/sampleclasses.h"
 
 #include <zintar/dynamicbase.h>
 #include <zintar/metaclassbuilder.h>
@@ -29,10 +30,11 @@ std::atomic<std::size_t> bytesTaken{0};
 
 namespace
 {
+using sample::Heater;
 using Owned = std::unique_ptr<ZTMetaClass>;
 using Classes = std::unordered_map<std::string, const ZTMetaClass*>;
 
-const Classes withDynamicBase{{"struct ZTDynamicBase", &ZTDynamicBase::typeMetaClass()}};
+const Classes withDevice{{"struct sample::Device", &sample::Device::typeMetaClass()}};
 
 std::string missing(const std::string& name)
 {
@@ -49,7 +51,7 @@ std::string bytesOf(const ZTMetaClass& metaClass)
 std::string bytesOf(ZTMetaClassBuilder& builder) { return bytesOf(*Owned(builder.toMetaClass())); }
 
 /// The class that the bytes stand for, finished without its functions.
-Owned readClass(const std::string& bytes, const Classes& classes = withDynamicBase)
+Owned readClass(const std::string& bytes, const Classes& classes = withDevice)
 {
     ZTDataStream stream = support::streamOf(bytes);
     ZTMetaClassBuilder builder;
@@ -57,85 +59,61 @@ Owned readClass(const std::string& bytes, const Classes& classes = withDynamicBa
     return Owned(builder.toMetaClass());
 }
 
-/// A class with everything in it once, each number one that stands nowhere else.
-Owned makeRichClass()
+/// The class `Heater`, field by field, each in its width.
+std::string heaterBytes(bool withFunctions = true)
 {
-    ZTMetaClassBuilder builder;
-    builder.setTypeName("Rich");
-    builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
-    auto info = builder.addClassInfo();
-    info.setKey("ik");
-    info.setValue("iv");
-    auto kind = builder.addEnum();
-    kind.setName("Kind");
-    kind.add("One", 0x11121314);
-    kind.add("Neg", -2);
-    auto method = builder.addInvokable();
-    method.setName("call");
-    method.setIsConst(true);
-    method.setReturnMetaType(ztMetaType<bool>());
-    method.setAccessSpecifier(ZTAccessSpecifier::Protected);
-    method.setParameterMetaTypes({&ztMetaType<int>(), &ztMetaType<double>()});
-    auto event = builder.addInvokable();
-    event.setName("rung");
-    event.setEvent<>();
-    event.setIsConst(true);
-    event.setAccessSpecifier(ZTAccessSpecifier::Public);
-    auto property = builder.addProperty();
-    property.setName("level");
-    property.setMetaType(ztMetaType<float>());
-    property.setGetter([](const ZTVariant&) { return ZTVariant(); });
-    property.setChangeEvent(event);
-    property.addPropInfo("pk", "pv");
-    return Owned(builder.toMetaClass());
-}
-
-/// Its bytes, field by field, each in its width.
-std::string richBytes()
-{
+    const auto flags = [&](int bits) {
+        return static_cast<unsigned char>(withFunctions ? bits : 0);
+    };
     ZTDataStream stream;
-    stream << "Rich"
-           << "struct ZTDynamicBase";
-    stream << 1 << "ik"
-           << "iv";
-    stream << 1 << "Kind" << 2ULL << "One" << 0x11121314 << "Neg" << -2;
-    stream << 2 << "call"
-           << "bool" << short(1) << 1 << 2 << "int"
+    stream << "struct sample::Heater"
+           << "struct sample::Device";
+    stream << 2 << "vendor"
+           << "thermo"
+           << ""
+           << "";
+    stream << 1 << "Mode" << 2ULL << "Off" << -1 << "Heat" << 5;
+    stream << 3 << "boost"
+           << "double" << short(0) << 2 << 2 << "int"
            << "double";
-    stream << "rung"
-           << "void" << short(3) << 2 << 0;
-    stream << 1 << "level"
-           << "float" << 1 << true << 1 << "pk"
-           << "pv";
+    stream << "levelChanged"
+           << "void" << short(2) << 2 << 1 << "int";
+    stream << "describe" << ztMetaType<std::string>() << short(1) << 1 << 0;
+    stream << 2 << "serial"
+           << "int" << -1 << flags(1) << 0;
+    stream << "level"
+           << "int" << 1 << flags(3) << 2 << "unit"
+           << "watt"
+           << "unit"
+           << "W";
     return stream.data();
 }
 
 TEST(ClassWriter, WritesEachFieldInItsPlaceAndWidth)
 {
-    EXPECT_EQ(support::hex(bytesOf(*makeRichClass())), support::hex(richBytes()));
+    EXPECT_EQ(support::hex(bytesOf(Heater::typeMetaClass())), support::hex(heaterBytes()));
 }
 
 TEST(ClassReader, BringsEverythingBackButTheFunctions)
 {
-    const std::string bytes = richBytes();
-    ZTDataStream stream = support::streamOf(bytes + "tail");
+    ZTDataStream stream = support::streamOf(heaterBytes() + "tail");
     ZTMetaClassBuilder builder;
-    EXPECT_LOGS_NOTHING([&] { builder.deserialize(stream, withDynamicBase); });
-    EXPECT_FALSE(builder.property(0).getter() || builder.invokable(1).function());
-    EXPECT_TRUE(builder.property(0).canGet() && !builder.property(0).canSet());
-    const std::string without = bytesOf(builder);
-    builder.property(0).setGetter([](const ZTVariant& object) { return object; });
-    EXPECT_EQ(support::hex(bytesOf(builder)), support::hex(bytes));
-    builder.property(0).setGetter(nullptr); // takes the stored flag back as well
-    EXPECT_FALSE(builder.property(0).canGet());
+    EXPECT_LOGS_NOTHING([&] { builder.deserialize(stream, withDevice); });
+    auto serial = builder.property(0), level = builder.property(1);
+    EXPECT_TRUE(serial.canGet() && !serial.canSet() && level.canGet() && level.canSet());
+    EXPECT_FALSE(serial.getter() || level.setter() || builder.invokable(0).function());
+    const std::string without = bytesOf(builder); // what is not given back is forgotten
+    EXPECT_EQ(support::hex(without), support::hex(heaterBytes(false)));
+    EXPECT_EQ(bytesOf(*readClass(without)), without);
+    serial.setGetter([](const ZTVariant& object) { return object; });
+    level.setGetter([](const ZTVariant& object) { return object; });
+    level.setSetter([](const ZTVariant& object, const ZTVariant&) { return object; });
+    EXPECT_EQ(support::hex(bytesOf(builder)), support::hex(heaterBytes()));
+    serial.setGetter(nullptr); // takes the stored flag back as well
+    EXPECT_FALSE(serial.canGet());
     char rest[4];
     EXPECT_TRUE(stream.read(rest, 4).good()); // nothing behind the class was touched
     EXPECT_EQ(std::string(rest, 4), "tail");
-    // A getter that is not given back is forgotten.
-    std::string expected = bytes;
-    expected[bytes.size() - 25] = 0;
-    EXPECT_EQ(support::hex(without), support::hex(expected));
-    EXPECT_EQ(bytesOf(*readClass(without)), without);
 }
 
 /// A class without members whose super class has that name.
@@ -195,10 +173,10 @@ TEST(ClassReader, LinksTheChangeEventByItsPositionInTheOwnList)
     for (int position : {1, 0x7FFFFFFF, -1, -4, std::numeric_limits<int>::min()})
         EXPECT_EQ(readClass(classWithPosition(position))->property(0U)->changeEvent(), nullptr);
     EXPECT_EQ(readClass(classWithPosition(0))->property(0U)->changeEventIndex(), 4);
-    const Classes narrower{{"struct ZTDynamicBase", &ZTBase::typeMetaClass()}};
-    const Owned read = readClass(richBytes(), narrower);
+    const Classes narrower{{"struct sample::Device", &ZTBase::typeMetaClass()}};
+    const Owned read = readClass(heaterBytes(), narrower);
     EXPECT_EQ(read->property("level")->changeEventIndex(), 5);
-    EXPECT_EQ(read->property("level")->changeEvent()->name(), "rung");
+    EXPECT_EQ(read->property("level")->changeEvent()->name(), "levelChanged");
 
     // A reader adds to what the builder holds, and counts from the front of all of it.
     ZTMetaClassBuilder builder;
@@ -235,18 +213,18 @@ TEST(ClassReader, LeavesRepeatedEnumeratorsOutAndTellsOfUnknownTypes)
 // The fuzz target runs every single-bit change of its kept inputs.
 TEST(ClassReader, StopsAtTheFirstFailedReadAndKeepsWhatWasRead)
 {
-    const std::string bytes = richBytes();
+    const std::string bytes = heaterBytes();
+    const std::size_t firstProperty = bytes.find("serial") - 8;
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         support::CapturedLog log;
         ZTDataStream stream = support::streamOf(bytes.substr(0, size));
         ZTMetaClassBuilder builder;
-        builder.deserialize(stream, withDynamicBase);
+        builder.deserialize(stream, withDevice);
         EXPECT_FALSE(stream.good()) << size;
-        EXPECT_EQ(builder.typeName(), size < 12 ? "" : "Rich");
-        EXPECT_LE(builder.classInfoCount() + builder.enumCount() + builder.invokableCount() +
-                      builder.propertyCount(),
-                  5);
-        EXPECT_EQ(builder.propertyCount(), size < bytes.size() - 55 ? 0 : 1) << size;
+        EXPECT_EQ(builder.typeName(), size < 8 + 21 ? "" : "struct sample::Heater");
+        EXPECT_EQ(builder.classInfoCount() + builder.enumCount() + builder.invokableCount() == 6,
+                  size >= bytes.find("describe") - 8);
+        EXPECT_EQ(builder.propertyCount() > 0, size >= firstProperty) << size;
         const Owned finished(builder.toMetaClass());
         EXPECT_EQ(bytesOf(*readClass(bytesOf(*finished))), bytesOf(*finished)) << size;
     }

@@ -65,7 +65,6 @@ protected:
         return ZTBase::subscribe(speaker.get(), event, subscriber, handler);
     }
 
-    const ZTMetaType* integer = &ztMetaType<int>();
     const ZTMetaType* text = &ztMetaType<std::string>();
     Hearer a{"a", diary};
 };

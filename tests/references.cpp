@@ -35,15 +35,8 @@ struct Kind {
     template <class T>
     using Of = Reference<T>;
 };
-struct KindNames {
-    template <class K>
-    static std::string GetName(int)
-    {
-        return std::is_same_v<K, Kind<ZTRef>> ? "Weak" : "Strong";
-    }
-};
 using Kinds = testing::Types<Kind<ZTRef>, Kind<ZTStrongRef>>;
-TYPED_TEST_SUITE(AnyReference, Kinds, KindNames);
+TYPED_TEST_SUITE(AnyReference, Kinds, );
 
 TYPED_TEST(AnyReference, OfNothingIsNull)
 {
