@@ -31,6 +31,7 @@ std::atomic<std::size_t> bytesTaken{0};
 namespace
 {
 using sample::Heater;
+using support::streamed;
 using Owned = std::unique_ptr<ZTMetaClass>;
 using Classes = std::unordered_map<std::string, const ZTMetaClass*>;
 
@@ -42,13 +43,7 @@ std::string missing(const std::string& name)
            name + "\" provided.\n";
 }
 
-std::string bytesOf(const ZTMetaClass& metaClass)
-{
-    ZTDataStream stream;
-    stream << metaClass;
-    return stream.data();
-}
-std::string bytesOf(ZTMetaClassBuilder& builder) { return bytesOf(*Owned(builder.toMetaClass())); }
+std::string bytesOf(ZTMetaClassBuilder& builder) { return streamed(*Owned(builder.toMetaClass())); }
 
 /// The class that the bytes stand for, finished without its functions.
 Owned readClass(const std::string& bytes, const Classes& classes = withDevice)
@@ -65,33 +60,18 @@ std::string heaterBytes(bool withFunctions = true)
     const auto flags = [&](int bits) {
         return static_cast<unsigned char>(withFunctions ? bits : 0);
     };
-    ZTDataStream stream;
-    stream << "struct sample::Heater"
-           << "struct sample::Device";
-    stream << 2 << "vendor"
-           << "thermo"
-           << ""
-           << "";
-    stream << 1 << "Mode" << 2ULL << "Off" << -1 << "Heat" << 5;
-    stream << 3 << "boost"
-           << "double" << short(0) << 2 << 2 << "int"
-           << "double";
-    stream << "levelChanged"
-           << "void" << short(2) << 2 << 1 << "int";
-    stream << "describe" << ztMetaType<std::string>() << short(1) << 1 << 0;
-    stream << 2 << "serial"
-           << "int" << -1 << flags(1) << 0;
-    stream << "level"
-           << "int" << 1 << flags(3) << 2 << "unit"
-           << "watt"
-           << "unit"
-           << "W";
-    return stream.data();
+    return streamed("struct sample::Heater", "struct sample::Device",                     //
+                    2, "vendor", "thermo", "", "", 1, "Mode", 2ULL, "Off", -1, "Heat", 5, //
+                    3, "boost", "double", short(0), 2, 2, "int", "double",                //
+                    "levelChanged", "void", short(2), 2, 1, "int",                        //
+                    "describe", ztMetaType<std::string>(), short(1), 1, 0,                //
+                    2, "serial", "int", -1, flags(1), 0,                                  //
+                    "level", "int", 1, flags(3), 2, "unit", "watt", "unit", "W");
 }
 
 TEST(ClassWriter, WritesEachFieldInItsPlaceAndWidth)
 {
-    EXPECT_EQ(support::hex(bytesOf(Heater::typeMetaClass())), support::hex(heaterBytes()));
+    EXPECT_EQ(support::hex(streamed(Heater::typeMetaClass())), support::hex(heaterBytes()));
 }
 
 TEST(ClassReader, BringsEverythingBackButTheFunctions)
@@ -104,7 +84,7 @@ TEST(ClassReader, BringsEverythingBackButTheFunctions)
     EXPECT_FALSE(serial.getter() || level.setter() || builder.invokable(0).function());
     const std::string without = bytesOf(builder); // what is not given back is forgotten
     EXPECT_EQ(support::hex(without), support::hex(heaterBytes(false)));
-    EXPECT_EQ(bytesOf(*readClass(without)), without);
+    EXPECT_EQ(streamed(*readClass(without)), without);
     serial.setGetter([](const ZTVariant& object) { return object; });
     level.setGetter([](const ZTVariant& object) { return object; });
     level.setSetter([](const ZTVariant& object, const ZTVariant&) { return object; });
@@ -117,12 +97,7 @@ TEST(ClassReader, BringsEverythingBackButTheFunctions)
 }
 
 /// A class without members whose super class has that name.
-std::string classBelow(const std::string& super)
-{
-    ZTDataStream stream;
-    stream << "A" << super << 0 << 0 << 0 << 0;
-    return stream.data();
-}
+std::string classBelow(const std::string& super) { return streamed("A", super, 0, 0, 0, 0); }
 
 TEST(ClassReader, FindsTheSuperClassByName)
 {
@@ -150,22 +125,16 @@ TEST(ClassReader, FindsTheSuperClassByName)
     EXPECT_LOGS(missing(""), [] { EXPECT_EQ(readClass("")->typeName(), ""); });
     // A declared class comes back as it is.
     EXPECT_LOGS(missing("ZTNone"), [&] {
-        EXPECT_EQ(bytesOf(*readClass(bytesOf(*root))), bytesOf(*root));
-        EXPECT_EQ(bytesOf(*readClass(bytesOf(*other))), bytesOf(*other));
+        EXPECT_EQ(streamed(*readClass(streamed(*root))), streamed(*root));
+        EXPECT_EQ(streamed(*readClass(streamed(*other))), streamed(*other));
     });
 }
 
 /// A class whose only members are an event and a property with a change event at that position.
 std::string classWithPosition(int position)
 {
-    const unsigned short eventFlag = 2;
-    ZTDataStream stream;
-    stream << "A"
-           << "ZTBase" << 0 << 0;
-    stream << 1 << "rung" << ztMetaType<void>() << eventFlag << 0 << 0;
-    stream << 1 << "level" << ztMetaType<int>() << position;
-    stream << static_cast<unsigned char>(0) << 0;
-    return stream.data();
+    return streamed("A", "ZTBase", 0, 0, 1, "rung", "void", short(2), 0, 0, //
+                    1, "level", "int", position, false, 0);
 }
 
 TEST(ClassReader, LinksTheChangeEventByItsPositionInTheOwnList)
@@ -193,16 +162,13 @@ TEST(ClassReader, LinksTheChangeEventByItsPositionInTheOwnList)
 
 TEST(ClassReader, LeavesRepeatedEnumeratorsOutAndTellsOfUnknownTypes)
 {
-    ZTDataStream stream;
-    stream << "A"
-           << "ZTBase" << 0 << 1 << "Kind" << 4ULL;
-    stream << "One" << 1 << "Uno" << 1 << "One" << 2 << "Two" << 2 << 0 << 2;
-    for (const char* type : {"Nowhere", "ZTBadMetaType"})
-        stream << "level" << type << -1 << static_cast<unsigned char>(0) << 0;
+    const std::string bytes =
+        streamed("A", "ZTBase", 0, 1, "Kind", 4ULL, "One", 1, "Uno", 1, "One", 2, "Two", 2, 0, 2,
+                 "level", "Nowhere", -1, false, 0, "level", "ZTBadMetaType", -1, false, 0);
     EXPECT_LOGS("Zintar: ZTMetaType deserialization failed. Did not find meta type with name "
                 "\"Nowhere\".\n",
                 [&] {
-                    EXPECT_EQ(support::describe(*readClass(stream.data())),
+                    EXPECT_EQ(support::describe(*readClass(bytes)),
                               "A: struct ZTBase\n"
                               "enum 0 Kind One=1 Two=2\n"
                               "property 0 ZTBadMetaType level, -1\n"
@@ -226,21 +192,16 @@ TEST(ClassReader, StopsAtTheFirstFailedReadAndKeepsWhatWasRead)
                   size >= bytes.find("describe") - 8);
         EXPECT_EQ(builder.propertyCount() > 0, size >= firstProperty) << size;
         const Owned finished(builder.toMetaClass());
-        EXPECT_EQ(bytesOf(*readClass(bytesOf(*finished))), bytesOf(*finished)) << size;
+        EXPECT_EQ(streamed(*readClass(streamed(*finished))), streamed(*finished)) << size;
     }
 }
 
 TEST(ClassReader, TakesMemoryInProportionToTheBytes)
 {
     // Each list in turn claims more than four thousand million entries, in 64 KiB of zeros.
-    for (int list = 0; list < 4; ++list) {
-        ZTDataStream stream;
-        stream << "A"
-               << "ZTBase";
-        for (int before = 0; before < list; ++before)
-            stream << 0;
-        stream << ~0U;
-        const std::string bytes = stream.data() + std::string(0x10000, '\0');
+    std::string front = streamed("A", "ZTBase");
+    for (int list = 0; list < 4; ++list, front += streamed(0)) {
+        const std::string bytes = front + streamed(~0U) + std::string(0x10000, '\0');
         support::CapturedLog log;
         ZTDataStream hostile = support::streamOf(bytes);
         ZTMetaClassBuilder builder;

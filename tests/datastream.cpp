@@ -26,19 +26,20 @@ std::string stateOf(const ZTDataStream& stream)
 
 TEST(DataStream, WritesLittleEndianWithoutPadding)
 {
-    ZTDataStream stream;
-    stream << true << static_cast<signed char>(-2) << static_cast<unsigned char>(200) << short(-2);
-    stream << static_cast<unsigned short>(0x1234) << 1 << 0x12345678U << 0.5F << 0.5;
-    EXPECT_EQ(bytesOf(stream), "01 FE C8 FE FF 34 12 01 00 00 00 78 56 34 12 00 00 00 3F "
-                               "00 00 00 00 00 00 E0 3F");
-    ZTDataStream wide;
-    wide << -2LL << 0x0102030405060708ULL << std::int64_t(1);
-    EXPECT_EQ(bytesOf(wide), "FE FF FF FF FF FF FF FF 08 07 06 05 04 03 02 01 "
-                             "01 00 00 00 00 00 00 00");
-    ZTDataStream texts;
-    texts << "abc" << std::string_view("abcd").substr(0, 3) << std::string("abc") << "";
+    using support::hex;
+    using support::streamed;
+    using SignedChar = signed char;
+    using UnsignedChar = unsigned char;
+    using UnsignedShort = unsigned short;
+    EXPECT_EQ(hex(streamed(true, SignedChar(-2), UnsignedChar(200), short(-2),
+                           UnsignedShort(0x1234), 1, 0x12345678U)),
+              "01 FE C8 FE FF 34 12 01 00 00 00 78 56 34 12");
+    EXPECT_EQ(hex(streamed(0.5F, 0.5)), "00 00 00 3F 00 00 00 00 00 00 E0 3F");
+    EXPECT_EQ(hex(streamed(-2LL, 0x0102030405060708ULL, std::int64_t(1))),
+              "FE FF FF FF FF FF FF FF 08 07 06 05 04 03 02 01 01 00 00 00 00 00 00 00");
     const std::string abc = "03 00 00 00 00 00 00 00 61 62 63 ";
-    EXPECT_EQ(bytesOf(texts), abc + abc + abc + "00 00 00 00 00 00 00 00");
+    EXPECT_EQ(hex(streamed("abc", std::string_view("abcd").substr(0, 3), std::string("abc"), "")),
+              abc + abc + abc + "00 00 00 00 00 00 00 00");
 }
 
 template <class... T>

@@ -6,6 +6,7 @@
 
 namespace
 {
+using support::streamed;
 using support::streamOf;
 
 const std::string stringName =
@@ -23,14 +24,6 @@ std::string notRead(const std::string& type)
 std::string notWritten(const std::string& type)
 {
     return "Zintar: ZTVariant serialization failed for type " + type + ".\n";
-}
-
-/// The bytes of a name, and of a whole stream with one text in it.
-std::string nameBytes(std::string_view name)
-{
-    ZTDataStream stream;
-    stream << name;
-    return stream.data();
 }
 
 /// What the stream gives to a variant that held something; the warnings go to standard error.
@@ -56,7 +49,7 @@ TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
 {
     ZTDataStream stream;
     stream << ztMetaType<int>() << ZTMetaType::ZTBadMetaType;
-    EXPECT_EQ(stream.data(), nameBytes("int") + nameBytes("ZTBadMetaType"));
+    EXPECT_EQ(stream.data(), streamed("int") + streamed("ZTBadMetaType"));
     stream << "std::string"
            << "no such type";
     const ZTMetaType* type = nullptr;
@@ -99,7 +92,7 @@ TEST(VariantOnStream, IsItsTypeAndItsValueAndComesBackEqual)
     const std::string fiveBytes = stream.data();
     EXPECT_EQ(support::hex(fiveBytes), "03 00 00 00 00 00 00 00 69 6E 74 05 00 00 00");
     write(stream, ZTVariant(ztMetaType<ZTVariant>(), &five));
-    EXPECT_EQ(stream.data(), fiveBytes + nameBytes("struct ZTVariant") + fiveBytes);
+    EXPECT_EQ(stream.data(), fiveBytes + streamed("struct ZTVariant") + fiveBytes);
     const ZTVariant variants[] = {ZTVariant("abc"),
                                   ZTVariant(std::int64_t(-5)),
                                   ZTVariant(Streamed{7}),
@@ -124,7 +117,7 @@ TEST(VariantOnStream, OfATypeThatIsNotWrittenStaysInStep)
         const std::string name = variant.type().name();
         ZTDataStream stream;
         write(stream, variant, notWritten(name));
-        EXPECT_EQ(stream.data(), nameBytes(name));
+        EXPECT_EQ(stream.data(), streamed(name));
         stream << 5;
         // A type that is only read takes what follows.
         const bool reads = &variant.type() == &ztMetaType<ReadOnly>();
@@ -147,7 +140,7 @@ TEST(VariantOnStream, OfATypeThatIsNotReadLeavesItsValueBehind)
         const std::string name = variant.type().name();
         ZTDataStream stream;
         write(stream, variant);
-        EXPECT_EQ(stream.data().size(), nameBytes(name).size() + left) << name;
+        EXPECT_EQ(stream.data().size(), streamed(name).size() + left) << name;
         stream << "next";
         EXPECT_FALSE(readOver(stream, notRead(name)));
         std::string rest(left, '\0'), next;
@@ -160,7 +153,7 @@ TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)
 {
     ZTDataStream whole;
     write(whole, ZTVariant(0x04030201));
-    const std::size_t name = nameBytes("int").size();
+    const std::size_t name = streamed("int").size();
     const int partial[] = {0, 0x01, 0x0201, 0x030201};
     for (std::size_t size = 0; size < whole.data().size(); ++size) {
         ZTDataStream stream = streamOf(whole.data().substr(0, size));
@@ -178,7 +171,7 @@ TEST(VariantOnStream, ThatNestsWithoutEndIsSurvived)
 {
     std::string bytes;
     for (int i = 0; i < 100'000; ++i)
-        bytes += nameBytes("struct ZTVariant");
+        bytes += streamed("struct ZTVariant");
     ZTDataStream stream = streamOf(bytes);
     ZTVariant variant;
     EXPECT_NE(support::logOf([&] { stream >> variant; }), "");

@@ -21,6 +21,15 @@ inline std::string hex(const std::string& bytes)
 
 inline std::string bytesOf(const ZTDataStream& stream) { return hex(stream.data()); }
 
+/// The bytes of the values, one behind the other.
+template <class... Values>
+std::string streamed(const Values&... values)
+{
+    ZTDataStream stream;
+    (stream << ... << values);
+    return stream.data();
+}
+
 /// A stream that holds the bytes, to be read from the first one.
 inline ZTDataStream streamOf(const std::string& bytes)
 {
