@@ -6,18 +6,31 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <limits>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace dump
 {
-/// All that was read from one file.
+inline constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
+
+/// All that was read from one file. What is left out in print is still read, for the damage in it
+/// and for the classes that derive from it.
 struct Contents {
     std::string file;
     std::size_t size = 0;
     std::vector<ClassRecord> classes;
     std::vector<VariantRecord> variants;
     std::vector<Damage> damages;
+
+    /// Of all records, classes first, how many are left out in print, and how many follow that
+    /// are not.
+    std::size_t skip = 0;
+    std::size_t count = all;
+
+    [[nodiscard]] std::span<const ClassRecord> shownClasses() const;
+    [[nodiscard]] std::span<const VariantRecord> shownVariants() const;
 };
 
 /// Reads class records and then variants, until the bytes end or stop making sense.

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <unordered_map>
 
-// A class is a node with up to four compartments: name, properties, methods, events. A super class
-// that stands in no file is a node with its name alone: dashed when it is unknown, grey when it is
-// one of the library's.
+// A class is a node with up to five compartments: name, enumerations, properties, methods, events.
+// A super class that is not shown is a node with its name alone: dashed when it is unknown, grey
+// when it is one of the library's.
 
 namespace dump
 {
@@ -45,10 +45,10 @@ public:
                  "    node [shape=record, fontname=\"Helvetica\", fontsize=10];\n"
                  "    edge [arrowhead=empty];\n";
         for (const Contents& contents : files)
-            for (const ClassRecord& record : contents.classes)
+            for (const ClassRecord& record : contents.shownClasses())
                 printClass(record);
         for (const Contents& contents : files)
-            for (const ClassRecord& record : contents.classes)
+            for (const ClassRecord& record : contents.shownClasses())
                 printArrow(record);
         m_out << "}\n";
     }
@@ -69,13 +69,7 @@ private:
         const Lineage& lineage = m_hierarchy.of(record);
         if (lineage.kind == SuperKind::None)
             return;
-        std::string super;
-        if (!lineage.super)
-            super = missingNode(record.super);
-        else if (m_hierarchy.isOfLibrary(*lineage.super))
-            super = libraryNode(*lineage.super);
-        else
-            super = nodeOf(*lineage.super);
+        std::string super = lineage.super ? superNode(*lineage.super) : missingNode(record.super);
         m_out << "    " << nodeOf(record) << " -> " << super << ";\n";
     }
 
@@ -134,15 +128,19 @@ private:
         return entry->second;
     }
 
-    /// One of the library's classes comes with the line above it.
-    std::string libraryNode(const ClassRecord& record)
+    /// Those to be shown have their nodes already. One of the library's classes comes with the line
+    /// above it.
+    std::string superNode(const ClassRecord& record)
     {
         bool isNew = !m_nodes.count(&record);
         std::string node = nodeOf(record);
-        if (isNew) {
-            printNode(node, label(shownName(record.name)), "style=filled, fillcolor=lightgrey");
+        if (!isNew)
+            return node;
+        bool isOfLibrary = Hierarchy::isOfLibrary(record);
+        printNode(node, label(shownName(record.name)),
+                  isOfLibrary ? "style=filled, fillcolor=lightgrey" : "");
+        if (isOfLibrary)
             printArrow(record);
-        }
         return node;
     }
 

@@ -41,9 +41,19 @@ std::optional<std::string> readFile(const std::string& name)
     return bytes;
 }
 
-std::string shownFile(const std::string& name)
+/// What a file is called in all that is printed.
+std::string titleOf(const std::string& name)
 {
-    return name == standardInput ? "standard input" : escaped(name);
+    return name == standardInput ? "standard input" : name;
+}
+
+Contents contentsOf(const std::string& name, std::string bytes, const Options& options)
+{
+    Contents contents =
+        readContents(titleOf(name), std::move(bytes), options.classCount, options.from);
+    contents.skip = options.skip;
+    contents.count = options.count;
+    return contents;
 }
 
 std::vector<const ClassRecord*> classesOf(const std::vector<Contents>& files)
@@ -74,13 +84,23 @@ bool tellDamages(std::ostream& errors, const std::vector<Contents>& files)
     bool any = false;
     for (const Contents& contents : files)
         for (const Damage& damage : contents.damages) {
-            errors << "zintar-dump: " << shownFile(contents.file) << ": byte " << damage.offset
+            errors << "zintar-dump: " << shownName(contents.file) << ": byte " << damage.offset
                    << ": " << damage.what << "\n";
             any = true;
         }
     return any;
 }
 } // namespace
+
+int show(const std::vector<Contents>& files, Form form, std::ostream& out, std::ostream& errors)
+{
+    print(form, out, files);
+    bool isWritten = static_cast<bool>(out.flush());
+    if (!isWritten)
+        errors << "zintar-dump: the output could not be written\n";
+    bool anyDamage = tellDamages(errors, files);
+    return !isWritten ? failed : anyDamage ? damaged : sound;
+}
 
 int dump(const Options& options, std::ostream& out, std::ostream& errors)
 {
@@ -89,26 +109,18 @@ int dump(const Options& options, std::ostream& out, std::ostream& errors)
         names.emplace_back(standardInput);
 
     std::vector<Contents> files;
-    int code = sound;
+    bool allRead = true;
     for (const std::string& name : names) {
         std::optional<std::string> bytes = readFile(name);
-        if (!bytes) {
-            errors << "zintar-dump: " << shownFile(name) << ": " << std::strerror(errno) << "\n";
-            code = failed;
+        if (bytes) {
+            files.push_back(contentsOf(name, std::move(*bytes), options));
             continue;
         }
-        files.push_back(
-            readContents(shownFile(name), std::move(*bytes), options.classCount, options.from));
+        errors << "zintar-dump: " << shownName(titleOf(name)) << ": " << std::strerror(errno)
+               << "\n";
+        allRead = false;
     }
-    if (files.empty())
-        return code;
-
-    print(options.form, out, files);
-    if (!out.flush()) {
-        errors << "zintar-dump: the output could not be written\n";
-        code = failed;
-    }
-    bool anyDamage = tellDamages(errors, files);
-    return code == sound && anyDamage ? damaged : code;
+    int code = files.empty() ? sound : show(files, options.form, out, errors);
+    return allRead ? code : failed;
 }
 } // namespace dump

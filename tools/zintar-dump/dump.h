@@ -18,6 +18,9 @@ struct Options {
     std::size_t classCount = std::numeric_limits<std::size_t>::max();
     /// The first byte that is read in each file.
     std::size_t from = 0;
+    /// How many records of each file are left out, and how many follow that are not.
+    std::size_t skip = 0;
+    std::size_t count = std::numeric_limits<std::size_t>::max();
 };
 
 // What the tool exits with.
@@ -25,8 +28,13 @@ inline constexpr int sound = 0;
 inline constexpr int damaged = 1;
 inline constexpr int failed = 2;
 
-/// Reads the files and prints what they hold; what does not make sense, and files that cannot be
-/// read, are told on `errors`, a line each.
+struct Contents;
+
+/// Prints what was read; what did not make sense is told on `errors`, a line each.
+/// @return the exit code
+int show(const std::vector<Contents>& files, Form form, std::ostream& out, std::ostream& errors);
+
+/// Reads the files and shows them. Files that cannot be read are told on `errors`, a line each.
 /// @return the exit code
 int dump(const Options& options, std::ostream& out, std::ostream& errors);
 } // namespace dump

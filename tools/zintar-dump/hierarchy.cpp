@@ -39,7 +39,8 @@ bool hasSuper(const ClassRecord& record)
 Hierarchy::Hierarchy(const std::vector<const ClassRecord*>& classes)
 {
     for (const ClassRecord* record : classes)
-        m_byName.emplace(record->name, record);
+        if (!record->name.empty())
+            m_byName.emplace(record->name, record);
     for (const LibraryClass& library : libraryClasses()) {
         m_byName.emplace(library.record.name, &library.record);
         m_byName.emplace(library.shortName, &library.record);
@@ -59,10 +60,13 @@ bool Hierarchy::isOfLibrary(const ClassRecord& record)
                        [&](const LibraryClass& library) { return &library.record == &record; });
 }
 
-const ClassRecord* Hierarchy::find(const std::string& name) const
+const ClassRecord* Hierarchy::superOf(const ClassRecord& record) const
 {
-    auto found = m_byName.find(name);
-    return found == m_byName.end() ? nullptr : found->second;
+    if (!hasSuper(record))
+        return nullptr;
+    auto found = m_byName.find(record.super);
+    bool isOther = found != m_byName.end() && found->second != &record;
+    return isOther ? found->second : nullptr;
 }
 
 // Climbs to the first class that is tied already or has nothing above it, and ties from there
@@ -73,12 +77,12 @@ void Hierarchy::tie(const ClassRecord& record)
     const ClassRecord* current = &record;
     while (current && m_lineages.emplace(current, Lineage{}).second) {
         line.push_back(current);
-        current = hasSuper(*current) ? find(current->super) : nullptr;
+        current = superOf(*current);
     }
     bool isCircle = std::find(line.begin(), line.end(), current) != line.end();
     if (isCircle) {
         for (const ClassRecord* member : line)
-            m_lineages[member] = {SuperKind::Circular, find(member->super), false, 0, 0};
+            m_lineages[member] = {SuperKind::Circular, superOf(*member), false, 0, 0};
         return;
     }
     for (auto member = line.rbegin(); member != line.rend(); ++member) {

@@ -15,7 +15,7 @@ enum class SuperKind {
     None,     ///< it has none, or its name could not be read
     Known,    ///< it stands in one of the files or is one of the library's own
     Missing,  ///< it is known by name only
-    Circular, ///< following the names comes back to the class, or to one above it
+    Circular, ///< following the names comes back to the class, or to one above it, by others
 };
 
 struct Lineage {
@@ -30,7 +30,8 @@ struct Lineage {
 /// Ties classes to their super classes by name, in whatever order they came.
 ///
 /// Of several classes with one name the first is taken as super class. One in a file goes before
-/// one of the library, as a host may have classes of its own under those names.
+/// one of the library, as a host may have classes of its own under those names. No class is taken
+/// as its own super class, which is then another one of the same name; and no name stands for none.
 class Hierarchy
 {
 public:
@@ -52,7 +53,7 @@ public:
 private:
     void tie(const ClassRecord& record);
     void tieTo(const ClassRecord& record, const ClassRecord* super);
-    [[nodiscard]] const ClassRecord* find(const std::string& name) const;
+    [[nodiscard]] const ClassRecord* superOf(const ClassRecord& record) const;
     [[nodiscard]] const InvokableRecord* inheritedInvokable(const ClassRecord& record,
                                                             std::size_t index) const;
 

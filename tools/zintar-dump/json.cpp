@@ -15,11 +15,11 @@ namespace
 {
 using Json = nlohmann::ordered_json;
 
-template <class Entry, class Tell>
-Json listOf(const std::vector<Entry>& entries, Tell tell)
+template <class Entries, class Tell>
+Json listOf(const Entries& entries, Tell tell)
 {
     Json list = Json::array();
-    for (const Entry& entry : entries)
+    for (const auto& entry : entries)
         list.push_back(tell(entry));
     return list;
 }
@@ -162,11 +162,11 @@ Json fileOf(const Contents& contents, const Hierarchy& hierarchy)
 {
     return {{"name", contents.file},
             {"size", contents.size},
-            {"classes", listOf(contents.classes,
+            {"classes", listOf(contents.shownClasses(),
                                [&](const ClassRecord& record) {
                                    return ClassJson(record, hierarchy).make();
                                })},
-            {"variants", listOf(contents.variants, variantOf)},
+            {"variants", listOf(contents.shownVariants(), variantOf)},
             {"damages", listOf(contents.damages, [](const Damage& damage) {
                  return Json{{"offset", damage.offset}, {"what", damage.what}};
              })}};

@@ -109,14 +109,14 @@ private:
 void printFile(std::ostream& out, const Contents& contents, const Hierarchy& hierarchy)
 {
     std::string_view gap;
-    for (const ClassRecord& record : contents.classes) {
+    for (const ClassRecord& record : contents.shownClasses()) {
         out << gap;
         ClassListing(out, record, hierarchy).print();
         gap = "\n";
     }
-    if (!contents.variants.empty())
+    if (!contents.shownVariants().empty())
         out << gap;
-    for (const VariantRecord& variant : contents.variants)
+    for (const VariantRecord& variant : contents.shownVariants())
         out << printed(variant) << "  [bytes " << variant.offset << " to " << variant.end << "]\n";
     if (contents.size == 0)
         out << "(nothing in it)\n";
@@ -128,7 +128,7 @@ void printListing(std::ostream& out, const std::vector<Contents>& files, const H
     std::string_view gap;
     for (const Contents& contents : files) {
         if (files.size() > 1)
-            out << gap << escaped(contents.file) << ":\n";
+            out << gap << shownName(contents.file) << ":\n";
         printFile(out, contents, hierarchy);
         gap = "\n";
     }

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstddef>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -17,10 +18,13 @@ constexpr const char* more = R"(Examples:
   zintar-dump --dot base.classes plugin.classes | dot -Tsvg -o classes.svg
   zintar-dump --variants --json < settings.bin | jq '.files[].variants[].value'
 
-A stream does not say whether it holds classes or variants: tell it by an option.
-A class without name, super class and members ends the classes, and variants follow.
-A super class may stand in any of the files; the library's own are always known. The
-byte at which a file stops making sense is told on standard error.
+A stream does not say whether it holds classes or variants; it is taken for classes
+unless an option tells otherwise. A class without name, super class and members ends
+them, and variants follow. A variant can be shown when its type is one of the
+library's own. A super class may stand in any of the files, whatever their order.
+
+The byte at which a file stops making sense is told on standard error, and what was
+read before it is shown.
 
 Exit code: 0 when all was sound, 1 when anything was damaged, 2 when the command
 line was wrong or a file could not be read.)";
@@ -44,10 +48,29 @@ public:
     }
 };
 
+std::string oneLine(const CLI::App*, const CLI::Error& error)
+{
+    return std::string("zintar-dump: ") + error.what() + " (see zintar-dump --help)\n";
+}
+
+/// What is wrong with it; nothing when it may be one.
+std::string faultOfNumber(const std::string& text)
+{
+    bool beginsWithDigit = !text.empty() && text[0] >= '0' && text[0] <= '9';
+    return beginsWithDigit ? "" : text + " is no number from 0 on";
+}
+
+CLI::Option* addNumber(CLI::App& app, const std::string& name, std::size_t& number,
+                       const std::string& description)
+{
+    return app.add_option(name, number, description)->type_name("N")->check(faultOfNumber);
+}
+
 void describe(CLI::App& app, dump::Options& options)
 {
     app.formatter(std::make_shared<Formatter>());
     app.footer(more);
+    app.failure_message(oneLine);
     app.set_help_flag("-h,--help", "Print this and exit");
     app.set_version_flag("--version", "zintar-dump " ZINTAR_DUMP_VERSION,
                          "Print the version and exit");
@@ -62,10 +85,11 @@ void describe(CLI::App& app, dump::Options& options)
     auto* variants = app.add_flag_callback(
         "--variants", [&options] { options.classCount = 0; },
         "Each file holds variants rather than classes");
-    app.add_option("--classes", options.classCount, "Each file holds N classes and then variants")
-        ->type_name("N")
+    addNumber(app, "--classes", options.classCount, "Each file holds N classes and then variants")
         ->excludes(variants);
-    app.add_option("--from", options.from, "Begin at byte N of each file")->type_name("N");
+    addNumber(app, "--from", options.from, "Begin at byte N of each file; the first is byte 0");
+    addNumber(app, "--skip", options.skip, "Leave out the first N classes and variants of a file");
+    addNumber(app, "--count", options.count, "Show no more than N classes and variants of a file");
     dot->excludes(json)->excludes(variants);
 }
 } // namespace

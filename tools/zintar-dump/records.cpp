@@ -31,7 +31,8 @@ public:
 
     void read()
     {
-        readText(m_class.name, "its name");
+        readText(m_class.name, "the name of a class");
+        m_isNamed = true;
         readText(m_class.super, "the name of its super class");
         readList<unsigned int>(m_class.annotations, "annotations", smallestAnnotation,
                                [&](Annotation& annotation) { readAnnotation(annotation); });
@@ -94,7 +95,7 @@ private:
         readNumber(flags, "its flags");
         if (flags > 3)
             note(offset, "its flags",
-                 "the value " + std::to_string(flags) + ", of which 3 is the most");
+                 "the value " + std::to_string(flags) + ", where 3 is the most");
         return flags;
     }
 
@@ -133,8 +134,8 @@ private:
         readNumber(length, field);
         if (length > m_stream.left())
             fail(offset, field,
-                 "a text of " + std::to_string(length) + " bytes, where " +
-                     std::to_string(m_stream.left()) + " are left");
+                 "a length of " + std::to_string(length) + ", where " +
+                     std::to_string(m_stream.left()) + " bytes are left");
         text = m_stream.take(static_cast<std::size_t>(length));
     }
 
@@ -177,18 +178,20 @@ private:
 
     void note(std::size_t offset, std::string_view field, const std::string& problem)
     {
-        std::string what = "class " + shownReference(m_class.name);
+        std::string where;
+        if (m_isNamed)
+            where = "class " + shownReference(m_class.name) + ", ";
         if (!m_memberKind.empty()) {
-            what += ", " + std::string(m_memberKind) + " " + std::to_string(m_memberNumber);
-            if (!m_memberName->empty())
-                what += " (" + shownReference(*m_memberName) + ")";
+            where += std::string(m_memberKind) + " " + std::to_string(m_memberNumber);
+            where += m_memberName->empty() ? ", " : " (" + shownReference(*m_memberName) + "), ";
         }
-        m_damages.push_back({offset, what + ", " + std::string(field) + ": " + problem});
+        m_damages.push_back({offset, where + std::string(field) + ": " + problem});
     }
 
     [[noreturn]] void fail(std::size_t offset, std::string_view field, const std::string& problem)
     {
         note(offset, field, problem);
+        m_stream.seek(offset);
         throw Unreadable();
     }
 
@@ -196,6 +199,7 @@ private:
     ClassRecord& m_class;
     std::vector<Damage>& m_damages;
 
+    bool m_isNamed = false;
     // The member that is being read, counted from 1; without a kind there is none.
     std::string_view m_memberKind;
     const std::string* m_memberName = nullptr;

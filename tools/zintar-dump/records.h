@@ -59,7 +59,7 @@ struct PropertyRecord {
 
 struct ClassRecord {
     std::size_t offset = 0;
-    std::size_t end = 0; ///< one past its last byte
+    std::size_t end = 0; ///< one past its last byte that makes sense
     bool isComplete = false;
     std::string name;
     std::string super; ///< `noSuper` when there is none

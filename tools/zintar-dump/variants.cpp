@@ -3,10 +3,12 @@
 #include "text.h"
 
 #include <zintar/metatype.h>
+#include <zintar/typedvalue.h>
 #include <zintar/typename.h>
 
 #include <iostream>
 #include <sstream>
+#include <string_view>
 
 namespace dump
 {
@@ -87,12 +89,13 @@ private:
     {
         unsigned long long length = 0;
         if (m_stream.left() < sizeof(length))
-            return fail(m_typeOffset, "the bytes end in the length of a type's name");
+            return fail(m_typeOffset, "the name of a type: the bytes end after " +
+                                          std::to_string(m_stream.left()) + " of 8");
         m_stream >> length;
         if (length > m_stream.left())
-            return fail(m_typeOffset, "a type's name of " + std::to_string(length) +
-                                          " bytes, where " + std::to_string(m_stream.left()) +
-                                          " are left");
+            return fail(m_typeOffset, "the name of a type: a length of " + std::to_string(length) +
+                                          ", where " + std::to_string(m_stream.left()) +
+                                          " bytes are left");
         m_innermost = m_stream.take(static_cast<std::size_t>(length));
         return true;
     }
@@ -105,12 +108,11 @@ private:
         m_stream >> m_record.value;
         if (!m_stream.good())
             return fail(valueOffset,
-                        "the bytes end in the value of type " + shownReference(m_innermost));
+                        "the bytes end in the value of type " + shownType(m_innermost));
         if (!log.isEmpty())
-            return fail(m_record.offset, isTooDeep()
-                                             ? "variants are nested too deep to be read"
-                                             : "a value of type " + shownReference(m_innermost) +
-                                                   " cannot be read back");
+            return fail(m_record.offset, isTooDeep() ? "variants are nested too deep to be read"
+                                                     : "a value of type " + shownType(m_innermost) +
+                                                           " cannot be read back");
         return true;
     }
 
@@ -125,7 +127,7 @@ private:
         std::size_t valueOffset = m_stream.position();
         if (m_stream.left() < width)
             return fail(valueOffset,
-                        "the bytes end in the value of type " + shownReference(m_innermost));
+                        "the bytes end in the value of type " + shownType(m_innermost));
         m_record.unreadBytes = m_stream.take(width);
         return true;
     }
@@ -149,8 +151,23 @@ std::optional<VariantRecord> readVariant(ByteStream& stream, std::vector<Damage>
     return VariantReader(stream, damages).read();
 }
 
+namespace
+{
+std::string shown(std::string_view type, const ZTVariant& value, std::string_view unreadBytes)
+{
+    std::string text = "ZTVariant(" + shownType(type);
+    if (value.isValid())
+        text += ", " + printedValue(value);
+    else if (!unreadBytes.empty())
+        text += ", bytes" + hex(unreadBytes);
+    return text + ")";
+}
+} // namespace
+
 std::string printedValue(const ZTVariant& variant)
 {
+    if (const auto* inner = ztVariantPointer<ZTVariant>(variant))
+        return shown(inner->type().name(), *inner, {});
     LogCapture log;
     std::ostringstream text;
     variant.type().print(text, variant.data());
@@ -159,11 +176,6 @@ std::string printedValue(const ZTVariant& variant)
 
 std::string printed(const VariantRecord& variant)
 {
-    std::string text = "ZTVariant(" + shownType(variant.type);
-    if (variant.value.isValid())
-        text += ", " + printedValue(variant.value);
-    else if (!variant.unreadBytes.empty())
-        text += ", bytes" + hex(variant.unreadBytes);
-    return text + ")";
+    return shown(variant.type, variant.value, variant.unreadBytes);
 }
 } // namespace dump

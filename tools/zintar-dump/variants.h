@@ -28,7 +28,8 @@ struct VariantRecord {
 ///         `damage`. Nothing can be read behind it then: a value has no length on the stream.
 std::optional<VariantRecord> readVariant(ByteStream& stream, std::vector<Damage>& damages);
 
-/// The value alone as the library prints it, on one line.
+/// The value alone as the library prints it, on one line. A variant within one is shown by the
+/// type's shown name as well.
 [[nodiscard]] std::string printedValue(const ZTVariant& variant);
 
 /// The variant nearly as the library prints it: on one line, and by the type's shown name.

@@ -65,15 +65,24 @@ std::string finish(ZTMetaClassBuilder& builder)
     return bytesOf(*metaClass);
 }
 
-/// A class without members.
-std::string bare(std::string_view name, std::string_view super)
+/// A class without members, below one that may have no name.
+std::string bareBelow(std::string_view super, std::string_view name)
 {
     ZTMetaClassBuilder above;
     above.setTypeName(super);
     std::unique_ptr<ZTMetaClass> superClass(above.toMetaClass());
     ZTMetaClassBuilder builder;
     builder.setTypeName(name);
-    builder.setSuperClass(super.empty() ? nullptr : superClass.get());
+    builder.setSuperClass(superClass.get());
+    return finish(builder);
+}
+
+std::string bare(std::string_view name, std::string_view super)
+{
+    if (!super.empty())
+        return bareBelow(super, name);
+    ZTMetaClassBuilder builder;
+    builder.setTypeName(name);
     return finish(builder);
 }
 
@@ -120,6 +129,11 @@ std::string strangers()
     return bare("Alone", "") + bare("Plugin", "SomewhereElse") + bare("Egg", "Hen") +
            bare("Hen", "Egg") + bare("Chick", "Hen") + bare("Root", "ZTBase") +
            bare("Own", "struct ZTDynamicBase");
+}
+
+std::string namesakes()
+{
+    return bare("Panel", "Panel") + bareBelow("", "Nobody's") + bareBelow("", "");
 }
 
 std::string oddNames()

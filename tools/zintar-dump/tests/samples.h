@@ -13,6 +13,8 @@ std::string device();
 std::string thermostat();
 /// Classes with nothing above them, with names above them that lead nowhere or in a circle.
 std::string strangers();
+/// A class below another of the same name, and one below a class without a name.
+std::string namesakes();
 /// Names that a terminal, JSON or Graphviz would stumble over.
 std::string oddNames();
 /// Values of types that are known everywhere.

@@ -17,6 +17,7 @@ int main()
     write("device.classes", samples::device());
     write("thermostat.classes", samples::thermostat());
     write("strangers.classes", samples::strangers());
+    write("namesakes.classes", samples::namesakes());
     write("oddnames.classes", samples::oddNames());
     write("values.variants", samples::values());
     write("oneway.variants", samples::oneWayValues());
