@@ -1,6 +1,10 @@
+#include "memory.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -10,6 +14,7 @@
 // Runs a fuzz target over the files of a kept corpus, and over what becomes of each small one by
 // cutting it short anywhere or by changing any single bit: what was once found stays found, in
 // every build and without libFuzzer. Names each file before it is run, so that a crash tells which.
+// No run may take memory out of proportion to its input, whatever lengths and counts it claims.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -27,14 +32,31 @@ Bytes read(const std::filesystem::path& path)
     return {bytes.begin(), bytes.end()};
 }
 
+/// The targets hold several copies of what they read, and its text in several forms.
+constexpr std::size_t mostForEachByte = 50;
+constexpr std::size_t mostForNothing = 32 * 1024;
+
+/// @param about  for the message
+void runOne(const Bytes& bytes, const char* about)
+{
+    const std::size_t before = memory::startPeak();
+    LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    const std::size_t taken = memory::peak() - before;
+    if (taken <= mostForNothing + mostForEachByte * bytes.size())
+        return;
+    // std::cerr is silent meanwhile.
+    std::fprintf(stderr, "took %zu bytes for %zu, %s\n", taken, bytes.size(), about);
+    std::exit(1);
+}
+
 void runDamaged(Bytes bytes)
 {
     for (std::size_t size = 0; size < bytes.size(); ++size)
-        LLVMFuzzerTestOneInput(Bytes(bytes.data(), bytes.data() + size).data(), size);
+        runOne(Bytes(bytes.data(), bytes.data() + size), "cut short");
     for (std::size_t bit = 0; bit < bytes.size() * 8; ++bit) {
         const auto mask = static_cast<std::uint8_t>(1 << bit % 8);
         bytes[bit / 8] ^= mask;
-        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+        runOne(bytes, "with a bit changed");
         bytes[bit / 8] ^= mask;
     }
 }
@@ -44,7 +66,7 @@ void runQuietly(const Bytes& bytes)
 {
     std::streambuf* out = std::cout.rdbuf(nullptr);
     std::streambuf* err = std::cerr.rdbuf(nullptr);
-    LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    runOne(bytes, "as it is");
     if (bytes.size() <= largestToDamage)
         runDamaged(bytes);
     std::cout.rdbuf(out);
