@@ -5,7 +5,8 @@
 #include <zintar/metaclassbuilder.h>
 
 #include <memory>
-#include <regex>
+#include <string>
+#include <string_view>
 #include <utility>
 
 // What both families of descriptors promise alike. The same two classes come from a declaration,
@@ -155,30 +156,34 @@ INSTANTIATE_TEST_SUITE_P(Each, DescriptorContract,
                                          Source{"Copied", &copied}, Source{"Streamed", &streamed}),
                          [](const auto& source) { return source.param.name; });
 
+std::string without(std::string text, std::string_view word)
+{
+    for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word, at))
+        text.erase(at, word.size());
+    return text;
+}
+
 TEST_P(DescriptorContract, ListsEveryMember)
 {
-    std::string text = support::describe(device) + support::describe(heater);
+    std::string expected = "struct sample::Device: struct ZTBase\n"
+                           "info 0 vendor=acme\n"
+                           "enum 0 State Idle=0 Busy=1\n"
+                           "property 0 std::string label get set, -1\n"
+                           "property 1 std::string level get set, -1\n"
+                           "event 4 void renamed(std::string), 2\n"
+                           "struct sample::Heater: struct sample::Device\n"
+                           "info 1 vendor=thermo\n"
+                           "info 2 =\n"
+                           "enum 1 Mode Off=-1 Heat=5\n"
+                           "property 2 int serial get, -1\n"
+                           "property 3 int level get set unit=watt unit=W, 6 levelChanged\n"
+                           "method 5 double boost(int, double), 2\n"
+                           "event 6 void levelChanged(int), 2\n"
+                           "method 7 std::string describe() const, 1\n";
     if (GetParam().make == &streamed) { // which has no functions
-        EXPECT_EQ(text.find(" get"), std::string::npos);
-        text =
-            std::regex_replace(text, std::regex("( label|string level|int level)"), "$1 get set");
-        text = std::regex_replace(text, std::regex(" serial"), " serial get");
+        expected = without(without(expected, " get"), " set");
     }
-    EXPECT_EQ(text, "struct sample::Device: struct ZTBase\n"
-                    "info 0 vendor=acme\n"
-                    "enum 0 State Idle=0 Busy=1\n"
-                    "property 0 std::string label get set, -1\n"
-                    "property 1 std::string level get set, -1\n"
-                    "event 4 void renamed(std::string), 2\n"
-                    "struct sample::Heater: struct sample::Device\n"
-                    "info 1 vendor=thermo\n"
-                    "info 2 =\n"
-                    "enum 1 Mode Off=-1 Heat=5\n"
-                    "property 2 int serial get, -1\n"
-                    "property 3 int level get set unit=watt unit=W, 6 levelChanged\n"
-                    "method 5 double boost(int, double), 2\n"
-                    "event 6 void levelChanged(int), 2\n"
-                    "method 7 std::string describe() const, 1\n");
+    EXPECT_EQ(support::describe(device) + support::describe(heater), expected);
     EXPECT_EQ(heater.superClass(), &device);
     EXPECT_EQ(heater.property("level")->changeEvent(), heater.invokable(6U));
 }
