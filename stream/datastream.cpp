@@ -4,16 +4,84 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <new>
+#include <typeinfo>
 #include <utility>
-#include <vector>
 
 // The states are those of a string stream opened for reading and writing:
 // 1. `good` means that neither flag is set; once one is set, `read` and `write` do nothing.
 // 2. A read that finds too few bytes takes them and sets both flags.
 // 3. No operation clears a flag.
 struct ZTDataStreamPrivate {
-    std::string bytes;
+    /// The record of a stream whose medium it is: null where a derived class may have put another
+    /// one under the operators. Theirs is the virtual call, the others go straight to the bytes.
+    static ZTDataStreamPrivate* ofPlain(const ZTDataStream& stream)
+    {
+        return typeid(stream) == typeid(ZTDataStream) ? stream.priv : nullptr;
+    }
+
+    void assign(std::string_view text)
+    {
+        if (text.size() > capacity)
+            grow(text.size());
+        std::copy(text.begin(), text.end(), bytes.get());
+        size = text.size();
+        readPosition = 0;
+        writePosition = 0;
+    }
+    void write(const char* source, std::size_t count)
+    {
+        if (pastEnd || count == 0)
+            return;
+        if (count > capacity - writePosition)
+            grow(std::max({writePosition + count, 2 * capacity, std::size_t(64)}));
+        std::memcpy(bytes.get() + writePosition, source, count);
+        writePosition += count;
+        size = std::max(size, writePosition);
+    }
+    void read(char* target, std::size_t count)
+    {
+        if (pastEnd || count == 0)
+            return;
+        if (count > size - readPosition)
+            return readTheRest(target);
+        std::memcpy(target, bytes.get() + readPosition, count);
+        readPosition += count;
+    }
+    [[gnu::noinline]] void readTheRest(char* target)
+    {
+        std::copy(bytes.get() + readPosition, bytes.get() + size, target);
+        readPosition = size;
+        pastEnd = true;
+    }
+    void readText(std::string& text, std::uint64_t length)
+    {
+        pastEnd = pastEnd || length > size - readPosition;
+        if (pastEnd)
+            return text.clear();
+        text.assign(bytes.get() + readPosition, length);
+        readPosition += length;
+    }
+    [[gnu::noinline]] void grow(std::size_t wanted)
+    {
+        auto* grown = static_cast<char*>(std::realloc(bytes.get(), wanted));
+        if (!grown)
+            throw std::bad_alloc();
+        (void)bytes.release();
+        bytes.reset(grown);
+        capacity = wanted;
+    }
+
+    struct Free {
+        void operator()(char* block) const { std::free(block); }
+    };
+    // Of `malloc`, since a large block grows there without being copied.
+    std::unique_ptr<char, Free> bytes;
+    std::size_t capacity = 0;
+    std::size_t size = 0;
     std::size_t readPosition = 0;
     std::size_t writePosition = 0;
     bool pastEnd = false;
@@ -25,40 +93,21 @@ ZTDataStream::ZTDataStream(ZTDataStream&& other) noexcept : priv(std::exchange(o
 
 ZTDataStream::~ZTDataStream() { delete priv; }
 
-std::string ZTDataStream::data() const { return priv->bytes; }
+std::string ZTDataStream::data() const { return {priv->bytes.get(), priv->size}; }
 
-void ZTDataStream::setData(const std::string& bytes)
-{
-    priv->bytes = bytes;
-    priv->readPosition = 0;
-    priv->writePosition = 0;
-}
+void ZTDataStream::setData(const std::string& bytes) { priv->assign(bytes); }
 
 bool ZTDataStream::atEnd() const { return priv->pastEnd; }
 
 ZTDataStream& ZTDataStream::write(const char* bytes, unsigned int count)
 {
-    if (priv->pastEnd || count == 0)
-        return *this;
-    std::string& buffer = priv->bytes;
-    std::size_t behind = buffer.size() - priv->writePosition;
-    if (behind == 0)
-        buffer.append(bytes, count);
-    else
-        buffer.replace(priv->writePosition, std::min<std::size_t>(count, behind), bytes, count);
-    priv->writePosition += count;
+    priv->write(bytes, count);
     return *this;
 }
 
 ZTDataStream& ZTDataStream::read(char* bytes, unsigned int count)
 {
-    if (priv->pastEnd || count == 0)
-        return *this;
-    std::size_t available = priv->bytes.size() - priv->readPosition;
-    std::size_t taken = std::min<std::size_t>(count, available);
-    std::memcpy(bytes, priv->bytes.data() + priv->readPosition, taken);
-    priv->readPosition += taken;
-    priv->pastEnd = taken < count;
+    priv->read(bytes, count);
     return *this;
 }
 
@@ -82,7 +131,11 @@ ZTDataStream& writeValue(ZTDataStream& stream, T value)
     std::array<char, sizeof(T)> bytes;
     std::memcpy(bytes.data(), &value, sizeof(T));
     toLittleEndian<T>(bytes.data());
-    return stream.write(bytes.data(), sizeof(T));
+    if (auto* priv = ZTDataStreamPrivate::ofPlain(stream))
+        priv->write(bytes.data(), sizeof(T));
+    else
+        stream.write(bytes.data(), sizeof(T));
+    return stream;
 }
 
 /// What the stream does not give keeps the bytes of the old value.
@@ -92,7 +145,10 @@ ZTDataStream& readValue(ZTDataStream& stream, T& value)
     std::array<char, sizeof(T)> bytes;
     std::memcpy(bytes.data(), &value, sizeof(T));
     toLittleEndian<T>(bytes.data());
-    stream.read(bytes.data(), sizeof(T));
+    if (auto* priv = ZTDataStreamPrivate::ofPlain(stream))
+        priv->read(bytes.data(), sizeof(T));
+    else
+        stream.read(bytes.data(), sizeof(T));
     toLittleEndian<T>(bytes.data());
     std::memcpy(&value, bytes.data(), sizeof(T));
     return stream;
@@ -150,9 +206,13 @@ ZTDataStream& operator<<(ZTDataStream& stream, std::string_view text)
 
 ZTDataStream& operator>>(ZTDataStream& stream, std::string& text)
 {
-    text.clear();
     std::uint64_t length = 0;
     readValue(stream, length);
+    if (auto* priv = ZTDataStreamPrivate::ofPlain(stream)) {
+        priv->readText(text, length);
+        return stream;
+    }
+    text.clear();
     // Piece by piece: the length is not to be trusted before its bytes have been seen, and only a
     // read can tell how many a derived class still has.
     constexpr std::uint64_t piece = 4096;

@@ -1,11 +1,12 @@
+#include "../types/metatypeprivate.h"
+
 #include <zintar/datastream.h>
 #include <zintar/log.h>
-#include <zintar/metatype.h>
 #include <zintar/variant.h>
 
 ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaType& type)
 {
-    return stream << type.name();
+    return stream << ZTMetaTypePrivate::of(type).name;
 }
 
 ZTDataStream& operator>>(ZTDataStream& stream, const ZTMetaType*& type)
@@ -13,7 +14,7 @@ ZTDataStream& operator>>(ZTDataStream& stream, const ZTMetaType*& type)
     std::string name;
     stream >> name;
     type = &ztMetaType(name);
-    if (!*type && name != type->name())
+    if (!*type && name != ZTMetaTypePrivate::of(*type).name)
         ztLog("Zintar: ZTMetaType deserialization failed. Did not find meta type with name \"" +
                   name + "\".",
               ZTLogType::Warning);

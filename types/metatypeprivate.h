@@ -20,7 +20,7 @@ struct ZTMetaTypePrivate {
                       zt::detail::DeserializeFunction deserializeFunction,
                       zt::detail::PrintFunction printFunction, const ZTMetaClass* classOfType);
 
-    /// The record of a handle; for the files of this folder.
+    /// The record of a handle; for the sources of the library.
     static ZTMetaTypePrivate& of(const ZTMetaType& type) { return *type.priv; }
 
     std::string name;

@@ -52,6 +52,7 @@ public:
     [[nodiscard]] explicit operator bool() const { return good(); }
 
 private:
+    friend ZTDataStreamPrivate;
     ZTDataStreamPrivate* priv;
 };
 
