@@ -1,12 +1,14 @@
-// Whatever the bytes, the tool ends, says where they stop making sense, and prints what is sound.
+// Whatever the bytes, the tool says where they stop making sense. That it survives them, and prints
+// what can be read back, is for the fuzz target, which runs over all that may become of the samples.
 
 #include "contents.h"
-#include "samples.h"
+#include "dump.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <sstream>
 
@@ -14,50 +16,35 @@ namespace
 {
 constexpr std::size_t classesOnly = std::numeric_limits<std::size_t>::max();
 
-struct Sample {
-    std::string bytes;
-    std::size_t classCount;
-};
-
-std::vector<Sample> allSamples()
+/// The file is in the directory where the test starts.
+std::string bytesOf(const std::string& file)
 {
-    return {{samples::device() + samples::thermostat(), classesOnly},
-            {samples::oddNames(), classesOnly},
-            {samples::oneWayValues(), 0},
-            {samples::strangers() + samples::values(), 7}};
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// Prints it in all forms and gives the damage that was found.
-std::vector<dump::Damage> damagesIn(const std::string& bytes, std::size_t classCount)
+std::vector<dump::Damage> damagesIn(const std::string& bytes, std::size_t classCount = classesOnly)
 {
-    std::vector<dump::Contents> files{dump::readContents("sample", bytes, classCount, 0)};
-    std::vector<const dump::ClassRecord*> classes;
-    for (const dump::ClassRecord& record : files[0].classes)
-        classes.push_back(&record);
-    dump::Hierarchy hierarchy(classes);
-
-    std::ostringstream listing;
-    dump::printListing(listing, files, hierarchy);
-    std::ostringstream dot;
-    dump::printDot(dot, files, hierarchy);
-    EXPECT_TRUE(dot.view().ends_with("}\n"));
-    std::ostringstream json;
-    dump::printJson(json, files, hierarchy);
-    EXPECT_TRUE(nlohmann::json::accept(json.str()));
-    for (const dump::Damage& damage : files[0].damages)
-        EXPECT_LE(damage.offset, bytes.size());
-    return files[0].damages;
+    return dump::readContents("sample", bytes, classCount, 0).damages;
 }
 
-std::vector<std::size_t> endsOfRecords(const Sample& sample)
+std::vector<std::size_t> endsOfRecords(const std::string& bytes, std::size_t classCount)
 {
-    dump::Contents contents = dump::readContents("sample", sample.bytes, sample.classCount, 0);
+    dump::Contents contents = dump::readContents("sample", bytes, classCount, 0);
     std::vector<std::size_t> ends{0};
     for (const dump::ClassRecord& record : contents.classes)
         ends.push_back(record.end);
     for (const dump::VariantRecord& record : contents.variants)
         ends.push_back(record.end);
     return ends;
+}
+
+/// The number of bytes that are printed for these.
+std::size_t sizeIn(dump::Form form, const std::string& bytes)
+{
+    std::ostringstream out, errors;
+    dump::show({dump::readContents("sample", bytes, classesOnly, 0)}, form, out, errors);
+    return out.view().size();
 }
 
 std::string number(unsigned long long value, unsigned int bytes)
@@ -75,25 +62,18 @@ std::string classHead(const std::string& name) { return text(name) + text("ZTNon
 
 TEST(DumpDamage, IsFoundInEveryTruncationThatCutsARecord)
 {
-    for (const Sample& sample : allSamples()) {
-        std::vector<std::size_t> ends = endsOfRecords(sample);
-        EXPECT_EQ(ends.back(), sample.bytes.size());
-        for (std::size_t size = 0; size <= sample.bytes.size(); ++size) {
+    const std::pair<std::string, std::size_t> samples[] = {
+        {bytesOf("device.classes") + bytesOf("thermostat.classes"), classesOnly},
+        {bytesOf("oneway.variants"), 0},
+        {bytesOf("mixed"), 7}};
+    for (const auto& [bytes, classCount] : samples) {
+        std::vector<std::size_t> ends = endsOfRecords(bytes, classCount);
+        ASSERT_GT(ends.size(), 2U);
+        EXPECT_EQ(ends.back(), bytes.size());
+        for (std::size_t size = 0; size <= bytes.size(); ++size) {
             bool isCut = std::find(ends.begin(), ends.end(), size) == ends.end();
-            auto damages = damagesIn(sample.bytes.substr(0, size), sample.classCount);
+            auto damages = damagesIn(bytes.substr(0, size), classCount);
             EXPECT_EQ(damages.size(), isCut ? 1U : 0U) << "cut to " << size;
-        }
-    }
-}
-
-TEST(DumpDamage, IsSurvivedInEverySingleBit)
-{
-    for (const Sample& sample : allSamples()) {
-        for (std::size_t bit = 0; bit < sample.bytes.size() * 8; ++bit) {
-            std::string bytes = sample.bytes;
-            bytes[bit / 8] = static_cast<char>(bytes[bit / 8] ^ (1 << bit % 8));
-            damagesIn(bytes, sample.classCount);
-            ASSERT_FALSE(HasFailure()) << "bit " << bit;
         }
     }
 }
@@ -101,7 +81,7 @@ TEST(DumpDamage, IsSurvivedInEverySingleBit)
 TEST(DumpDamage, IsTheCountThatTheBytesCannotHold)
 {
     std::string enums = classHead("A") + number(0, 4) + number(1, 4) + text("Mode");
-    auto damages = damagesIn(enums + number(~0ULL, 8) + number(0, 8), classesOnly);
+    auto damages = damagesIn(enums + number(~0ULL, 8) + number(0, 8));
     ASSERT_EQ(damages.size(), 1U);
     EXPECT_EQ(damages[0].offset, enums.size());
     EXPECT_EQ(damages[0].what, "class A, enumeration 1 (Mode), the number of enumerators: "
@@ -114,7 +94,7 @@ TEST(DumpDamage, OfFlagsAccessAndChangeEventIsReadPast)
     std::string head = classHead("A") + number(0, 8) + number(1, 4);
     std::string method = text("run") + text("void") + number(4, 2) + number(3, 4) + number(0, 4);
     std::string property = text("on") + text("bool") + number(1, 4) + number(0x83, 1);
-    auto damages = damagesIn(head + method + number(1, 4) + property + number(0, 4), classesOnly);
+    auto damages = damagesIn(head + method + number(1, 4) + property + number(0, 4));
     ASSERT_EQ(damages.size(), 4U);
     std::size_t flags = head.size() + 11 + 12;
     EXPECT_EQ(damages[0].offset, flags);
@@ -143,15 +123,9 @@ TEST(DumpDamage, DoesNotMultiplyTheOutput)
     bytes += number(count, 4);
     for (unsigned int i = 0; i < count; ++i)
         bytes += text("") + text("") + number(0, 4) + number(0x80, 1) + number(0, 4);
-    std::vector<dump::Contents> files{dump::readContents("sample", bytes, classesOnly, 0)};
-    EXPECT_EQ(files[0].damages.size(), count);
-    dump::Hierarchy hierarchy({&files[0].classes[0]});
-    std::ostringstream json;
-    dump::printJson(json, files, hierarchy);
-    EXPECT_LT(json.view().size(), 40 * bytes.size());
-    std::ostringstream dot;
-    dump::printDot(dot, files, hierarchy);
-    EXPECT_LT(dot.view().size(), 40 * bytes.size());
+    EXPECT_EQ(damagesIn(bytes).size(), count);
+    EXPECT_LT(sizeIn(dump::Form::Json, bytes), 40 * bytes.size());
+    EXPECT_LT(sizeIn(dump::Form::Dot, bytes), 40 * bytes.size());
 }
 
 TEST(DumpDamage, DoesNotSlowALongLineOfAncestors)
@@ -161,7 +135,7 @@ TEST(DumpDamage, DoesNotSlowALongLineOfAncestors)
     for (int i = 0; i < length; ++i)
         bytes += text("C" + std::to_string(i)) + text("C" + std::to_string((i + 1) % length)) +
                  number(0, 16);
-    EXPECT_TRUE(damagesIn(bytes, classesOnly).empty()); // one circle
-    bytes += text("C") + text("ZTNone") + number(0, 16);
-    EXPECT_TRUE(damagesIn(bytes, classesOnly).empty());
+    EXPECT_GT(sizeIn(dump::Form::Listing, bytes), 0U); // one circle
+    bytes += classHead("C") + number(0, 16);
+    EXPECT_GT(sizeIn(dump::Form::Listing, bytes), 0U);
 }
