@@ -15,53 +15,37 @@ static_assert(!std::is_copy_constructible_v<ZTDataStream>);
 using support::bytesOf;
 using support::streamOf;
 
-/// What a stream says of itself in its four ways; they never disagree.
-std::string stateOf(const ZTDataStream& stream)
-{
-    EXPECT_EQ(stream(), stream.good());
-    EXPECT_EQ(!stream, !stream.good());
-    EXPECT_EQ(stream.atEnd(), !stream.good());
-    return stream.good() ? "good" : "failed";
-}
-
 TEST(DataStream, WritesLittleEndianWithoutPadding)
 {
     using support::hex;
     using support::streamed;
-    using SignedChar = signed char;
-    using UnsignedChar = unsigned char;
-    using UnsignedShort = unsigned short;
-    EXPECT_EQ(hex(streamed(true, SignedChar(-2), UnsignedChar(200), short(-2),
-                           UnsignedShort(0x1234), 1, 0x12345678U)),
-              "01 FE C8 FE FF 34 12 01 00 00 00 78 56 34 12");
-    EXPECT_EQ(hex(streamed(0.5F, 0.5)), "00 00 00 3F 00 00 00 00 00 00 E0 3F");
-    EXPECT_EQ(hex(streamed(-2LL, 0x0102030405060708ULL, std::int64_t(1))),
-              "FE FF FF FF FF FF FF FF 08 07 06 05 04 03 02 01 01 00 00 00 00 00 00 00");
+    EXPECT_EQ(hex(streamed(true, short(-2), 0x12345678U, -0.5)),
+              "01 FE FF 78 56 34 12 00 00 00 00 00 00 E0 BF");
+    EXPECT_EQ(hex(streamed(std::int64_t(-2))), "FE FF FF FF FF FF FF FF");
     const std::string abc = "03 00 00 00 00 00 00 00 61 62 63 ";
     EXPECT_EQ(hex(streamed("abc", std::string_view("abcd").substr(0, 3), std::string("abc"), "")),
               abc + abc + abc + "00 00 00 00 00 00 00 00");
 }
 
-template <class... T>
-void expectBack()
+template <class T>
+class Primitive : public testing::Test
+{};
+using Primitives =
+    testing::Types<bool, signed char, unsigned char, short, unsigned short, int, unsigned int, long,
+                   unsigned long, long long, unsigned long long, float, double>;
+TYPED_TEST_SUITE(Primitive, Primitives, );
+
+TYPED_TEST(Primitive, ComesBack)
 {
-    auto one = [](auto value) {
-        decltype(value) read{};
+    using Limits = std::numeric_limits<TypeParam>;
+    for (TypeParam value : {Limits::lowest(), Limits::max(), Limits::denorm_min(), TypeParam(1)}) {
+        TypeParam read{};
         ZTDataStream stream;
         stream << value;
         stream >> read;
-        EXPECT_EQ(read, value) << typeid(value).name();
+        EXPECT_EQ(read, value);
         EXPECT_TRUE(stream.good() && stream.data().size() == sizeof value);
-    };
-    ((one(std::numeric_limits<T>::lowest()), one(std::numeric_limits<T>::max()),
-      one(std::numeric_limits<T>::denorm_min()), one(T(1))),
-     ...);
-}
-
-TEST(DataStream, GivesEveryPrimitiveBack)
-{
-    expectBack<bool, signed char, unsigned char, short, unsigned short, int, unsigned int, long,
-               unsigned long, long long, unsigned long long, float, double>();
+    }
 }
 
 TEST(DataStream, FailsAtAReadPastItsEndAndStaysSo)
@@ -72,17 +56,15 @@ TEST(DataStream, FailsAtAReadPastItsEndAndStaysSo)
     stream >> damaged;
     EXPECT_EQ(damaged, true);
     stream.read(nullptr, 0).write(nullptr, 0);
-    EXPECT_EQ(stateOf(stream), "good");
+    EXPECT_TRUE(stream.good() && stream() && !!stream && !stream.atEnd());
     stream >> value;
     EXPECT_EQ(value, 0x77662211);
-    EXPECT_EQ(stateOf(stream), "failed");
+    EXPECT_FALSE(stream.good() || stream() || !!stream || !stream.atEnd());
     stream << 5;
     EXPECT_EQ(bytesOf(stream), "02 11 22");
     stream.setData("abcd");
     stream >> value;
-    EXPECT_EQ(value, 0x77662211);
-    EXPECT_EQ(stream.data(), "abcd");
-    EXPECT_EQ(stateOf(stream), "failed");
+    EXPECT_TRUE(value == 0x77662211 && !stream.good());
 }
 
 TEST(DataStream, ReadsAndWritesAtPositionsOfTheirOwn)
@@ -100,24 +82,9 @@ TEST(DataStream, ReadsAndWritesAtPositionsOfTheirOwn)
     EXPECT_EQ(byte, '4');
     moved << byte;
     EXPECT_EQ(moved.data(), "X43214");
-}
-
-TEST(DataStream, FailsAtEveryTruncatedRecord)
-{
-    ZTDataStream whole;
-    whole << 7 << "abc" << true;
-    for (std::size_t size = 0; size < whole.data().size(); ++size) {
-        SCOPED_TRACE(size);
-        ZTDataStream stream = streamOf(whole.data().substr(0, size));
-        int number = 0;
-        std::string text = "old";
-        bool flag = false;
-        stream >> number >> text >> flag;
-        EXPECT_EQ(number, size == 0 ? 0 : 7);
-        EXPECT_EQ(text, size < 15 ? "" : "abc");
-        EXPECT_FALSE(flag);
-        EXPECT_EQ(stateOf(stream), "failed");
-    }
+    moved.setData("ab"); // from the first byte again
+    moved << byte >> byte;
+    EXPECT_EQ(moved.data() + static_cast<char>(byte), "4b4");
 }
 
 TEST(DataStream, ReadsALongText)
@@ -162,10 +129,9 @@ TEST(DerivedStream, ChangesTheMediumOfEveryOperator)
 {
     Backwards stream;
     std::string text;
-    unsigned short number = 0;
-    stream << "abc" << static_cast<unsigned short>(0x1234);
+    short number = 0;
+    stream << "abc" << short(0x1234);
     EXPECT_EQ(support::hex(stream.bytes), "12 34 63 62 61 00 00 00 00 00 00 00 03");
-    EXPECT_EQ(stream.data(), "");
     stream >> text >> number;
     EXPECT_TRUE(text == "abc" && number == 0x1234 && !!stream);
     stream >> number;

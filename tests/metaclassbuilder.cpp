@@ -40,14 +40,6 @@ struct ClassBuilder : testing::Test {
     ZTMetaClassBuilder builder;
 };
 
-TEST(EmptyClassBuilder, MakesAnEmptyClass)
-{
-    const Owned made(ZTMetaClassBuilder().toMetaClass());
-    EXPECT_TRUE(*made && made->typeName().data() && made->typeName().empty());
-    EXPECT_EQ(made->invokableCount() + made->propertyCount(), 0U);
-    EXPECT_TRUE(made->isDynamic() && !made->metaType() && !made->superClass());
-}
-
 TEST_F(ClassBuilder, RemovesMembersByPosition)
 {
     for (unsigned int position : {3U, ~0U, 1U}) {
@@ -61,13 +53,10 @@ TEST_F(ClassBuilder, RemovesMembersByPosition)
               8);
     EXPECT_TRUE(builder.classInfo(1).key() == "c" && builder.metaEnum(1).name() == "c" &&
                 builder.property(1).name() == "c" && builder.invokable(1).name() == "c");
-    builder.invokable(7).setName("nowhere");
-    EXPECT_EQ(builder.invokableCount(), 2);
 }
 
 TEST_F(ClassBuilder, ChangeEventFollowsItsInvokable)
 {
-    EXPECT_EQ(changeEvent(), "6 c");
     const Owned first(builder.toMetaClass());
     builder.setSuperClass(&ZTDynamicBase::typeMetaClass()); // which has five
     EXPECT_EQ(changeEvent(), "7 c");
@@ -88,7 +77,7 @@ TEST_F(ClassBuilder, ChangeEventFollowsItsInvokable)
 
     // A finished class has nothing in common with the builder.
     EXPECT_EQ(first->superClass(), &ZTBase::typeMetaClass());
-    EXPECT_EQ(first->invokable(6U)->name(), "c");
+    EXPECT_EQ(first->property(0U)->changeEvent()->name(), "c");
     EXPECT_EQ(first->property(0U)->changeEventIndex(), 6);
     EXPECT_EQ(first->property(0U)->propInfoCount(), 0U);
 }
@@ -101,14 +90,11 @@ TEST_F(ClassBuilder, PrototypeIsCopiedWithItsOwnMembersAlone)
     prototype->setUserData(&word);
     ZTMetaClassBuilder copy(prototype.get());
     prototype.reset();
-    EXPECT_EQ(copy.superClass(), &ZTBase::typeMetaClass());
-    EXPECT_EQ(copy.typeName(), "Level");
+    EXPECT_TRUE(copy.superClass() == &ZTBase::typeMetaClass() && copy.typeName() == "Level");
     EXPECT_EQ(copy.invokableCount(), 3);
     EXPECT_TRUE(copy.classInfo(0).key() == "a" && copy.metaEnum(0).name() == "a");
     EXPECT_EQ(copy.property(0).changeEventIndex(), 6);
-    const Owned made(copy.toMetaClass());
-    EXPECT_EQ(made->userData(), nullptr);
-    EXPECT_EQ(made->property("a")->changeEvent()->name(), "c");
+    EXPECT_EQ(Owned(copy.toMetaClass())->userData(), nullptr);
 }
 
 TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)

@@ -8,6 +8,7 @@ namespace
 {
 using namespace host;
 
+// The page on properties shows what becomes of the properties of the class.
 class Properties : public testing::Test
 {
 protected:
@@ -37,35 +38,6 @@ protected:
     ZTBase observer;
 };
 
-TEST_F(Properties, ClassIsAskedFirstAndAnUnknownNameIsNothing)
-{
-    EXPECT_LOGS_NOTHING([&] {
-        EXPECT_FALSE(heater.property("x") || heater.setProperty("x", 1));
-        EXPECT_FALSE(heater.setProperty("Level", 1, false));
-    });
-    EXPECT_TRUE(heater.setProperty("level", 30));
-    EXPECT_TRUE(heater.setProperty("level", 40, true));
-    EXPECT_EQ(heater.property("level"), ZTVariant(40));
-    EXPECT_EQ(heater.property<int>("level"), 40);
-    EXPECT_TRUE(heater.setProperty("serial", 1, true)); // which can only be read
-    EXPECT_EQ(heater.property<int>("serial"), 77);
-    EXPECT_EQ(names() + diary.take(), "30 40");
-}
-
-TEST_F(Properties, ValueThatDoesNotFitLeavesWhatWasThere)
-{
-    const std::string head = "Zintar Warning: Retrieved default-constructed value of type \"int\" ";
-    EXPECT_LOGS(head + "while converting from ZTVariant. Conversion failed from type type \"" +
-                    ztMetaType<std::string>().name() + "\".\n" + head +
-                    "converting from invalid ZTVariant.\n",
-                [&] {
-                    EXPECT_TRUE(heater.setProperty("level", "wide"));
-                    EXPECT_TRUE(heater.setProperty("level", ZTVariant()));
-                });
-    EXPECT_EQ(heater.property("level"), ZTVariant(1));
-    EXPECT_EQ(diary.take(), "");
-}
-
 TEST_F(Properties, DynamicPropertySendsEachChange)
 {
     const struct {
@@ -84,28 +56,9 @@ TEST_F(Properties, DynamicPropertySendsEachChange)
     ZTEventBlocker blocker(&heater, true);
     EXPECT_TRUE(heater.setProperty("x", 4, true) && heater.setProperty("", true, true));
     EXPECT_FALSE(heater.setProperty("X", 2));
+    EXPECT_TRUE(heater.setProperty("serial", 1, true)); // which the class has, to be read
     EXPECT_EQ(names() + diary.take(), "[][x]");
     EXPECT_EQ(heater.property("x"), ZTVariant(4));
-}
-
-TEST_F(Properties, AreFoundByTheWholeName)
-{
-    auto name = [](std::size_t half, char middle) {
-        return std::string(half, 'x') + middle + std::string(half, 'x');
-    };
-    observer.setProperty("", 0, true);
-    const std::string_view first = observer.dynamicProperties().front();
-    for (std::size_t half = 0; half < 100; ++half)
-        for (char middle : {'x', 'y', 'z'})
-            observer.setProperty(name(half, middle), name(half, middle), true);
-    EXPECT_EQ(first.data(), observer.dynamicProperties().front().data()); // it stays good
-    for (std::size_t half = 0; half < 100; ++half) {
-        for (char middle : {'x', 'y', 'z'})
-            EXPECT_EQ(observer.property(name(half, middle)), ZTVariant(name(half, middle)));
-        EXPECT_FALSE(observer.property(name(half, 'a')) ||
-                     observer.property(name(half, 'y') + "x"));
-    }
-    EXPECT_EQ(observer.dynamicProperties().size(), 301U);
 }
 
 TEST_F(Properties, FirstInvalidValueAndOneThatCannotBeComparedAreChanges)
@@ -146,9 +99,12 @@ TEST_F(Properties, NamesOfAllLengthsAreToldApart)
             if (odd < length)
                 names.back()[odd] = '\0';
         }
+    observer.setProperty("", 0, true);
+    const std::string_view first = observer.dynamicProperties().front();
     for (std::size_t i = 0; i < names.size(); ++i)
         ASSERT_TRUE(observer.setProperty(names[i], i, true));
     EXPECT_EQ(observer.dynamicProperties().size(), names.size());
+    EXPECT_EQ(first.data(), observer.dynamicProperties().front().data()); // it stays good
     for (std::size_t i = 0; i < names.size(); ++i)
         EXPECT_EQ(observer.property<std::size_t>(names[i]), i);
     EXPECT_FALSE(observer.property(std::string(41, 'x')));
@@ -163,15 +119,12 @@ TEST_F(Properties, ThrowingCopyLosesNothing)
     Counted::throwAtCopy = 1;
     EXPECT_THROW(observer.setProperty("x", next, true), std::runtime_error);
     EXPECT_EQ(observer.property<Counted>("x"), Counted(1));
-    EXPECT_TRUE(observer.setProperty("x", next, true));
-    EXPECT_EQ(observer.property<Counted>("x"), Counted(2));
 }
 
 TEST_F(Properties, FunctionsGetTheObjectAsARoot)
 {
     ZTMetaClassBuilder builder;
     builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
-    builder.addProperty().setName("mute");
     auto property = builder.addProperty();
     property.setName("p");
     property.setGetter([](const ZTVariant& object) { return ZTVariant(object.type().name()); });
@@ -183,10 +136,7 @@ TEST_F(Properties, FunctionsGetTheObjectAsARoot)
     Machine object;
     object.initializeMetaClass(metaClass.get());
     EXPECT_EQ(object.property("p"), ZTVariant("const struct ZTBase*"));
-    EXPECT_TRUE(object.setProperty("p", 1) && object.setProperty("p", 1, true));
-    EXPECT_EQ(diary.take(), "struct ZTBase* struct ZTBase*");
-    EXPECT_TRUE(object.setProperty("mute", 1, true));
-    EXPECT_FALSE(object.property("mute").isValid());
-    EXPECT_TRUE(object.dynamicProperties().empty());
+    EXPECT_TRUE(object.setProperty("p", 1));
+    EXPECT_EQ(diary.take(), "struct ZTBase*");
 }
 } // namespace

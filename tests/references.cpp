@@ -2,11 +2,9 @@
 
 #include <zintar/reference.h>
 
-#include <optional>
 #include <type_traits>
 #include <unordered_set>
 #include <utility>
-#include <vector>
 
 namespace
 {
@@ -38,28 +36,14 @@ struct Kind {
 using Kinds = testing::Types<Kind<ZTRef>, Kind<ZTStrongRef>>;
 TYPED_TEST_SUITE(AnyReference, Kinds, );
 
-TYPED_TEST(AnyReference, OfNothingIsNull)
-{
-    using Ref = typename TypeParam::template Of<Node>;
-    EXPECT_LOGS_NOTHING([] {
-        const Ref none, fromNull(nullptr), fromNullPointer(static_cast<Node*>(nullptr));
-        EXPECT_FALSE(none || fromNull || fromNullPointer);
-        EXPECT_TRUE(none == nullptr && none == fromNull && none.get() == nullptr);
-        Ref assigned = fromNull;
-        assigned = none;
-        assigned.reset();
-        EXPECT_FALSE(assigned);
-    });
-}
-
 TYPED_TEST(AnyReference, CopiesShareAndMovesHandOver)
 {
     using Ref = typename TypeParam::template Of<Node>;
     ZTStrongRef<Node> owner(new Node);
-    Ref first(owner.get()), copy(first), moved(std::move(first));
+    Ref first(owner.get()), copy(first), moved(std::move(first)), null(nullptr);
     moved->value = 9;
     EXPECT_EQ((*copy).value, 9);
-    EXPECT_TRUE(!first && moved == copy);
+    EXPECT_TRUE(!first && moved == copy && first == null && null == nullptr);
     first = copy;
     copy = std::move(first);
     EXPECT_TRUE(copy == moved && !first);
@@ -88,10 +72,8 @@ TYPED_TEST(AnyReference, ConvertsComparesAndHashesByObject)
     EXPECT_TRUE(constant == base && taken == base && !leaf);
     const Ref a(one.get());
     EXPECT_TRUE(a == one && a == one.get() && one.get() == a && a != other && a != nullptr);
-    EXPECT_TRUE(a != other.get() && a == ZTRef<ZTBase>(one.get()));
-    std::unordered_set<Ref> set{a, Ref(one.get()), Ref(other.get()), Ref()};
+    const std::unordered_set<Ref> set{a, Ref(one.get()), Ref(other.get()), Ref()};
     EXPECT_EQ(set.size(), 3U);
-    EXPECT_EQ(set.count(a), 1U);
 }
 
 TYPED_TEST(AnyReference, FollowsAMovedObjectAndLosesTheOneItReplaced)
@@ -124,7 +106,6 @@ TYPED_TEST(AnyReference, ReadsNullOnceTheObjectIsGone)
         auto* parent = new Node;
         Ref child(new Node(parent));
         const Ref copy = child;
-        const ZTRef<Node> sibling(new Node(parent));
         Node* dying = byParent ? parent : child.get();
         {
             support::CapturedLog log;
@@ -133,39 +114,11 @@ TYPED_TEST(AnyReference, ReadsNullOnceTheObjectIsGone)
             EXPECT_EQ(log.out(), "");
         }
         EXPECT_FALSE(child || copy);
-        EXPECT_EQ(sibling.get() == nullptr, byParent);
-        EXPECT_EQ(child, copy);
         EXPECT_EQ(std::hash<Ref>()(child), std::hash<Ref>()(nullptr));
-        child = Ref(new Node);
-        EXPECT_TRUE(child && !copy);
-        if (!strong)
-            delete child.get();
-        child.reset();
         if (!byParent)
             delete parent;
         EXPECT_EQ(Node::alive, 0);
     }
-}
-
-TEST(WeakReference, KeepsNoObjectAndYieldsItWhileItDies)
-{
-    auto* parent = new Node;
-    auto* node = new Node(parent);
-    new Node(node);
-    { // the last one of a first block goes, and another block takes its place
-        ZTRef<Node> first = node;
-    }
-    const ZTRef<Node> ref = node;
-    std::vector<const void*> seen;
-    auto note = [&](ZTBase*) { seen.push_back(ref.get()); };
-    auto destroyed = ZTBase::subscribe(node, &ZTBase::destroyed, note);
-    auto left = ZTBase::subscribe(parent, &ZTBase::childRemoved, note);
-    auto childDied = ZTBase::subscribe(node->children().front(), &ZTBase::destroyed, note);
-    const void* address = node;
-    EXPECT_LOGS_NOTHING([&] { delete node; });
-    EXPECT_EQ(seen, (std::vector<const void*>{address, address, address}));
-    EXPECT_FALSE(ref);
-    delete parent;
 }
 
 TEST(StrongReference, EndsItsObjectWithTheLastOne)
@@ -174,27 +127,22 @@ TEST(StrongReference, EndsItsObjectWithTheLastOne)
     ZTStrongRef<Node> first(new Node(&parent));
     ZTStrongRef<ZTBase> second = first;
     const ZTRef<Node> weak(first.get()), below(new Node(first.get()));
-    int died = 0, removed = 0;
+    int died = 0;
     auto dies = ZTBase::subscribe(first.get(), &ZTBase::destroyed, [&](ZTBase*) { ++died; });
-    auto leaves = ZTBase::subscribe(&parent, &ZTBase::childRemoved, [&](ZTBase*) { ++removed; });
     EXPECT_LOGS_NOTHING([&] {
         first.reset();
         EXPECT_TRUE(weak && died == 0);
         second = nullptr;
     });
-    EXPECT_TRUE(died == 1 && removed == 1 && parent.children().empty());
+    EXPECT_TRUE(died == 1 && parent.children().empty());
     EXPECT_FALSE(weak || below);
 }
 
 TEST(StrongReference, AssignedAnotherObjectLetsTheOldOneGo)
 {
     ZTStrongRef<Node> ref(new Node);
-    const ZTRef<Node> old(ref.get());
-    ref.reset(new Node);
-    EXPECT_FALSE(old);
-    Node* kept = ref.get();
-    ref.reset(kept);
-    EXPECT_EQ(ref.get(), kept);
+    ref.reset(ref.get());
+    EXPECT_EQ(Node::alive, 1);
     ref = ZTStrongRef<Node>(new Leaf);
     EXPECT_EQ(Node::alive, 1);
 }

