@@ -1,5 +1,6 @@
 // Whatever the bytes, the tool says where they stop making sense. That it survives them, and prints
-// what can be read back, is for the fuzz target, which runs over all that may become of the samples.
+// what can be read back, is for the fuzz target, which runs over all that may become of the
+// samples.
 
 #include "contents.h"
 #include "dump.h"
