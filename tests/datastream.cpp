@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
 #include <type_traits>
 
 namespace
@@ -21,31 +20,19 @@ TEST(DataStream, WritesLittleEndianWithoutPadding)
     using support::streamed;
     EXPECT_EQ(hex(streamed(true, short(-2), 0x12345678U, -0.5)),
               "01 FE FF 78 56 34 12 00 00 00 00 00 00 E0 BF");
-    EXPECT_EQ(hex(streamed(std::int64_t(-2))), "FE FF FF FF FF FF FF FF");
     const std::string abc = "03 00 00 00 00 00 00 00 61 62 63 ";
     EXPECT_EQ(hex(streamed("abc", std::string_view("abcd").substr(0, 3), std::string("abc"), "")),
               abc + abc + abc + "00 00 00 00 00 00 00 00");
 }
 
-template <class T>
-class Primitive : public testing::Test
-{};
-using Primitives =
-    testing::Types<bool, signed char, unsigned char, short, unsigned short, int, unsigned int, long,
-                   unsigned long, long long, unsigned long long, float, double>;
-TYPED_TEST_SUITE(Primitive, Primitives, );
-
-TYPED_TEST(Primitive, ComesBack)
+TEST(DataStream, TakesIntegersThatAreNoTypeOfTheRegistry)
 {
-    using Limits = std::numeric_limits<TypeParam>;
-    for (TypeParam value : {Limits::lowest(), Limits::max(), Limits::denorm_min(), TypeParam(1)}) {
-        TypeParam read{};
-        ZTDataStream stream;
-        stream << value;
-        stream >> read;
-        EXPECT_EQ(read, value);
-        EXPECT_TRUE(stream.good() && stream.data().size() == sizeof value);
-    }
+    ZTDataStream stream;
+    signed char small = 0;
+    long large = 0;
+    stream << static_cast<signed char>(-2) << -3L;
+    stream >> small >> large;
+    EXPECT_TRUE(small == -2 && large == -3 && stream.data().size() == 1 + sizeof large);
 }
 
 TEST(DataStream, FailsAtAReadPastItsEndAndStaysSo)

@@ -7,7 +7,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
 // What both families of descriptors promise alike. The same two classes come from a declaration,
 // from the builders with the declared class as the prototype, once and again, and from a stream;
@@ -171,9 +170,8 @@ TEST_P(DescriptorContract, InvokablesAreFoundByNameConstnessAndTypes)
 TEST_P(DescriptorContract, IsOneFamilyThroughout)
 {
     const bool dynamic = GetParam().make != &declared;
-    EXPECT_EQ(heater.isDynamic(), dynamic);
+    EXPECT_TRUE(heater.isDynamic() == dynamic && heater.invokable(5U)->isDynamic() == dynamic);
     EXPECT_EQ(heater.property("level")->isDynamic(), dynamic);
-    EXPECT_EQ(heater.invokable(5U)->isDynamic(), dynamic);
     EXPECT_EQ(&heater.metaType(), dynamic ? &ZTMetaType::ZTBadMetaType : &ztMetaType<Heater*>());
     EXPECT_FALSE(heater.invokable(0U)->isDynamic());
 }

@@ -19,15 +19,12 @@ using EventBlocker = Dispatch;
 TEST_F(Dispatch, IndexOutOfRangeIsToldAndDeliversNothing)
 {
     ZTEventBlocker blocker(speaker.get(), true);
+    const std::string head = "Zintar Error: Cannot send event with out of bounds index ";
+    const std::string tail = " on object of type struct host::Speaker.\n";
     support::CapturedLog log;
     for (int index : {-1, 8, 7, std::numeric_limits<int>::min()})
         speaker->sendEvent(index, {});
-    EXPECT_EQ(log.out(), "");
-    std::string lines;
-    for (const char* index : {"-1", "8", "-2147483648"})
-        lines += std::string("Zintar Error: Cannot send event with out of bounds index ") + index +
-                 " on object of type struct host::Speaker.\n";
-    EXPECT_EQ(log.err(), lines);
+    EXPECT_EQ(log.err(), head + "-1" + tail + head + "8" + tail + head + "-2147483648" + tail);
 }
 
 TEST_F(Dispatch, WhatDoesNotFitArrivesAsADefault)

@@ -21,13 +21,10 @@ namespace
 {
 using namespace host;
 
-const ZTMetaClass& root = ZTBase::typeMetaClass();
-const ZTMetaClass& dynamicRoot = ZTDynamicBase::typeMetaClass();
-
-using RootClasses = TreeTest;
-
-TEST_F(RootClasses, AreTheirEvents)
+TEST(RootClasses, AreTheirEvents)
 {
+    const ZTMetaClass& root = ZTBase::typeMetaClass();
+    const ZTMetaClass& dynamicRoot = ZTDynamicBase::typeMetaClass();
     EXPECT_EQ(support::describe(root),
               "struct ZTBase: -\n"
               "event 0 void destroyed(struct ZTBase*), 2\n"
@@ -44,26 +41,6 @@ TEST_F(RootClasses, AreTheirEvents)
     EXPECT_EQ(root.indexOfInvokable(&initialized), -1);
     using Changed = void(const std::string&, const ZTVariant&);
     EXPECT_EQ(root.indexOfInvokable<Changed>("dynamicPropertyChanged"), 1);
-}
-
-TEST_F(RootClasses, RaiseTheirEventsThroughTheirDescriptors)
-{
-    ZTDynamicBase object;
-    Named child("c");
-    on(&object, &ZTBase::childAdded, [&](ZTBase* added) { diary.add("+" + nameOf(added)); });
-    on(&object, &ZTBase::dynamicPropertyChanged, [&](const std::string& name, const ZTVariant& v) {
-        diary.add(name + "=" + v.type().name());
-    });
-    on(&object, &ZTDynamicBase::metaClassInitialized,
-       [&](const ZTMetaClass* metaClass) { diary.add(std::string(metaClass->typeName())); });
-    EXPECT_FALSE(root.invokable(2U)->invoke(&object, static_cast<ZTBase*>(&child)).isValid());
-    root.invokable(1U)->invoke(&object, "n", 1);
-    root.invokable(1U)->invoke(&object, "n", ZTVariant());
-    dynamicRoot.invokable(4U)->invoke(&object, &root);
-    EXPECT_EQ(diary.take(), "+c n=int n=ZTBadMetaType struct ZTBase");
-    const ZTVariant none(static_cast<ZTBase*>(nullptr));
-    EXPECT_LOGS_NOTHING([&] { EXPECT_FALSE(root.invokable(2U)->invoke(none, {}).isValid()); });
-    EXPECT_NE(support::logOf([&] { root.invokable(2U)->invoke(ZTVariant(3), {}); }), "");
 }
 
 const char staticWarning[] =

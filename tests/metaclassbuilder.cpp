@@ -1,13 +1,16 @@
+#include "support/logs.h"
+#include "support/sampleclasses.h"
+
 #include <zintar/dynamicbase.h>
 #include <zintar/metaclassbuilder.h>
-
-#include <gtest/gtest.h>
+#include <zintar/staticmetaclass.h>
 
 #include <memory>
 #include <optional>
 
 namespace
 {
+using sample::Heater;
 using Owned = std::unique_ptr<ZTMetaClass>;
 
 /// A builder with three members of each kind, "a", "b" and "c". The event "c" announces each
@@ -82,21 +85,6 @@ TEST_F(ClassBuilder, ChangeEventFollowsItsInvokable)
     EXPECT_EQ(first->property(0U)->propInfoCount(), 0U);
 }
 
-TEST_F(ClassBuilder, PrototypeIsCopiedWithItsOwnMembersAlone)
-{
-    builder.setTypeName("Level");
-    int word = 0;
-    Owned prototype(builder.toMetaClass());
-    prototype->setUserData(&word);
-    ZTMetaClassBuilder copy(prototype.get());
-    prototype.reset();
-    EXPECT_TRUE(copy.superClass() == &ZTBase::typeMetaClass() && copy.typeName() == "Level");
-    EXPECT_EQ(copy.invokableCount(), 3);
-    EXPECT_TRUE(copy.classInfo(0).key() == "a" && copy.metaEnum(0).name() == "a");
-    EXPECT_EQ(copy.property(0).changeEventIndex(), 6);
-    EXPECT_EQ(Owned(copy.toMetaClass())->userData(), nullptr);
-}
-
 TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)
 {
     std::optional<ZTMetaClassBuilder> builder(std::in_place);
@@ -125,5 +113,172 @@ TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)
     EXPECT_EQ(property.changeEventIndex(), -1);
     EXPECT_EQ(made->property(0U)->name(), "");
     EXPECT_EQ(made->property(0U)->changeEventIndex(), 0);
+}
+
+struct MemberBuilder : testing::Test {
+    ZTMetaClassBuilder builder;
+    Heater heater;
+    ZTDynamicBase stranger;
+    const ZTVariant pointer{&heater}, strangePointer{&stranger};
+    const ZTVariant nullPointer{static_cast<Heater*>(nullptr)};
+    const ZTMetaClass& declared = Heater::typeMetaClass();
+};
+
+TEST_F(MemberBuilder, OfANewMemberReadsNeutrally)
+{
+    builder.addClassInfo();
+    builder.addEnum();
+    builder.addInvokable();
+    builder.addProperty();
+    for (unsigned int position : {0U, 99U}) { // attached, and detached
+        EXPECT_TRUE(builder.classInfo(position).key().empty());
+        EXPECT_EQ(builder.metaEnum(position).count(), 0);
+        auto invokable = builder.invokable(position);
+        EXPECT_FALSE(invokable.isConst() || invokable.isEvent() || invokable.returnMetaType());
+        EXPECT_EQ(invokable.accessSpecifier(), ZTAccessSpecifier::Private);
+        auto property = builder.property(position);
+        EXPECT_FALSE(property.canGet() || property.canSet() || property.metaType());
+        EXPECT_EQ(property.changeEventIndex(), -1);
+    }
+}
+
+TEST_F(MemberBuilder, OfAnEnumRefusesNamesAndValuesThatAreThere)
+{
+    auto kind = builder.addEnum();
+    EXPECT_TRUE(kind.add("A", 1));
+    EXPECT_FALSE(kind.add("A", 2) || kind.add("B", 1));
+    EXPECT_TRUE(kind.add("B", 2) && kind.add("", -1));
+    kind.remove(3);
+    kind.remove(0);
+    EXPECT_TRUE(kind.count() == 2 && kind.enumerator(0) == "B" && kind.value(0) == 2);
+    EXPECT_TRUE(kind.add("A", 1));
+
+    // A prototype's are taken as they are.
+    const std::string_view names[] = {"A", "A", "B"};
+    const int values[] = {1, 1, 1};
+    const zt::detail::ZTStaticMetaEnumData data("Kind", 3, names, values);
+    const ZTStaticMetaEnum prototype(&data);
+    auto copy = builder.addEnum(&prototype);
+    EXPECT_TRUE(copy.count() == 3 && copy.enumerator(1) == "A" && copy.value(2) == 1);
+    EXPECT_FALSE(copy.add("B", 7));
+}
+
+TEST_F(MemberBuilder, OfAPropertyKeepsAnnotationsInTheirOrder)
+{
+    auto property = builder.addProperty();
+    for (const char* value : {"1", "2", ""})
+        property.addPropInfo("k", value);
+    property.removePropInfo(3);
+    property.removePropInfo(0);
+    EXPECT_EQ(property.propInfoCount(), 2U);
+    EXPECT_TRUE(property.propInfoKey(0) == "k" && property.propInfoValue(0) == "2");
+}
+
+TEST_F(MemberBuilder, OfAPropertyTakesTypedFunctionsWithTheType)
+{
+    auto property = builder.addProperty();
+    property.setGetter<double>([](const Heater& self) { return self.level(); });
+    EXPECT_EQ(&property.metaType(), &ztMetaType<double>());
+    EXPECT_EQ(property.getter()(pointer), ZTVariant(1.0));
+    property.setSetter([](Heater& self, const int& level) { self.setLevel(level); });
+    EXPECT_EQ(&property.metaType(), &ztMetaType<int>());
+    property.setter()(pointer, ZTVariant(9));
+    EXPECT_EQ(heater.level(), 9);
+    EXPECT_LOGS_NOTHING([&] { // of unrelated classes nothing is said
+        EXPECT_FALSE(property.getter()(strangePointer) || property.getter()(nullPointer));
+        EXPECT_FALSE(property.setter()(nullPointer, ZTVariant(1)));
+    });
+    EXPECT_NE(support::logOf([&] { property.setter()(pointer, ZTVariant()); }), "");
+    EXPECT_EQ(heater.level(), 9);
+    property.setGetter([calls = 0](const ZTBase&) mutable { return ++calls; });
+    auto getter = property.getter();
+    getter(pointer);
+    EXPECT_EQ(getter(pointer), ZTVariant(2));
+}
+
+TEST_F(MemberBuilder, OfAMethodTakesTypedFunctionsWithTheSignature)
+{
+    auto method = builder.addInvokable();
+    method.setFunction([](const Heater& self, const std::string& text, float) {
+        return text + std::to_string(self.level());
+    });
+    EXPECT_TRUE(method.isConst() && method.returnMetaType() == ztMetaType<std::string>());
+    EXPECT_EQ(method.parameterMetaTypes(),
+              (std::vector{&ztMetaType<std::string>(), &ztMetaType<float>()}));
+    const Owned made(builder.toMetaClass());
+    const Heater& constant = heater;
+    EXPECT_EQ(made->invokable(0U)->invoke(&constant, "level ", 1.0F), ZTVariant("level 1"));
+
+    method.setFunction([](Heater& self, int to) { self.setLevel(to); });
+    EXPECT_TRUE(!method.isConst() && method.returnMetaType() == ztMetaType<void>());
+    const auto function = method.function();
+    EXPECT_LOGS_NOTHING([&] { EXPECT_FALSE(function(strangePointer, {ZTVariant(1)})); });
+    function(ZTVariant(static_cast<ZTBase*>(&heater)), {ZTVariant(8)});
+    EXPECT_EQ(heater.level(), 8);
+    EXPECT_LOGS("Zintar Warning: Retrieved default-constructed value of type \"int\" "
+                "converting from invalid ZTVariant.\n",
+                [&] { function(pointer, {}); });
+    EXPECT_EQ(heater.level(), 0);
+}
+
+TEST_F(MemberBuilder, OfAMethodTakesPlainFunctionsWithAKey)
+{
+    auto keyed = builder.addInvokable();
+    int key = 0;
+    keyed.setFunction([](const ZTVariant& object, const ZTArgumentArray&) { return object; }, &key);
+    keyed.setParameterMetaTypes(std::vector<const ZTMetaType*>(11, &ztMetaType<int>()));
+    builder.addInvokable();
+    const Owned made(builder.toMetaClass());
+    EXPECT_EQ(made->indexOfInvokable(&key), 0);
+    EXPECT_EQ(made->indexOfInvokable(static_cast<void*>(nullptr)), 1); // it was given no key
+    EXPECT_EQ(made->invokable(0U)->parameterCount(), 11U);
+    EXPECT_FALSE(made->invokable(1U)->invoke(ZTVariant(5), ZTArgumentArray()));
+
+    // A copy has the function of a run-time class, and none of a declared one.
+    ZTMetaClassBuilder other;
+    other.addInvokable(declared.invokable(5U));
+    other.addInvokable(made->invokable(0U));
+    const Owned copies(other.toMetaClass());
+    EXPECT_FALSE(copies->invokable(0U)->invoke(&heater, 9, 0.5));
+    EXPECT_EQ(copies->indexOfInvokable(&key), 1);
+    EXPECT_EQ(copies->invokable(1U)->invoke(ZTVariant(5), ZTArgumentArray()), ZTVariant(5));
+}
+
+TEST_F(MemberBuilder, OfAPropertyTakesAnEventOfItsOwnClassBuilder)
+{
+    ZTMetaClassBuilder other;
+    auto property = builder.addProperty();
+    auto event = builder.addInvokable();
+    auto foreign = other.addInvokable();
+    property.setChangeEvent(foreign);
+    EXPECT_EQ(property.changeEventIndex(), -1);
+    property.setChangeEvent(event); // whether it is an event is not asked
+    property.setChangeEvent(foreign);
+    property.setChangeEvent(builder.invokable(99));
+    EXPECT_EQ(property.changeEventIndex(), 0);
+    property.clearChangeEvent();
+    EXPECT_EQ(property.changeEventIndex(), -1);
+    auto detached = builder.property(99);
+    detached.setChangeEvent(builder.invokable(99));
+    EXPECT_EQ(detached.changeEventIndex(), -1);
+}
+
+TEST_F(MemberBuilder, OfACopiedPropertyFindsItsEventByPosition)
+{
+    builder.setSuperClass(&ZTBase::typeMetaClass());
+    for (const char* name : {"first", "second", "third"})
+        builder.addInvokable().setName(name);
+    auto level = builder.addProperty(declared.property("level"));
+    auto serial = builder.addProperty(declared.property("serial"));
+    EXPECT_TRUE(level.canGet() && level.canSet() && serial.canGet() && !serial.canSet());
+    EXPECT_EQ(level.getter()(pointer), ZTVariant(1));
+    EXPECT_EQ(level.propInfoValue(1), "W");
+    EXPECT_EQ(level.changeEventIndex(), 6); // whatever stands third here
+    EXPECT_EQ(serial.changeEventIndex(), -1);
+    ZTMetaClassBuilder empty;
+    EXPECT_EQ(empty.addProperty(declared.property("level")).changeEventIndex(), -1);
+    empty.setSuperClass(&declared); // to which the event belongs
+    empty.addInvokable();
+    EXPECT_EQ(empty.addProperty(declared.property("level")).changeEventIndex(), -1);
 }
 } // namespace

@@ -1,23 +1,14 @@
-#include "support/classes.h"
 #include "support/logs.h"
 
+#include <zintar/staticmetaclass.h>
+
 #include <array>
-#include <memory>
-#include <type_traits>
 
 // Tables as somebody may lay them out by hand, with less in them than a declaration gives. What
 // both families of descriptors promise is tried elsewhere.
 namespace
 {
 using namespace zt::detail;
-
-template <class Descriptor>
-constexpr bool isAbstractInterface =
-    !std::is_default_constructible_v<Descriptor> && std::is_copy_constructible_v<Descriptor> &&
-    sizeof(Descriptor) == sizeof(void*);
-static_assert(isAbstractInterface<ZTMetaClass> && isAbstractInterface<ZTMetaClassInfo> &&
-              isAbstractInterface<ZTMetaEnum> && isAbstractInterface<ZTMetaProperty> &&
-              isAbstractInterface<ZTMetaInvokable>);
 
 bool isEmptyView(std::string_view text) { return text.empty() && text.data(); }
 ZTVariant first(const ZTVariant&, const ZTArgumentArray& arguments) { return arguments[0]; }

@@ -1,7 +1,6 @@
 #include "support/hostclasses.h"
 
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 namespace
@@ -50,14 +49,6 @@ TEST_F(Tree, CircleDiesAsAWhole)
     EXPECT_EQ(diary.take(), "b+a a+b");
     delete a;
     EXPECT_EQ(diary.take(), "~a b-a ~b");
-}
-
-TEST_F(Tree, ObjectPrintsAsItsAddress)
-{
-    std::ostringstream printed, expected;
-    printed << &observer;
-    expected << static_cast<const void*>(&observer);
-    EXPECT_EQ(printed.str(), expected.str());
 }
 
 // Handlers that change the tree while `setParent` is at work.

@@ -1,10 +1,9 @@
-#include "support/classes.h"
 #include "support/counted.h"
 #include "support/logs.h"
 
 #include <zintar/base.h>
 #include <zintar/dynamicbase.h>
-#include <zintar/typedvalue.h>
+#include <zintar/staticmetaclass.h>
 
 namespace
 {
@@ -46,29 +45,6 @@ TEST(RetrievedValue, IsACopyOrADefaultWithAWarning)
     EXPECT_EQ(zt::detail::ztMetaType(typeid(Unseen)), nullptr);
 }
 
-TEST(RetrievedValue, ComesByARegisteredConverter)
-{
-    struct Handle {
-        ZTBase* target;
-    };
-    zt::detail::ztRegisterConverter(
-        ztMetaType<Handle>(), ztMetaType<ZTBase*>(), [](const void* source, void* result) {
-            *static_cast<ZTBase**>(result) = static_cast<const Handle*>(source)->target;
-            return *static_cast<ZTBase**>(result) != nullptr;
-        });
-    zt::detail::ztRegisterConverter(
-        ztMetaType<Handle>(), ztMetaType<int>(), [](const void* source, void* result) {
-            *static_cast<int*>(result) = 4;
-            return static_cast<const Handle*>(source)->target != nullptr;
-        });
-    ZTBase target;
-    const std::string name = ztMetaType<Handle>().name();
-    expectRetrieved<ZTBase*>(ZTVariant(Handle{&target}), &target);
-    expectRetrieved<int>(ZTVariant(Handle{&target}), 4);
-    // What a converter that refuses has left there stands.
-    expectRetrieved<int>(ZTVariant(Handle{}), 4, failed("int", name));
-}
-
 TEST(RetrievedValue, MayBeAnEnumeration)
 {
     enum class Mode : short { Off, Heat };
@@ -96,17 +72,34 @@ TEST(RetrievedPointer, FollowsTheClassTree)
     expectRetrieved<int>(ZTVariant(base), 0, failed("int", "struct ZTBase*"));
 }
 
+/// A class that says that it was made at run time.
+struct DynamicClass : ZTStaticMetaClass {
+    using ZTStaticMetaClass::ZTStaticMetaClass;
+    bool isDynamic() const override { return true; }
+};
+
+/// Registers the type of `T*` as that of a pointer to the class.
+template <class T>
+void registerPointer(const ZTMetaClass& metaClass)
+{
+    using Pointer = zt::detail::TypeFunctions<T*>;
+    zt::detail::ztRegisterMetaType(typeid(T*), ztTypeName<T*>(), {}, Pointer::create(),
+                                   Pointer::destroy(), nullptr, nullptr, nullptr, nullptr, nullptr,
+                                   &metaClass);
+}
+
 TEST(RetrievedPointer, OfAForeignOrDynamicClassIsNullInSilence)
 {
     struct Stranger {};
     struct Dream {};
-    static const auto table = support::emptyTable("Stranger");
+    static const zt::detail::ZTStaticMetaClassData table;
+    static zt::detail::ZTStaticMetaClassData dreamTable;
     static const ZTStaticMetaClass strangerClass(&table);
-    static const auto dreamTable = support::emptyTable("Dream", &ZTBase::typeMetaClass());
-    static const support::DynamicClass dreamClass(&dreamTable);
-    support::registerPointer<Stranger>(strangerClass);
-    support::registerPointer<Dream>(dreamClass);
-    support::registerPointer<const Dream>(dreamClass);
+    static const DynamicClass dreamClass(&dreamTable);
+    dreamTable.superClass = &ZTBase::typeMetaClass();
+    registerPointer<Stranger>(strangerClass);
+    registerPointer<Dream>(dreamClass);
+    registerPointer<const Dream>(dreamClass);
     Stranger stranger;
     Dream dream;
     ZTBase object;
@@ -135,6 +128,7 @@ struct Celsius {
 };
 struct Kelvin {
     double degrees = 0;
+    bool operator==(const Kelvin&) const = default;
 };
 struct Rankine {};
 
@@ -170,6 +164,19 @@ TEST_F(Converters, ServeOneDirectionOfOnePair)
     EXPECT_FALSE(kelvin.convert(&target, celsius, &source));
     EXPECT_EQ(source.degrees, 7);
     EXPECT_FALSE(celsius.canConvert(ztMetaType<Rankine>())); // not by way of a third type
+}
+
+TEST_F(Converters, ServeRetrieval)
+{
+    zt::detail::ztRegisterConverter(celsius, ztMetaType<ZTBase*>(), [](const void*, void* result) {
+        *static_cast<const void**>(result) = &ZTBase::typeMetaClass();
+        return true;
+    });
+    expectRetrieved<Kelvin>(ZTVariant(source), Kelvin{280});
+    EXPECT_TRUE(ztVariantValue<ZTBase*>(ZTVariant(source)));
+    // What a converter that refuses has left there stands.
+    expectRetrieved<Kelvin>(ZTVariant(Celsius{-300}), Kelvin{-27},
+                            failed(kelvin.name(), celsius.name()));
 }
 
 TEST_F(Converters, MayRefuseAValueAndBeReplaced)

@@ -22,9 +22,7 @@ union Either {
     int number;
 };
 template <class T>
-struct Box {
-    struct Lid {};
-};
+struct Box {};
 template <auto Value>
 struct Tag {};
 struct Size {
@@ -79,7 +77,7 @@ static_assert(namesDiffer<char, signed char, unsigned char, wchar_t, char8_t, ch
                           long long, unsigned long long, float, double, long double, void>());
 static_assert(namesDiffer<Tag<1>, Tag<1U>, Tag<1LL>, Tag<'1'>, Tag<true>, Tag<Room::Hall>,
                           Tag<Room::Mode::Heat>, Tag<-1>>());
-static_assert(namesDiffer<Box<int>, Box<long long>, Box<long>, Box<int>::Lid, long*, long long*>());
+static_assert(namesDiffer<Box<int>, Box<long long>, Box<long>, long*, long long*>());
 
 TEST(TypeName, DiffersForEachValueThatATemplateTakes)
 {

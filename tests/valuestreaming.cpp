@@ -49,12 +49,7 @@ TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
     EXPECT_TRUE(stream.good());
 }
 
-struct Streamed {
-    int number = 0;
-    bool operator==(const Streamed&) const = default;
-    friend ZTDataStream& operator<<(ZTDataStream& s, const Streamed& v) { return s << v.number; }
-    friend ZTDataStream& operator>>(ZTDataStream& s, Streamed& v) { return s >> v.number; }
-};
+enum class Wide : long long { Low = -2 };
 /// Has no default value, so that no block is there to read into.
 struct Pin {
     explicit Pin(int n) : number(n) {}
@@ -74,10 +69,11 @@ TEST(VariantOnStream, IsItsTypeAndItsValueAndComesBackEqual)
     stream << five;
     const std::string fiveBytes = stream.data();
     EXPECT_EQ(support::hex(fiveBytes), "03 00 00 00 00 00 00 00 69 6E 74 05 00 00 00");
+    EXPECT_EQ(streamed(ZTVariant(Wide::Low)), streamed(ztTypeName<Wide>(), -2LL));
     stream << ZTVariant(ztMetaType<ZTVariant>(), &five);
     EXPECT_EQ(stream.data(), fiveBytes + streamed("struct ZTVariant") + fiveBytes);
     for (const ZTVariant& variant :
-         {ZTVariant("abc"), ZTVariant(Streamed{7}), ZTVariant(ztMetaType<ZTVariant>(), &five),
+         {ZTVariant("abc"), ZTVariant(Wide::Low), ZTVariant(ztMetaType<ZTVariant>(), &five),
           ZTVariant(ztMetaType<ZTVariant>(), &invalid), invalid}) {
         ZTDataStream one;
         EXPECT_LOGS_NOTHING([&] { one << variant; });

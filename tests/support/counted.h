@@ -4,7 +4,7 @@
 
 namespace support
 {
-/// Counts its copies, moves and living values, and throws at a copy when it is told to.
+/// Counts its copies and living values, and throws at a copy when it is told to.
 struct Counted {
     explicit Counted(int n = 0) : number(n) { ++alive; }
     Counted(const Counted& other) : number(other.number)
@@ -14,11 +14,7 @@ struct Counted {
         ++alive;
         ++copies;
     }
-    Counted(Counted&& other) noexcept : number(other.number)
-    {
-        ++alive;
-        ++moves;
-    }
+    Counted(Counted&& other) noexcept : number(other.number) { ++alive; }
     Counted& operator=(const Counted&) = default;
     ~Counted() { --alive; }
     bool operator==(const Counted& other) const { return number == other.number; }
@@ -26,14 +22,12 @@ struct Counted {
     static void reset()
     {
         copies = 0;
-        moves = 0;
         throwAtCopy = 0;
     }
 
     int number;
     inline static int alive = 0;
     inline static int copies = 0;
-    inline static int moves = 0;
     /// 0 for never, otherwise the copy that throws, counted from 1.
     inline static int throwAtCopy = 0;
 };

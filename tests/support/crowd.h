@@ -230,25 +230,20 @@ private:
             return;
         if (descends(from, to))
             leave(from);
-        Speaker* kept = m_objects[to].speaker;
-        bury(to);
+        Speaker* kept = bury(to);
         Speaker* former = std::exchange(m_objects[from].speaker, kept);
         *kept = std::move(*former);
         delete former;
     }
-    void destroy(int id)
-    {
-        Speaker* speaker = m_objects[id].speaker;
-        bury(id);
-        delete speaker;
-    }
-    void bury(int id)
+    void destroy(int id) { delete bury(id); }
+    /// Takes the object and all below it out of the model.
+    Speaker* bury(int id)
     {
         leave(id);
         while (!m_objects[id].children.empty())
             bury(m_objects[id].children.front());
         forget([&](const Subscription& one) { return one.sender == id || one.receiver == id; });
-        m_objects.erase(id);
+        return m_objects.extract(id).mapped().speaker;
     }
 
     std::mt19937 m_random;
