@@ -29,6 +29,7 @@ public:
     void setLevel(int level) { moved(m_level = level); }
     std::int64_t big = 1LL << 40;
     Colour colour = Colour::Red;
+    Device* peer = nullptr;
 
 private:
     static constexpr auto members()
@@ -37,7 +38,7 @@ private:
         using AddBoth = int (Self::*)(int, int) const;
         return zt::members(
             zt::enumeration<Colour>(zt::enumerators<Colour::Red, Colour::Blue>).as("Paint"),
-            zt::property<&Self::big>(), zt::property<&Self::colour>(),
+            zt::property<&Self::big>(), zt::property<&Self::colour>(), zt::property<&Self::peer>(),
             zt::property<&Self::level, &Self::setLevel>()
                 .notify<static_cast<MovedBy>(&Self::moved)>()
                 .info("unit", "watt"),
@@ -89,7 +90,8 @@ TEST_F(Declare, TellsMembersOfManyShapesOverThreeLevels)
               "enum 1 Paint Red=1 Blue=200\n"
               "property 2 __int64 big get set, -1\n"
               "property 3 enum host::Colour colour get set, -1\n"
-              "property 4 int level get set unit=watt, 7 moved\n"
+              "property 4 struct sample::Device* peer get set, -1\n"
+              "property 5 int level get set unit=watt, 7 moved\n"
               "method 5 int add(int), 2\n"
               "method 6 int sum(int, int) const, 2\n"
               "event 7 void moved(int), 2\n"
@@ -99,7 +101,7 @@ TEST_F(Declare, TellsMembersOfManyShapesOverThreeLevels)
               "method 11 struct ZTVariant pass(struct ZTVariant), 2\n"
               "method 12 void reset(), 2\n");
     EXPECT_EQ(support::describe(*object.metaClass()), "struct host::Smart: struct host::Mixed\n"
-                                                      "property 5 int spare get, 4 renamed\n");
+                                                      "property 6 int spare get, 4 renamed\n");
 }
 
 TEST_F(Declare, ClassAndMembersAreFoundOverAllLevels)
@@ -110,9 +112,9 @@ TEST_F(Declare, ClassAndMembersAreFoundOverAllLevels)
     auto mix = &Smart::mix;
     EXPECT_EQ(type.indexOfInvokable(&mix), 9);
     EXPECT_EQ(sample::Device::typeMetaClass().indexOfInvokable(&mix), -1);
-    EXPECT_EQ(type.property("level"), type.property(4U)); // not that of the first level
+    EXPECT_EQ(type.property("level"), type.property(5U)); // not that of the first level
     const ZTStaticMetaClass copy(static_cast<const ZTStaticMetaClass&>(type));
-    EXPECT_EQ(copy.property("spare"), copy.property(5U)); // of its own
+    EXPECT_EQ(copy.property("spare"), copy.property(6U)); // of its own
     EXPECT_EQ(copy.property("label"), type.property("label"));
 }
 
@@ -126,6 +128,17 @@ TEST_F(Declare, FunctionsAndPropertiesReachTheObject)
     EXPECT_EQ(object.colour, Colour::Blue);
     EXPECT_FALSE(call(12));
     EXPECT_EQ(object.level(), 0);
+}
+
+TEST_F(Declare, PropertyOfAPointerKeepsWhatItHasWhenTheClassIsUnrelated)
+{
+    sample::Heater heater;
+    EXPECT_TRUE(object.setProperty("peer", static_cast<ZTBase*>(&heater)));
+    EXPECT_LOGS("Zintar Warning: Retrieved default-constructed value of type \"struct "
+                "sample::Device*\" while converting from ZTVariant. Conversion failed from type "
+                "type \"struct host::Hearer*\".\n",
+                [&] { EXPECT_TRUE(object.setProperty("peer", &hearer)); });
+    EXPECT_EQ(object.peer, &heater);
 }
 
 TEST_F(Declare, EventsAreRaisedByFunctionPropertyAndDescriptor)

@@ -71,6 +71,7 @@ TEST_F(Lifetime, WhatDiesLastMayUseTheObjectOnceMore)
         o->childAdded(nullptr);
         o->setProperty("late", 1, true);
         Named child("child", o);
+        EXPECT_TRUE(o->children().empty());
         ZTEventBlocker blocker(o, true);
         diary.add("back");
     };
