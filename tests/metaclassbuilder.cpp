@@ -83,6 +83,9 @@ TEST_F(ClassBuilder, ChangeEventFollowsItsInvokable)
     EXPECT_EQ(first->property(0U)->changeEvent()->name(), "c");
     EXPECT_EQ(first->property(0U)->changeEventIndex(), 6);
     EXPECT_EQ(first->property(0U)->propInfoCount(), 0U);
+    first->setUserData(&builder);
+    EXPECT_EQ(first->userData(), &builder);
+    EXPECT_EQ(Owned(ZTMetaClassBuilder(first.get()).toMetaClass())->userData(), nullptr);
 }
 
 TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)

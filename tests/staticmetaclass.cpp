@@ -85,15 +85,24 @@ TEST_F(StaticClass, InvokesWithTooFewArgumentsAndWarns)
 
 TEST_F(StaticClass, SlicedDescriptorsAnswerNeutrally)
 {
+    const ZTStaticMetaClassInfoData infoData("key", "value");
+    const ZTMetaClassInfo info = ZTStaticMetaClassInfo(&infoData);
     const ZTMetaEnum enumeration = *lamp.metaEnum(0);
     const ZTMetaInvokable invokable = *lamp.invokable(1U);
     const ZTMetaProperty property = *lamp.property(0U);
     ZTMetaClass sliced = lamp;
-    EXPECT_TRUE(isEmptyView(enumeration.enumerator(0)) && !enumeration.count());
-    EXPECT_TRUE(isEmptyView(invokable.name()) && !invokable.returnMetaType());
+    EXPECT_TRUE(info && enumeration && invokable && property && sliced);
+    EXPECT_TRUE(isEmptyView(info.key()) && isEmptyView(enumeration.enumerator(0)));
+    EXPECT_FALSE(enumeration.count() || enumeration.value(0));
+    EXPECT_FALSE(invokable.isConst() || invokable.isEvent() || invokable.isDynamic());
+    EXPECT_FALSE(invokable.returnMetaType() || invokable.parameterMetaType(0));
+    EXPECT_FALSE(invokable.parameterCount() || invokable.index());
+    EXPECT_EQ(invokable.accessSpecifier(), ZTAccessSpecifier::Public);
     EXPECT_LOGS_NOTHING([&] { EXPECT_FALSE(invokable.invoke(ZTVariant())); });
-    EXPECT_TRUE(isEmptyView(property.name()) && !property.metaType() && !property.canGet());
+    EXPECT_FALSE(property.metaType() || property.canGet() || property.canSet());
+    EXPECT_FALSE(property.get(ZTVariant(1)) || property.set(ZTVariant(1), ZTVariant(1)));
     EXPECT_TRUE(property.changeEventIndex() == -1 && !property.changeEvent());
+    EXPECT_TRUE(isEmptyView(property.propInfoKey(0)) && isEmptyView(property.propInfoValue(0)));
     sliced.setUserData(&sliced);
     EXPECT_TRUE(isEmptyView(sliced.typeName()) && !sliced.userData() && !sliced.superClass());
     EXPECT_FALSE(sliced.invokable(0U) || sliced.invokableCount());

@@ -1,6 +1,7 @@
 #include "support/hostclasses.h"
 
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 namespace
@@ -39,6 +40,11 @@ TEST_F(Tree, ConstructorMakesAFullChildAndNoneIsItsOwnParent)
     EXPECT_EQ(log.err(), "Zintar Error: Cannot parent an ZTBase object under itself.\n");
     EXPECT_EQ(log.out(), "");
     EXPECT_EQ(p.children(), (std::vector<ZTBase*>{plain, dynamic}));
+    EXPECT_EQ(dynamic->metaClass(), &ZTDynamicBase::typeMetaClass());
+    std::ostringstream printed, address;
+    printed << plain;
+    address << static_cast<void*>(plain);
+    EXPECT_EQ(printed.str(), address.str());
 }
 
 TEST_F(Tree, CircleDiesAsAWhole)
