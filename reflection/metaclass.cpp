@@ -83,18 +83,17 @@ void ZTMetaClass::setUserData(void*) {}
 ZTMetaClass::operator bool() const { return isSet(typeName()); }
 // clang-format on
 
-void ZTMetaInvokable::warnIfFewer(unsigned int supplied) const
+void ZTMetaInvokable::warnOfFewer() const
 {
-    if (supplied < parameterCount())
-        ztLog("Zintar: Insufficient parameters supplied for ZTmetaInvokable invoke for invokable "
-              "\"" +
-                  std::string(name()) + "\".",
-              ZTLogType::Warning);
+    ztLog("Zintar: Insufficient parameters supplied for ZTmetaInvokable invoke for invokable \"" +
+              std::string(name()) + "\".",
+          ZTLogType::Warning);
 }
 
 ZTVariant ZTMetaInvokable::invoke(const ZTVariant& object) const
 {
-    warnIfFewer(0);
+    if (parameterCount() > 0)
+        warnOfFewer();
     return invoke(object, ZTArgumentArray{});
 }
 

@@ -170,7 +170,8 @@ public:
         if constexpr (sizeof...(Arguments) == 0) {
             return invoke(zt::detail::LentVariant(object));
         } else {
-            warnIfFewer(sizeof...(Arguments));
+            if (sizeof...(Arguments) < parameterCount())
+                warnOfFewer();
             // Copies: what is called may change what the arguments refer to.
             zt::detail::LentCopies<Arguments...> copies(std::forward<Arguments>(arguments)...);
             return invoke(zt::detail::LentVariant(object), copies);
@@ -182,7 +183,7 @@ private:
     friend struct ZTDynamicMetaInvokable;
     ZTMetaInvokable() noexcept {}
 
-    void warnIfFewer(unsigned int supplied) const;
+    void warnOfFewer() const;
 };
 
 /// A class: its name, its super class, and its members.

@@ -48,9 +48,18 @@ ZT_EXPORT bool retrievePointer(const ZTVariant& variant, const ZTMetaType& targe
                                const ZTMetaType* nonConst, void*& result,
                                std::string_view askedType);
 
-/// Retrieves a value into `result`; logs the reason and gives false when a default value stands in.
+/// The value of a variant that holds exactly a `Value`; null where it does not, or where that type
+/// was never asked for.
+template <class Value>
+const Value* heldAs(const ZTVariant& variant)
+{
+    bool holds = &variant.type() == knownType<Value>.load(std::memory_order_acquire);
+    return holds ? static_cast<const Value*>(variant.data()) : nullptr;
+}
+
+/// What `retrieve` does where `heldAs` gives null.
 template <class T>
-bool retrieve(const ZTVariant& variant, RetrievedType<T>& result)
+[[gnu::noinline]] bool retrieveOtherwise(const ZTVariant& variant, RetrievedType<T>& result)
 {
     using Value = Canonical<RetrievedType<T>>;
     if (!variant.isValid()) {
@@ -58,8 +67,8 @@ bool retrieve(const ZTVariant& variant, RetrievedType<T>& result)
         return false;
     }
     const ZTMetaType& target = ::ztMetaType<Value>();
-    if (&variant.type() == &target && variant.data()) {
-        result = static_cast<RetrievedType<T>>(*static_cast<const Value*>(variant.data()));
+    if (const Value* held = heldAs<Value>(variant)) {
+        result = static_cast<RetrievedType<T>>(*held);
         return true;
     }
     if constexpr (isDataPointer<Value> && !std::is_same_v<Value, void*>) {
@@ -80,6 +89,17 @@ bool retrieve(const ZTVariant& variant, RetrievedType<T>& result)
         return found;
     }
 }
+
+/// Retrieves a value into `result`; logs the reason and gives false when a default value stands in.
+template <class T>
+bool retrieve(const ZTVariant& variant, RetrievedType<T>& result)
+{
+    const auto* held = heldAs<Canonical<RetrievedType<T>>>(variant);
+    if (!held)
+        return retrieveOtherwise<T>(variant, result);
+    result = static_cast<RetrievedType<T>>(*held);
+    return true;
+}
 } // namespace zt::detail
 
 /// The value that the variant holds, as a `T`.
@@ -98,11 +118,10 @@ template <class T>
     static_assert(std::is_default_constructible_v<Result>,
                   "ztVariantValue<T>: T needs a default value for the case that the variant holds "
                   "no T. Use ztVariantPointer<T> otherwise.");
-    using Value = zt::detail::Canonical<Result>;
-    if (variant.data() && &variant.type() == &::ztMetaType<Value>())
-        return static_cast<Result>(*static_cast<const Value*>(variant.data()));
+    if (const auto* held = zt::detail::heldAs<zt::detail::Canonical<Result>>(variant))
+        return static_cast<Result>(*held);
     Result result{};
-    zt::detail::retrieve<T>(variant, result);
+    zt::detail::retrieveOtherwise<T>(variant, result);
     return result;
 }
 
