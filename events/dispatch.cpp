@@ -2,6 +2,7 @@
 
 #include <zintar/detail/lent.h>
 #include <zintar/log.h>
+#include <zintar/metaclass.h>
 
 #include <string>
 
@@ -78,8 +79,8 @@ ZTEventSlot& ZTBasePrivate::eventSlot(int index)
 
 namespace
 {
-/// Whether a handler that was checked against the one event can be given the values of the other.
-/// They differ when the object got another class in between.
+/// Whether what was raised as the one event has the values of the other, though the object has
+/// another class than the compiler saw.
 bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)
 {
     if (&a == &b)
@@ -90,6 +91,26 @@ bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)
         if (a.parameterMetaType(i) != b.parameterMetaType(i))
             return false;
     return true;
+}
+
+/// Whether the handler takes the values of the event. That need not be the one that it was
+/// subscribed to: the object may have got another class, where the index means another event.
+bool takesValuesOf(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event)
+{
+    // Only the address: the descriptor that was subscribed with may be gone.
+    if (subscription.event == &event)
+        return true;
+    auto takes = [&event](const auto& handler) {
+        if (handler.parameterCount() > event.parameterCount())
+            return false;
+        for (unsigned int i = 0; i < handler.parameterCount(); ++i)
+            if (handler.parameterMetaType(i) != event.parameterMetaType(i))
+                return false;
+        return true;
+    };
+    if (const ZTHandlerBase* handler = subscription.ownedHandler())
+        return takes(*handler);
+    return takes(*std::get<const ZTMetaInvokable*>(subscription.handler));
 }
 
 /// Whether the handler can still be called on the receiver. A method that is called through its
@@ -138,7 +159,7 @@ bool isPlain(const ZTSlotEntry& entry)
 /// Whether a subscription that is not plain is to be called now.
 bool isReached(const ZTSlotEntry& entry, const ZTMetaInvokable& event)
 {
-    if (!entry.record || !haveSameParameters(*entry.record->event, event))
+    if (!entry.record || !takesValuesOf(*entry.record, event))
         return false;
     const ZTBasePrivate* subscriber = entry.subscriber;
     return !subscriber || (!subscriber->receivedEventBlockers &&
@@ -201,6 +222,19 @@ void** ZTEventValues::makeAddresses(const ZTMetaInvokable& event)
     return m_addresses = m_collected;
 }
 
+namespace
+{
+/// A pointer to an object of a derived class is a value of a pointer to the base.
+bool isValueOf(const ZTMetaType& type, const ZTMetaType& declared)
+{
+    if (&type == &declared)
+        return true;
+    const ZTMetaClass* from = type.metaClass();
+    const ZTMetaClass* to = declared.metaClass();
+    return from && to && !from->isDynamic() && !to->isDynamic() && from->isDerivedFrom(to);
+}
+} // namespace
+
 /// A value of another type than the event declares is not handed to a handler as if it were one.
 void ZTEventValues::collectAddresses(const ZTMetaInvokable& event)
 {
@@ -211,7 +245,7 @@ void ZTEventValues::collectAddresses(const ZTMetaInvokable& event)
         if (declared == variantType)
             m_collected[i] = const_cast<ZTVariant*>(&value);
         else
-            m_collected[i] = &value.type() == &declared ? value.data() : nullptr;
+            m_collected[i] = isValueOf(value.type(), declared) ? value.data() : nullptr;
     }
 }
 

@@ -4,8 +4,8 @@
 
 #include <utility>
 
-ZTEventBlocker::ZTEventBlocker(ZTBase* blocked, bool blocksSent)
-    : object(blocked), blockSent(blocksSent)
+ZTEventBlocker::ZTEventBlocker(ZTBase* object, bool blocksSent)
+    : record(ZTBasePrivate::of(object)), blockSent(blocksSent)
 {
     enter();
 }
@@ -14,7 +14,7 @@ ZTEventBlocker& ZTEventBlocker::operator=(const ZTEventBlocker& other)
 {
     if (this != &other) {
         leave();
-        object = other.object;
+        record = other.record;
         blockSent = other.blockSent;
         enter();
     }
@@ -33,16 +33,12 @@ ZTEventBlocker*& blockersOf(ZTBasePrivate& record, bool sent)
 
 void ZTEventBlocker::enter()
 {
-    ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (record)
         next = std::exchange(blockersOf(*record, blockSent), this);
-    else
-        object = nullptr; // moved from: it will not tell when it dies
 }
 
 void ZTEventBlocker::leave()
 {
-    ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (!record)
         return;
     ZTEventBlocker** link = &blockersOf(*record, blockSent);
@@ -55,7 +51,7 @@ void ZTBasePrivate::clearBlockers()
 {
     for (bool sent : {true, false})
         while (ZTEventBlocker*& first = blockersOf(*this, sent)) {
-            first->object = nullptr;
+            first->record = nullptr;
             first = first->next;
         }
 }

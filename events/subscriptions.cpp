@@ -217,7 +217,7 @@ bool ZTBasePrivate::removeSubscriptions(const ZTSubscriptionPrivate& pattern)
     std::vector<const ZTEventSlot*> slots;
     std::size_t listed = 0;
     for (const auto& slot : *eventSlots) {
-        bool isAsked = !pattern.event || slot.get() == findSlot(pattern.event->index());
+        bool isAsked = !pattern.event || slot.get() == findSlot(pattern.eventIndex);
         if (slot && isAsked) {
             slots.push_back(slot.get());
             listed += slot->listed;
@@ -267,6 +267,7 @@ bool removeByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const Z
     ZTSubscriptionPrivate pattern;
     pattern.sender = ZTBasePrivate::of(sender);
     pattern.event = event;
+    pattern.eventIndex = event ? event->index() : -1;
     pattern.subscriber = ZTBasePrivate::of(subscriber);
     pattern.handler = handler;
     return pattern.sender->removeSubscriptions(pattern);

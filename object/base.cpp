@@ -4,14 +4,17 @@
 #include <ostream>
 #include <utility>
 
-ZTBase::ZTBase(ZTBase* parent)
+ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
 {
-    auto record = std::make_unique<ZTBasePrivate>(this);
-    priv = record.get();
-    // A handler of `childAdded` may throw, and then no destructor runs for this object.
-    if (parent)
+    if (!parent)
+        return;
+    ZTBasePrivate::Beginning made(priv);
+    try {
         setParent(parent);
-    priv = record.release();
+    } catch (...) { // of a handler; no destructor runs for this object then
+        delete std::exchange(priv, nullptr);
+        throw;
+    }
 }
 
 ZTBase::ZTBase(ZTBase&& other) noexcept : priv(ZTBasePrivate::takeFrom(other))

@@ -15,8 +15,9 @@ class ZTDelivery;
 struct ZTEventSlot;
 class ZTLifeWatch;
 
-/// How far the end of an object has come.
+/// How far the beginning or the end of an object has come.
 enum class ZTLifeStage : unsigned char {
+    Beginning, ///< the constructor or an assignment of `ZTBase` goes on; see `Beginning`
     Alive,
     Dying,    ///< the destruction has reached `ZTBase`: of what the object was, only that is left
     TornDown, ///< the record is being destroyed and cannot be handed over
@@ -63,6 +64,7 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     bool descendsFrom(const ZTBasePrivate* ancestor) const;
 
     // Lifetime: lifetime.cpp.
+    class Beginning;
     void moveTo(ZTBase* newObject);
     /// Whether nothing refers to the object and it has nothing that has to be ended.
     bool isAlone() const;
@@ -151,4 +153,26 @@ public:
 private:
     ZTBasePrivate* m_record;
     ZTLifeWatch* m_below = nullptr;
+};
+
+/// Keeps an object that somebody is making, or assigns to, from being deleted meanwhile: a parent
+/// that dies lets it go.
+class ZTBasePrivate::Beginning
+{
+public:
+    explicit Beginning(ZTBasePrivate* record) noexcept : m_watch(record)
+    {
+        if (record)
+            record->stage = ZTLifeStage::Beginning;
+    }
+    Beginning(const Beginning&) = delete;
+    Beginning& operator=(const Beginning&) = delete;
+    ~Beginning()
+    {
+        if (m_watch.record() && m_watch.record()->stage == ZTLifeStage::Beginning)
+            m_watch.record()->stage = ZTLifeStage::Alive;
+    }
+
+private:
+    ZTLifeWatch m_watch;
 };

@@ -19,8 +19,9 @@ ZTDynamicBase& ZTDynamicBase::operator=(ZTDynamicBase&& other) noexcept
 {
     if (this == &other)
         return *this;
-    ZTBase::operator=(static_cast<ZTBase&&>(other));
+    // First, since handlers of what ends below may destroy the other object.
     delete std::exchange(dynamicPriv, std::exchange(other.dynamicPriv, nullptr));
+    ZTBase::operator=(static_cast<ZTBase&&>(other));
     return *this;
 }
 

@@ -1,8 +1,6 @@
 #include "../events/eventslot.h"
 #include "baseprivate.h"
 
-#include <zintar/eventblocker.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -13,9 +11,6 @@ void ZTBasePrivate::moveTo(ZTBase* newObject)
 {
     if (parent)
         std::replace(parent->children.begin(), parent->children.end(), object, newObject);
-    for (ZTEventBlocker* head : {sentEventBlockers, receivedEventBlockers})
-        for (ZTEventBlocker* blocker = head; blocker; blocker = blocker->next)
-            blocker->object = newObject;
     pointReferencesTo(newObject);
     object = newObject;
     mayHaveChangedClass = true;
@@ -43,6 +38,7 @@ void ZTBasePrivate::replace(ZTBase* object, ZTBasePrivate* newRecord)
         }
         newRecord->moveTo(object);
     }
+    Beginning assigned(newRecord); // the assignment goes on behind this
     delete old;
 }
 

@@ -42,17 +42,18 @@ void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& v
     if (!dynamicProperties)
         dynamicProperties = std::make_unique<zt::detail::DynamicProperties>();
     auto& [list, byName] = *dynamicProperties;
-    const auto* found = byName.find(name);
-    if (found && !((*found)->value != value))
-        return;
-    if (!found)
+    zt::detail::DynamicProperty* property = nullptr;
+    if (const auto* found = byName.find(name)) {
+        property = *found;
+        if (!(property->value != value)) // may run code of the host, which may add properties
+            return;
+        property->value = value;
+    } else {
         list.push_back({std::string(name), value});
-    zt::detail::DynamicProperty& property = found ? **found : list.back();
-    if (found)
-        property.value = value;
-    else
-        byName.add(property.name, &property);
-    object->dynamicPropertyChanged(property.name, value);
+        property = &list.back();
+        byName.add(property->name, property);
+    }
+    object->dynamicPropertyChanged(property->name, value);
 }
 
 std::vector<std::string_view> ZTBasePrivate::dynamicPropertyNames() const

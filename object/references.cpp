@@ -15,14 +15,16 @@ ZTRefImpl* ZTRefImpl::get(const ZTBase* object)
     if (record->refImpl)
         ++record->refImpl->refCount;
     else
-        record->refImpl = new ZTRefImpl(record->object);
+        record->refImpl = new ZTRefImpl(record);
     return record->refImpl;
 }
+
+ZTRefImpl::ZTRefImpl(ZTBasePrivate* of) noexcept : refCount(1), object(of->object), record(of) {}
 
 ZTRefImpl::~ZTRefImpl()
 {
     if (object)
-        ZTBasePrivate::of(object)->refImpl = nullptr;
+        record->refImpl = nullptr;
 }
 
 ZTStrongRefImpl* ZTStrongRefImpl::get(const ZTBase* object)
@@ -33,15 +35,18 @@ ZTStrongRefImpl* ZTStrongRefImpl::get(const ZTBase* object)
     if (record->strongRefImpl)
         ++record->strongRefImpl->refCount;
     else
-        record->strongRefImpl = new ZTStrongRefImpl(record->object);
+        record->strongRefImpl = new ZTStrongRefImpl(record);
     return record->strongRefImpl;
 }
+
+ZTStrongRefImpl::ZTStrongRefImpl(ZTBasePrivate* of) noexcept
+    : refCount(1), object(of->object), record(of)
+{}
 
 ZTStrongRefImpl::~ZTStrongRefImpl()
 {
     if (!object)
         return;
-    ZTBasePrivate* record = ZTBasePrivate::of(object);
     // First, so that the object's end finds no block and has nothing to complain about.
     record->strongRefImpl = nullptr;
     // A reference that was taken while the object dies is not the one that ends it.

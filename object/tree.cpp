@@ -34,6 +34,9 @@ void ZTBasePrivate::setParent(ZTBase* newParent)
     // Within `childRemoved` of this very move: the outer call's parent stands.
     if (isMoving)
         return;
+    // Nobody would take it out of the new parent's list again.
+    if (newParent && stage >= ZTLifeStage::TornDown)
+        return;
 
     ZTLifeWatch self(this);
     ZTLifeWatch target(of(newParent));
@@ -76,14 +79,24 @@ void ZTBasePrivate::deleteChildren()
             continue;
         children[i] = nullptr;
         of(child)->parent = nullptr;
-        delete child;
+        // Otherwise somebody is making or ending it right now, and goes on with it.
+        if (of(child)->stage == ZTLifeStage::Alive)
+            delete child;
     }
 }
 
+/// Objects can be above each other in a circle. So a second walk follows at half the speed, which
+/// the first one meets in a circle.
 bool ZTBasePrivate::descendsFrom(const ZTBasePrivate* ancestor) const
 {
-    for (const ZTBasePrivate* above = parent; above; above = above->parent)
+    const ZTBasePrivate* slow = this;
+    bool slowMoves = false;
+    for (const ZTBasePrivate* above = parent; above && above != slow; above = above->parent) {
         if (above == ancestor)
             return true;
+        if (slowMoves)
+            slow = slow->parent;
+        slowMoves = !slowMoves;
+    }
     return false;
 }

@@ -42,6 +42,15 @@ TEST_F(Dispatch, WhatDoesNotFitArrivesAsADefault)
     EXPECT_EQ(diary.take(), "int1 ZTBadMetaType0");
 }
 
+TEST_F(Dispatch, PointerToADerivedClassIsOneToTheBase)
+{
+    ZTBase::subscribe(speaker.get(), &ZTBase::childAdded, b.get(),
+                      [&](ZTBase* child) { diary.add(nameOf(child)); });
+    speaker->sendEvent(2, {ZTVariant(a.get())});
+    speaker->sendEvent(2, {ZTVariant(5)});
+    EXPECT_EQ(diary.take(), "a null");
+}
+
 TEST_F(Dispatch, TenValuesTravelOfAnEventWithMore)
 {
     ZTMetaClassBuilder builder;

@@ -103,6 +103,39 @@ TEST_F(Lifetime, HandlersChangeTheChildrenOfADyingParent)
     EXPECT_EQ(nameOf(kept.get()), "kept");
 }
 
+TEST_F(Lifetime, HandlerDeletesTheParentOfWhatIsDying)
+{
+    on(a1, &ZTBase::destroyed, [&] { delete std::exchange(a, nullptr); });
+    delete a1;
+    EXPECT_EQ(diary.take(), "~a1 ~a g-a ~d ~a2");
+}
+
+TEST_F(Lifetime, WhatIsTornDownGetsNoParent)
+{
+    on(a2, &ZTBase::destroyed, [&] { a1->setParent(g.get()); });
+    delete a1;
+    EXPECT_EQ(treeOf(g.get()), "g(a(d) b(b1))");
+}
+
+TEST_F(Lifetime, HandlerMeetsAnObjectThatIsBeingMade)
+{
+    auto parent = std::make_unique<ZTBase>();
+    std::function<void(ZTBase*)> action = [](ZTBase*) { throw std::runtime_error("no"); };
+    on(parent.get(), &ZTBase::childAdded, [&](ZTBase* child) { action(child); });
+    EXPECT_THROW(std::make_unique<ZTBase>(parent.get()), std::runtime_error);
+    EXPECT_TRUE(parent->children().empty());
+
+    std::unique_ptr<ZTBase> stolen;
+    action = [&](ZTBase* child) { stolen = std::make_unique<ZTBase>(std::move(*child)); };
+    ZTBase emptied(parent.get());
+    EXPECT_EQ(parent->children(), std::vector{stolen.get()});
+
+    action = [&](ZTBase*) { parent.reset(); };
+    stolen.release(); // it is the parent's
+    ZTBase orphan(parent.get());
+    EXPECT_FALSE(parent);
+}
+
 TEST_F(Lifetime, ExceptionOutOfADestructorEndsTheProcess)
 {
     on(watched("o", &observer), &ZTBase::destroyed, [] { throw std::runtime_error("no"); });
@@ -186,6 +219,45 @@ TEST_F(Move, RelativesBecomeEachOther)
     EXPECT_EQ(become(b, d), "g-d"); // a parent its child
     EXPECT_EQ(treeOf(g.get()) + treeOf(b), "gd");
     delete b;
+}
+
+TEST_F(Move, ObjectsInACircleBecomeAnother)
+{
+    a->setParent(b);
+    b->setParent(a);
+    become(g.get(), d);
+    EXPECT_EQ(g.release(), a->children().at(1));
+    diary.take();
+    delete a;
+    EXPECT_EQ(diary.take(), "~a b-a ~a1 ~a2 ~d ~b ~b1");
+}
+
+TEST_F(Move, WhatHeldTheReplacedObjectLeavesTheNewOneAlone)
+{
+    ZTRef<ZTBase> weak(a);
+    auto strong = std::make_unique<ZTStrongRef<ZTBase>>(a);
+    auto blocker = std::make_unique<ZTEventBlocker>(a, true);
+    ZTRef<ZTBase> other(b);
+    on(g.get(), &ZTBase::childRemoved, [&] {
+        weak.reset();
+        strong.reset();
+        blocker.reset();
+        new Named("fresh", a);
+    });
+    become(a, b);
+    EXPECT_EQ(treeOf(g.get()), "g(b(b1 fresh))");
+    EXPECT_EQ(other, a);
+}
+
+TEST_F(Move, ParentOfTheNewOneDiesMeanwhile)
+{
+    auto q = std::make_unique<Named>("q");
+    b->setParent(q.get());
+    on(g.get(), &ZTBase::childRemoved, [&] { q.reset(); });
+    become(a, b);
+    EXPECT_EQ(treeOf(a), "b(b1)");
+    EXPECT_EQ(treeOf(g.get()), "g");
+    delete a;
 }
 
 TEST_F(Move, DyingObjectHandsNothingOver)

@@ -110,6 +110,24 @@ TEST_F(Properties, NamesOfAllLengthsAreToldApart)
     EXPECT_FALSE(observer.property(std::string(41, 'x')));
 }
 
+/// Writes properties of an object whenever it is compared.
+struct Meddler {
+    bool operator==(const Meddler&) const
+    {
+        for (int i = 0; i < 100; ++i)
+            object->setProperty(std::to_string(i), i, true);
+        return false;
+    }
+    ZTBase* object;
+};
+
+TEST_F(Properties, ComparisonAddsProperties)
+{
+    observer.setProperty("x", Meddler{&observer}, true);
+    observer.setProperty("x", Meddler{&observer}, true);
+    EXPECT_EQ(observer.dynamicProperties().size(), 101U);
+}
+
 TEST_F(Properties, ThrowingCopyLosesNothing)
 {
     using support::Counted;

@@ -49,6 +49,7 @@ TEST_F(Subscribing, NeedsASenderAnEventAndAHandler)
     }
     EXPECT_EQ(refusal(speaker.get(), &Speaker::mute, &a, &Hearer::hearAny), "");
     EXPECT_EQ(refusal(speaker.get(), said, &a, nothing), "");
+    EXPECT_EQ(refusal(speaker.get(), said, &a, nullptr), "");
     EXPECT_EQ(refusal(speaker.get(), said, &a, noMethod), "");
     EXPECT_EQ(say(1), "");
 }

@@ -121,7 +121,8 @@ public:
     explicit ZTBase(ZTBase* parent = nullptr);
     ZTBase(ZTBase&& other) noexcept;
     /// The object becomes what `other` was. Its children are destroyed and it leaves its parent;
-    /// `destroyed` is not sent. A handler that throws meanwhile ends the process.
+    /// `destroyed` is not sent. A handler that throws meanwhile ends the process; one may delete
+    /// the parent of either object, but neither of the two.
     ZTBase& operator=(ZTBase&& other) noexcept;
 
     [[nodiscard]] virtual const ZTMetaClass* metaClass() const;
@@ -205,8 +206,7 @@ public:
     /// variants. A callable lives until the subscription ends, so at most as long as the receiver.
     /// Whatever the compiler can see to be wrong does not compile.
     template <class Sender, class Event, class Receiver, class Handler>
-        requires(!(zt::detail::isInvokablePointer<Event> &&
-                   zt::detail::isInvokablePointer<Handler>))
+        requires(!(zt::detail::isInvokableOrNull<Event> && zt::detail::isInvokableOrNull<Handler>))
     static ZTSubscription subscribe(Sender* sender, Event event, Receiver* receiver,
                                     Handler handler)
     {
@@ -289,7 +289,8 @@ protected:
     ///
     ///     void targetChanged(double celsius) { sendEvent<&Self::targetChanged>(celsius); }
     ///
-    /// The values are copied once, and only when somebody listens.
+    /// The values are copied once, and only when somebody listens. Only then is it noticed, too,
+    /// that an object has a class without the event.
     template <auto Event, class... Arguments>
     void sendEvent(Arguments&&... arguments) const
     {

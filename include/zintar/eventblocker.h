@@ -27,7 +27,8 @@ private:
     void enter();
     void leave();
 
-    ZTBase* object;
+    /// Of the object, which may move meanwhile; null where there is nothing to block.
+    ZTBasePrivate* record;
     bool blockSent;
     /// In the list of the object.
     ZTEventBlocker* next = nullptr;

@@ -34,13 +34,16 @@ private:
     friend class Reference;
     friend struct ::ZTBasePrivate;
 
-    explicit ZTRefImpl(const ZTBase* referred) noexcept : refCount(1), object(referred) {}
+    explicit ZTRefImpl(ZTBasePrivate* of) noexcept;
     ~ZTRefImpl();
     /// The block of the object with one more reference on it; null for null.
     static ZTRefImpl* get(const ZTBase* object);
 
     std::atomic<int> refCount;
     const ZTBase* object; ///< null once the object has died
+    /// Good while `object` is set. An object that is assigned to has another one already while this
+    /// one ends.
+    ZTBasePrivate* record;
 };
 
 /// The control block of the strong references to one object. Its end is the object's end.
@@ -50,12 +53,15 @@ private:
     friend class Reference;
     friend struct ::ZTBasePrivate;
 
-    explicit ZTStrongRefImpl(const ZTBase* referred) noexcept : refCount(1), object(referred) {}
+    explicit ZTStrongRefImpl(ZTBasePrivate* of) noexcept;
     ~ZTStrongRefImpl();
     static ZTStrongRefImpl* get(const ZTBase* object);
 
     std::atomic<int> refCount;
     const ZTBase* object; ///< null once the object has died by other means
+    /// Good while `object` is set. An object that is assigned to has another one already while this
+    /// one ends.
+    ZTBasePrivate* record;
 };
 
 /// One counted reference on a control block.
@@ -78,8 +84,9 @@ public:
     }
     ~Reference()
     {
-        if (m_impl && --m_impl->refCount == 0)
-            delete m_impl;
+        Impl* impl = std::exchange(m_impl, nullptr);
+        if (impl && --impl->refCount == 0)
+            delete impl;
     }
 
     [[nodiscard]] ZTBase* object() const noexcept
