@@ -34,7 +34,7 @@ ZTMetaInvokableBuilder::ZTMetaInvokableBuilder(ZTMetaClassBuilder* classBuilder,
     }
 }
 
-ZTMetaInvokableBuilder::~ZTMetaInvokableBuilder() { delete priv; }
+ZTMetaInvokableBuilder::~ZTMetaInvokableBuilder() = default;
 
 std::string_view ZTMetaInvokableBuilder::name() const { return priv->descriptor->name(); }
 

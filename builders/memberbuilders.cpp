@@ -19,7 +19,7 @@ ZTMetaClassInfoBuilder::ZTMetaClassInfoBuilder(std::shared_ptr<ZTDynamicMetaClas
     }
 }
 
-ZTMetaClassInfoBuilder::~ZTMetaClassInfoBuilder() { delete priv; }
+ZTMetaClassInfoBuilder::~ZTMetaClassInfoBuilder() = default;
 
 std::string_view ZTMetaClassInfoBuilder::key() const { return priv->descriptor->key(); }
 
@@ -53,7 +53,7 @@ ZTMetaEnumBuilder::ZTMetaEnumBuilder(std::shared_ptr<ZTDynamicMetaEnum> descript
     }
 }
 
-ZTMetaEnumBuilder::~ZTMetaEnumBuilder() { delete priv; }
+ZTMetaEnumBuilder::~ZTMetaEnumBuilder() = default;
 
 std::string_view ZTMetaEnumBuilder::name() const { return priv->descriptor->name(); }
 

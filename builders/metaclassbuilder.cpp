@@ -11,7 +11,7 @@ ZTMetaClassBuilder::ZTMetaClassBuilder(const ZTMetaClass* prototype)
         copyMembers(*prototype);
 }
 
-ZTMetaClassBuilder::~ZTMetaClassBuilder() { delete priv; }
+ZTMetaClassBuilder::~ZTMetaClassBuilder() = default;
 
 // The own members of the prototype. The invokables come before the properties, since a copied
 // property finds its change event among them by number.
@@ -114,7 +114,12 @@ ZTMetaInvokableBuilder ZTMetaClassBuilder::addInvokable(const ZTMetaInvokable* p
 {
     auto& list = priv->metaClass->m_invokables;
     priv->metaClass->addInvokable();
-    return {this, list.back(), prototype};
+    try {
+        return {this, list.back(), prototype};
+    } catch (...) { // of the copy of a callable
+        list.pop_back();
+        throw;
+    }
 }
 
 ZTMetaInvokableBuilder ZTMetaClassBuilder::invokable(unsigned int index)
@@ -139,7 +144,12 @@ ZTMetaPropertyBuilder ZTMetaClassBuilder::addProperty(const ZTMetaProperty* prot
 {
     auto& list = priv->metaClass->m_properties;
     list.push_back(std::make_shared<ZTDynamicMetaProperty>());
-    return {this, list.back(), prototype};
+    try {
+        return {this, list.back(), prototype};
+    } catch (...) { // of the copy of a callable
+        list.pop_back();
+        throw;
+    }
 }
 
 ZTMetaPropertyBuilder ZTMetaClassBuilder::property(unsigned int index)

@@ -28,7 +28,7 @@ ZTMetaPropertyBuilder::ZTMetaPropertyBuilder(ZTMetaClassBuilder* classBuilder,
         addPropInfo(prototype->propInfoKey(i), prototype->propInfoValue(i));
 }
 
-ZTMetaPropertyBuilder::~ZTMetaPropertyBuilder() { delete priv; }
+ZTMetaPropertyBuilder::~ZTMetaPropertyBuilder() = default;
 
 void ZTMetaPropertyBuilder::copyFunctions(const ZTMetaProperty& prototype)
 {

@@ -58,10 +58,11 @@ ClassTable::ClassTable(const ClassDeclaration& declaration) : m_declaration(decl
     m_enumList = addressesOf(m_enums);
     m_propertyList = addressesOf(m_properties);
     m_invokableList = addressesOf(m_invokables);
-    static_cast<ZTStaticMetaClassData&>(*this) = ZTStaticMetaClassData(
-        sizeOf(m_classInfoList), m_classInfoList.data(), sizeOf(m_enumList), m_enumList.data(),
-        sizeOf(m_propertyList), m_propertyList.data(), sizeOf(m_invokableList),
-        m_invokableList.data(), &positionByFunction, &positionBySignature);
+    static_cast<ZTStaticMetaClassData&>(*this) =
+        ZTStaticMetaClassData(sizeOf(m_classInfoList), m_classInfoList.data(), sizeOf(m_enumList),
+                              m_enumList.data(), sizeOf(m_propertyList), m_propertyList.data(),
+                              sizeOf(m_invokableList), m_invokableList.data(),
+                              m_declaration.positionByFunction, m_declaration.positionBySignature);
     const ZTStaticMetaClassData* table = this;
     m_descriptor = std::make_unique<ZTStaticMetaClass>(table);
     indexInvokables();
@@ -86,7 +87,7 @@ void ClassTable::indexProperties()
         if (!indexed || !indexed->propertyIndex)
             break;
         for (const ZTStaticMetaProperty& property : indexed->properties)
-            m_propertyIndex->names.add(property.name(), &property);
+            m_propertyIndex->add(property.name(), property);
     }
     m_propertyIndex->beyond = next;
 }
@@ -188,28 +189,21 @@ void ClassTable::fillTypes()
     }
 }
 
-const ClassTable& ClassTable::of(const ZTMetaClass* self)
+int ClassTable::positionOf(void* function) const
 {
-    return static_cast<const ClassTable&>(*static_cast<const ZTStaticMetaClass*>(self)->table());
-}
-
-int ClassTable::positionByFunction(const ZTMetaClass* self, void* function)
-{
-    const auto& listed = of(self).m_invokableRecords;
     if (!function)
         return -1;
-    for (std::size_t i = listed.size(); i-- > 0;)
-        if (isSameMember(listed[i]->key, function))
+    for (std::size_t i = m_invokableRecords.size(); i-- > 0;)
+        if (isSameMember(m_invokableRecords[i]->key, function))
             return static_cast<int>(i);
     return -1;
 }
 
-int ClassTable::positionBySignature(const ZTMetaClass* self, std::string_view name, bool isConst,
-                                    const std::type_index& signature)
+int ClassTable::positionOf(std::string_view name, bool isConst,
+                           const std::type_index& signature) const
 {
-    const auto& listed = of(self).m_invokableRecords;
-    const int* found = of(self).m_invokableIndex->positions.find(name, [&](int position) {
-        const MemberRecord& member = *listed[static_cast<std::size_t>(position)];
+    const int* found = m_invokableIndex->positions.find(name, [&](int position) {
+        const MemberRecord& member = *m_invokableRecords[static_cast<std::size_t>(position)];
         return member.isConst == isConst && member.signature() == signature;
     });
     return found ? *found : -1;

@@ -251,6 +251,6 @@ void ZTDynamicMetaClass::finish()
         invokable->freezeIndex(index++);
     m_propertyIndex = std::make_unique<zt::detail::PropertyIndex>();
     for (const auto& property : m_properties)
-        m_propertyIndex->names.add(property->m_name, property.get());
+        m_propertyIndex->add(property->m_name, *property);
     m_propertyIndex->beyond = m_superClass;
 }

@@ -15,6 +15,13 @@ struct PropertyIndex {
         return beyond ? beyond->property(name) : nullptr;
     }
 
+    /// A name that is there already hides the property.
+    void add(std::string_view name, const ZTMetaProperty& property)
+    {
+        if (!names.find(name))
+            names.add(name, &property);
+    }
+
     NameIndex<const ZTMetaProperty*> names;
     const ZTMetaClass* beyond = nullptr;
 };

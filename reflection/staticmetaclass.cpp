@@ -103,6 +103,8 @@ template <class Descriptor, class Record>
 std::vector<Descriptor> describe(const Record* const* records, unsigned int count)
 {
     std::vector<Descriptor> descriptors;
+    if (!records)
+        return descriptors;
     descriptors.reserve(count);
     for (unsigned int i = 0; i < count; ++i)
         descriptors.emplace_back(records[i]);
@@ -125,7 +127,7 @@ ZTStaticMetaClass::ZTStaticMetaClass(const ZTStaticMetaClass& other) : ZTStaticM
 
 ZTStaticMetaClass& ZTStaticMetaClass::operator=(const ZTStaticMetaClass& other)
 {
-    return *this = ZTStaticMetaClass(other);
+    return this == &other ? *this : *this = ZTStaticMetaClass(other);
 }
 
 ZTStaticMetaClass::ZTStaticMetaClass(ZTStaticMetaClass&& other) noexcept

@@ -118,6 +118,16 @@ TEST_F(Declare, ClassAndMembersAreFoundOverAllLevels)
     EXPECT_EQ(copy.property("label"), type.property("label"));
 }
 
+TEST_F(Declare, TableCanBeCopiedByAHost)
+{
+    const auto& declared = static_cast<const ZTStaticMetaClass&>(Mixed::typeMetaClass());
+    const auto table = *declared.table();
+    const ZTStaticMetaClass copy(&table);
+    auto mix = &Mixed::mix;
+    EXPECT_EQ(copy.indexOfInvokable(&mix), declared.indexOfInvokable(&mix));
+    EXPECT_EQ((copy.indexOfInvokable<int(int, int)>("sum", true)), 6);
+}
+
 TEST_F(Declare, FunctionsAndPropertiesReachTheObject)
 {
     EXPECT_EQ(call(6, 1, 5), ZTVariant(6));

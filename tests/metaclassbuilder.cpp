@@ -1,3 +1,4 @@
+#include "support/counted.h"
 #include "support/logs.h"
 #include "support/sampleclasses.h"
 
@@ -7,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <stdexcept>
 
 namespace
 {
@@ -116,6 +118,29 @@ TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)
     EXPECT_EQ(property.changeEventIndex(), -1);
     EXPECT_EQ(made->property(0U)->name(), "");
     EXPECT_EQ(made->property(0U)->changeEventIndex(), 0);
+}
+
+/// A function whose copy may throw.
+struct Fragile : support::Counted {
+    ZTVariant operator()(const ZTVariant&) const { return ZTVariant(number); }
+    ZTVariant operator()(const ZTVariant&, const ZTArgumentArray&) const { return {}; }
+};
+
+TEST(ClassBuilderCopy, ThrowsWithoutALossOrARest)
+{
+    ZTMetaClassBuilder builder;
+    builder.addInvokable().setFunction(Fragile());
+    builder.addProperty().setGetter(Fragile());
+    const Owned made(builder.toMetaClass());
+    for (int copy : {1, 2}) {
+        Fragile::throwAtCopy = copy;
+        EXPECT_THROW(Owned(builder.toMetaClass()), std::runtime_error);
+    }
+    Fragile::throwAtCopy = 1;
+    EXPECT_THROW(builder.addInvokable(made->invokable(0U)), std::runtime_error);
+    Fragile::throwAtCopy = 1;
+    EXPECT_THROW(builder.addProperty(made->property(0U)), std::runtime_error);
+    EXPECT_EQ(builder.invokableCount() + builder.propertyCount(), 2);
 }
 
 struct MemberBuilder : testing::Test {
@@ -245,6 +270,17 @@ TEST_F(MemberBuilder, OfAMethodTakesPlainFunctionsWithAKey)
     EXPECT_FALSE(copies->invokable(0U)->invoke(&heater, 9, 0.5));
     EXPECT_EQ(copies->indexOfInvokable(&key), 1);
     EXPECT_EQ(copies->invokable(1U)->invoke(ZTVariant(5), ZTArgumentArray()), ZTVariant(5));
+}
+
+TEST_F(MemberBuilder, TakesItsFunctionsBack)
+{
+    auto method = builder.addInvokable();
+    method.setFunction([](const Heater&) {});
+    method.setFunction({});
+    auto property = builder.addProperty(declared.property("level"));
+    property.setGetter({});
+    property.setSetter({});
+    EXPECT_FALSE(method.function() || property.canGet() || property.canSet());
 }
 
 TEST_F(MemberBuilder, OfAPropertyTakesAnEventOfItsOwnClassBuilder)

@@ -193,6 +193,52 @@ TEST(LazyType, ComparesWithWhatTheTypeAndItsElementsOffer)
     EXPECT_EQ(compare(std::vector<Opaque>{{1}}, {{1}}), ZTPartialOrdering::Unordered);
 }
 
+struct Point {
+    int x = 0;
+    friend ZTDataStream& operator<<(ZTDataStream& s, const Point& p) { return s << p.x; }
+    friend ZTDataStream& operator>>(ZTDataStream& s, Point& p) { return s >> p.x; }
+};
+struct LabelledPoint : Point {
+    std::string label;
+};
+struct Label : std::string {};
+
+TEST(LazyType, IsNotReadByTheOperatorOfABaseClass)
+{
+    ZTDataStream stream;
+    Point point;
+    LabelledPoint labelled;
+    Label label;
+    EXPECT_TRUE(ztMetaType<Point>().serialize(stream, &point));
+    EXPECT_TRUE(ztMetaType<Point>().deserialize(stream, &point));
+    EXPECT_FALSE(ztMetaType<LabelledPoint>().deserialize(stream, &labelled));
+    EXPECT_FALSE(ztMetaType<Label>().deserialize(stream, &label));
+}
+
+TEST(LazyType, LeavesValuesInTheMemoryOfWhoRegisteredItFirst)
+{
+    struct Foreign {
+        int number;
+    };
+    static int living = 0;
+    auto create = [](const void* source) -> void* {
+        ++living;
+        return new Foreign(*static_cast<const Foreign*>(source));
+    };
+    auto destroy = [](void* block) {
+        --living;
+        delete static_cast<Foreign*>(block);
+    };
+    zt::detail::ztRegisterMetaType(typeid(Foreign), "Foreign", {}, create, destroy, nullptr,
+                                   nullptr, nullptr, nullptr, nullptr, nullptr);
+    {
+        ZTVariant value(Foreign{5});
+        EXPECT_EQ(ztVariantPointer<Foreign>(value)->number, 5);
+        EXPECT_EQ(living, 1);
+    }
+    EXPECT_EQ(living, 0);
+}
+
 TEST(LazyType, PointerIsAnAddressThatIsNotStreamed)
 {
     const ZTMetaType& type = ztMetaType<Opaque*>();

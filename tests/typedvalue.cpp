@@ -187,6 +187,8 @@ TEST_F(Converters, MayRefuseAValueAndBeReplaced)
     zt::detail::ztRegisterConverter(celsius, kelvin, &toZero);
     EXPECT_TRUE(celsius.convert(&source, kelvin, &target));
     EXPECT_EQ(target.degrees, 0);
+    zt::detail::ztRegisterConverter(celsius, kelvin, nullptr);
+    EXPECT_FALSE(celsius.convert(&source, kelvin, &target));
 }
 
 TEST_F(Converters, HaveNothingToDoWithTheBadType)

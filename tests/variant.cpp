@@ -147,6 +147,16 @@ TEST(Variant, ComparesWithinOneType)
     EXPECT_EQ(holding(ZTVariant(Opaque()), ZTVariant(Opaque())), "!= <= >= ");
 }
 
+TEST(Variant, ComparesFarBelow)
+{
+    ZTVariant one(1), two(2);
+    for (int depth = 0; depth < 400; ++depth) {
+        one = ZTVariant(ztMetaType<ZTVariant>(), &one);
+        two = ZTVariant(ztMetaType<ZTVariant>(), &two);
+    }
+    EXPECT_TRUE(one < two && one != two && two > one && one == ZTVariant(one));
+}
+
 TEST(Variant, PrintsItsTypeAndValue)
 {
     ZTVariant five(5);

@@ -23,7 +23,7 @@ void registerNull()
     using Null = TypeFunctions<std::nullptr_t>;
     ztRegisterMetaType(typeid(std::nullptr_t), ztTypeName<std::nullptr_t>(), "std::nullptr_t",
                        Null::create(), Null::destroy(), Null::createDefault(), Null::compare(),
-                       &writeNothing, nullptr, Null::print(), nullptr);
+                       &writeNothing, nullptr, Null::print(), nullptr, true);
 }
 
 /// Without a form on the stream, where the type would otherwise pass as the integer it holds.
@@ -32,7 +32,7 @@ void registerUnsignedLong()
     using Functions = TypeFunctions<ZTULong>;
     ztRegisterMetaType(typeid(ZTULong), ztTypeName<ZTULong>(), "unsigned long", Functions::create(),
                        Functions::destroy(), Functions::createDefault(), Functions::compare(),
-                       nullptr, nullptr, Functions::print(), nullptr);
+                       nullptr, nullptr, Functions::print(), nullptr, true);
 }
 
 /// A type without any function: no variant of it holds a block.

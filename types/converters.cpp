@@ -14,7 +14,8 @@ bool ZTMetaType::convert(void* source, const ZTMetaType& to, void* target) const
     if (!to)
         return false;
     auto found = priv->convertersTo.find(&to);
-    bool converted = found != priv->convertersTo.end() && found->second(source, target);
+    bool converted =
+        found != priv->convertersTo.end() && found->second && found->second(source, target);
     return converted || *this == to;
 }
 

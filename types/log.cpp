@@ -13,5 +13,6 @@ void ztLog(const std::string& message, ZTLogType type)
         std::cerr << message << "\n";
         return;
     }
-    std::cerr << "Zintar: Error unsupported log type " << static_cast<int>(type) << ".\n";
+    std::cerr << "Zintar: Error unsupported log type " << std::to_string(static_cast<int>(type))
+              << ".\n";
 }

@@ -128,19 +128,23 @@ const ZTMetaType* ztMetaType(const std::type_index& type)
     return found == types.end() ? nullptr : &found->second;
 }
 
+bool isInBlocks(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).isInBlocks; }
+
 const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_view name,
                                      const std::string& alias, CreateFunction create,
                                      DestroyFunction destroy, CreateDefaultFunction createDefault,
                                      CompareFunction compare, SerializeFunction serialize,
                                      DeserializeFunction deserialize, PrintFunction print,
-                                     const ZTMetaClass* metaClass)
+                                     const ZTMetaClass* metaClass, bool inBlocks)
 {
     ZTMetaTypeRegistry& registry = ztMetaTypeRegistry();
     const ZTMetaType* handle = ztMetaType(type);
-    if (!handle)
-        handle =
-            &registry.add(new ZTMetaTypePrivate(name, type, create, destroy, createDefault, compare,
-                                                serialize, deserialize, print, metaClass));
+    if (!handle) {
+        auto* record = new ZTMetaTypePrivate(name, type, create, destroy, createDefault, compare,
+                                             serialize, deserialize, print, metaClass);
+        record->isInBlocks = inBlocks;
+        handle = &registry.add(record);
+    }
     registry.addAlias(*handle, alias);
     return *handle;
 }

@@ -34,6 +34,7 @@ struct ZTMetaTypePrivate {
     zt::detail::SerializeFunction serialize;
     zt::detail::DeserializeFunction deserialize;
     zt::detail::PrintFunction print;
+    bool isInBlocks = false;
     std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersTo;
     std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersFrom;
 };

@@ -53,6 +53,16 @@ bool ZTVariant::operator==(const ZTVariant& other) const
     return !isValid() || compare(other) == ZTPartialOrdering::Equivalent;
 }
 
+ZTPartialOrdering zt::detail::compareNested(const ZTVariant& left, const ZTVariant& right)
+{
+    if (left.type() != right.type())
+        return ZTPartialOrdering::Greater;
+    if (!left.isValid())
+        return ZTPartialOrdering::Equivalent;
+    ZTPartialOrdering order = left.type().compare(left.data(), right.data());
+    return order == ZTPartialOrdering::Unordered ? ZTPartialOrdering::Greater : order;
+}
+
 bool ZTVariant::operator!=(const ZTVariant& other) const { return !(*this == other); }
 
 bool ZTVariant::operator<(const ZTVariant& other) const

@@ -67,7 +67,7 @@ private:
     ZTMetaClassInfoBuilder(std::shared_ptr<ZTDynamicMetaClassInfo> descriptor,
                            const ZTMetaClassInfo* prototype);
 
-    ZTMetaClassInfoBuilderPrivate* priv;
+    std::unique_ptr<ZTMetaClassInfoBuilderPrivate> priv;
 };
 
 /// Edits one enumeration of the class.
@@ -92,7 +92,7 @@ private:
     ZTMetaEnumBuilder();
     ZTMetaEnumBuilder(std::shared_ptr<ZTDynamicMetaEnum> descriptor, const ZTMetaEnum* prototype);
 
-    ZTMetaEnumBuilderPrivate* priv;
+    std::unique_ptr<ZTMetaEnumBuilderPrivate> priv;
 };
 
 /// Edits one method or event of the class.
@@ -129,7 +129,7 @@ public:
     /// @param key  by which `ZTMetaClass::indexOfInvokable(void*)` finds the invokable. It is only
     ///             compared here; a declared super class that is asked for a key which this class
     ///             does not have takes it for the address of a pointer to a member function.
-    template <class Callable>
+    template <class Callable = zt::detail::InvokableFunction>
     void setFunction(Callable callable, void* key = nullptr)
     {
         if constexpr (std::is_convertible_v<Callable, zt::detail::InvokableFunction>) {
@@ -169,7 +169,7 @@ private:
 
     void setUntypedFunction(const zt::detail::InvokableFunction& function, void* key);
 
-    ZTMetaInvokableBuilderPrivate* priv;
+    std::unique_ptr<ZTMetaInvokableBuilderPrivate> priv;
 };
 
 /// Edits one property of the class.
@@ -198,7 +198,7 @@ public:
     /// Given a callable that takes the object, `[](const Account& self) { return ...; }`, it sets
     /// the type of the property: `Value`, or what the callable gives. Given one that takes the
     /// variant itself, it leaves the type alone.
-    template <class Value = void, class Callable>
+    template <class Value = void, class Callable = zt::detail::GetterFunction>
     void setGetter(Callable callable)
     {
         if constexpr (std::is_convertible_v<Callable, zt::detail::GetterFunction>) {
@@ -213,7 +213,7 @@ public:
     /// Sets what writing runs; an empty function removes the setter. A callable
     /// `[](Account& self, double value)` sets the type of the property; a value that does not fit
     /// is told in the log, and the callable is not called.
-    template <class Callable>
+    template <class Callable = zt::detail::SetterFunction>
     void setSetter(Callable callable)
     {
         if constexpr (std::is_convertible_v<Callable, zt::detail::SetterFunction>) {
@@ -252,7 +252,7 @@ private:
     void copyFunctions(const ZTMetaProperty& prototype);
     void copyChangeEvent(const ZTMetaProperty& prototype, ZTMetaClassBuilder& classBuilder);
 
-    ZTMetaPropertyBuilderPrivate* priv;
+    std::unique_ptr<ZTMetaPropertyBuilderPrivate> priv;
 };
 
 /// A class under construction; see the top of this file. Indices and counts are those of the
@@ -319,7 +319,7 @@ private:
     friend class ZTMetaPropertyBuilder;
     void copyMembers(const ZTMetaClass& prototype);
 
-    ZTMetaClassBuilderPrivate* priv;
+    std::unique_ptr<ZTMetaClassBuilderPrivate> priv;
 };
 
 /// Writes the class with its own members; inherited ones come from the super class, which is

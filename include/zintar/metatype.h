@@ -113,13 +113,16 @@ namespace zt::detail
 
 /// Registers a type, or adds `alias` to the one that is registered already: its name, functions
 /// and class stand as the first call gave them. A name or an alias that is taken keeps its owner.
+/// @param inBlocks  whether `create` and `destroy` are those of `TypeFunctions`, with which a
+///                  variant may make a block by itself
 ZT_EXPORT const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_view name,
                                                const std::string& alias, CreateFunction create,
                                                DestroyFunction destroy,
                                                CreateDefaultFunction createDefault,
                                                CompareFunction compare, SerializeFunction serialize,
                                                DeserializeFunction deserialize, PrintFunction print,
-                                               const ZTMetaClass* metaClass);
+                                               const ZTMetaClass* metaClass, bool inBlocks = false);
+[[nodiscard]] ZT_EXPORT bool isInBlocks(const ZTMetaType& type);
 
 /// Registers the conversion of one ordered pair of types, in place of an earlier one. The
 /// converter writes into a living object of the target type and answers whether it could.

@@ -21,7 +21,7 @@ const ZTMetaType& registerType(const ZTMetaClass* metaClass, const std::string& 
         return ztRegisterMetaType(typeid(T), ztTypeName<T>(), alias, Functions::create(),
                                   Functions::destroy(), Functions::createDefault(),
                                   Functions::compare(), Functions::serialize(),
-                                  Functions::deserialize(), Functions::print(), metaClass);
+                                  Functions::deserialize(), Functions::print(), metaClass, true);
     }
 }
 
@@ -29,11 +29,17 @@ const ZTMetaType& registerType(const ZTMetaClass* metaClass, const std::string& 
 template <class T>
 inline std::atomic<const ZTMetaType*> knownType = nullptr;
 
+/// Whether values of `T` are in blocks of `TypeFunctions`, and not in memory of a host that
+/// registered the type with functions of its own. Known when the type is.
+template <class T>
+inline std::atomic<bool> knownToBeInBlocks = false;
+
 template <class T>
 [[gnu::noinline]] const ZTMetaType& findOrRegisterType()
 {
     const ZTMetaType* known = ztMetaType(std::type_index(typeid(T)));
     const ZTMetaType& type = known ? *known : registerType<T>(classOfPointer<T>());
+    knownToBeInBlocks<T>.store(isInBlocks(type), std::memory_order_relaxed);
     knownType<T>.store(&type, std::memory_order_release);
     return type;
 }

@@ -213,6 +213,7 @@ private:
 /// A copy reads the same table but has member descriptors of its own, so it is not the same class
 /// to `isDerivedFrom`, and pointers into the one are not pointers into the other. User data lives
 /// in the table and is shared. A moved-from descriptor is only to be destroyed or assigned to.
+/// Assign to a class only while it has no objects: they remember its members.
 struct ZT_EXPORT ZTStaticMetaClass : ZTMetaClass {
 public:
     explicit ZTStaticMetaClass(const zt::detail::ZTStaticMetaClassData* table);

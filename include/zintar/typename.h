@@ -15,9 +15,10 @@
 ///     ztTypeName<std::vector<Room::Kind>>()   "struct std::vector<enum Room::Kind,..."
 ///
 /// What no template can take apart is spelled as the compiler does, which may differ between
-/// compilers: a type inside of a function, an inline namespace, the arguments of a class template
-/// in the name of a class within it, a floating-point number in a template argument. The text
-/// lives as long as the program (or the plugin that asked).
+/// compilers, and in the case of lambdas of one function be the same for all of them: a type
+/// inside of a function, an inline namespace, the arguments of a class template in the name of a
+/// class within it, a floating-point number in a template argument. The text lives as long as the
+/// program (or the plugin that asked).
 template <class T>
 [[nodiscard]] constexpr std::string_view ztTypeName() noexcept
 {

@@ -41,6 +41,20 @@ decltype(auto) asValue(T&& value)
     }
 }
 
+/// The value in memory that the functions of its type can destroy.
+template <class Value, class Source>
+void* makeValue(const ZTMetaType& type, Source&& source)
+{
+    // The library itself registers the built-in types.
+    if constexpr (!std::is_arithmetic_v<Value>) {
+        if (!knownToBeInBlocks<Value>.load(std::memory_order_relaxed)) [[unlikely]] {
+            const Value& value = source;
+            return type.create(&value);
+        }
+    }
+    return TypeFunctions<Value>::make(std::forward<Source>(source));
+}
+
 template <class Value>
 constexpr void assertHoldable()
 {
@@ -143,8 +157,8 @@ ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant);
 template <zt::detail::VariantValue T>
 ZTVariant::ZTVariant(T&& value)
     : m_type(&::ztMetaType<zt::detail::ValueType<T>>()),
-      m_data(zt::detail::TypeFunctions<zt::detail::ValueType<T>>::make(
-          zt::detail::asValue(std::forward<T>(value))))
+      m_data(zt::detail::makeValue<zt::detail::ValueType<T>>(
+          *m_type, zt::detail::asValue(std::forward<T>(value))))
 {
     zt::detail::assertHoldable<zt::detail::ValueType<T>>();
 }

@@ -86,6 +86,11 @@ struct ClassDeclaration {
     const ZTMetaClass& (*superClass)() = nullptr;
     /// Registers the types of pointers to the class and gives the one without `const`.
     const ZTMetaType& (*registerPointers)(const ZTMetaClass* metaClass) = nullptr;
+    /// What the table's callbacks are: they ask the class, since a host may have a copy of its
+    /// table in a descriptor of its own.
+    int (*positionByFunction)(const ZTMetaClass* self, void* function) = nullptr;
+    int (*positionBySignature)(const ZTMetaClass* self, std::string_view name, bool isConst,
+                               const std::type_index& signature) = nullptr;
 };
 
 /// The table of a declared class and its descriptor. It becomes complete in two steps, because
@@ -110,17 +115,17 @@ public:
         return *m_descriptor;
     }
 
+    /// Among the own invokables, of the last one that fits; -1 when there is none.
+    [[nodiscard]] int positionOf(void* function) const;
+    [[nodiscard]] int positionOf(std::string_view name, bool isConst,
+                                 const std::type_index& signature) const;
+
 private:
     void fillTypes();
     void addMembers();
     void indexProperties();
     void indexInvokables();
     void linkChangeEvents();
-
-    static const ClassTable& of(const ZTMetaClass* self);
-    static int positionByFunction(const ZTMetaClass* self, void* function);
-    static int positionBySignature(const ZTMetaClass* self, std::string_view name, bool isConst,
-                                   const std::type_index& signature);
 
     ClassDeclaration m_declaration;
     bool m_linked = false;

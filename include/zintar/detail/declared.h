@@ -135,6 +135,19 @@ const ZTMetaType& registerPointers(const ZTMetaClass* metaClass)
 }
 
 template <class C>
+int positionByFunction(const ZTMetaClass*, void* function)
+{
+    return ClassAccess::table<C>().positionOf(function);
+}
+
+template <class C>
+int positionBySignature(const ZTMetaClass*, std::string_view name, bool isConst,
+                        const std::type_index& signature)
+{
+    return ClassAccess::table<C>().positionOf(name, isConst, signature);
+}
+
+template <class C>
 ClassDeclaration classDeclaration()
 {
     static constexpr auto list = Declared<C>::members();
@@ -160,6 +173,8 @@ ClassDeclaration classDeclaration()
         declaration.superClass = &completeClass<Super>;
     }
     declaration.registerPointers = &registerPointers<C>;
+    declaration.positionByFunction = &positionByFunction<C>;
+    declaration.positionBySignature = &positionBySignature<C>;
     return declaration;
 }
 

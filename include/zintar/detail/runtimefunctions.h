@@ -24,7 +24,9 @@ struct ObjectCallable {
 };
 template <class Callable, class Self, class... P>
 struct ObjectCallable<Callable, Parameters<Self&, P...>> {
-    static_assert(isObjectClass<Self>,
+    static_assert(!std::is_same_v<std::remove_const_t<Self>, ZTVariant>,
+                  "A function that takes its object as a ZTVariant returns a ZTVariant.");
+    static_assert(isObjectClass<Self> || std::is_same_v<std::remove_const_t<Self>, ZTVariant>,
                   "The first parameter of the function is the object: a reference to its class.");
     using Object = Self;
     using Result = typename CallableTraits<Callable>::Result;

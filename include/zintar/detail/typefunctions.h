@@ -96,12 +96,32 @@ concept OwnInsertion = requires(ZTDataStream& stream, const T& value)
         } -> std::convertible_to<ZTDataStream&>;
 };
 template <class T>
-concept OwnExtraction = requires(ZTDataStream& stream, T& value)
+concept Extraction = requires(ZTDataStream& stream, T& value)
 {
     {
         stream >> value
         } -> std::convertible_to<ZTDataStream&>;
 };
+/// Stands for a `T`, and for nothing else.
+template <class T>
+struct OnlyThis {
+    template <class U>
+        requires std::same_as<U, T>
+    operator U&() const;
+};
+/// Stands for what a `T` passes as: its base classes, and what it converts to.
+template <class T>
+struct OnlyOthers {
+    template <class U>
+        requires(!std::same_as<U, T> && std::convertible_to<T&, U&>)
+    operator U&() const;
+};
+/// Whether an operator takes a `T` itself. One for a base class would leave the rest unread, and
+/// nobody would notice. (A template that deduces takes neither of the two that stand for it.)
+template <class T>
+concept OwnExtraction = Extraction<T> &&(
+    requires(ZTDataStream& stream) { stream >> OnlyThis<T>(); } ||
+    !requires(ZTDataStream & stream) { stream >> OnlyOthers<T>(); });
 template <class T>
 concept Printable = requires(std::ostream& stream, const T& value)
 {
@@ -113,6 +133,11 @@ template <class T>
 inline constexpr bool isPrintedAsAddress =
     isDataPointer<T> && !std::is_volatile_v<std::remove_pointer_t<T>> &&
     !std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, ZTMetaClass>;
+
+/// How a variant in a variant compares with another: as its `==` and `<` tell, but without asking
+/// twice at each depth.
+[[nodiscard]] ZT_EXPORT ZTPartialOrdering compareNested(const ZTVariant& left,
+                                                        const ZTVariant& right);
 
 /// The functions of the meta type of `T`, and the blocks in which a variant holds its values.
 template <class T>
@@ -136,7 +161,9 @@ struct TypeFunctions {
             return left == right ? ZTPartialOrdering::Equivalent : ZTPartialOrdering::Unordered;
         const T& a = *static_cast<const T*>(left);
         const T& b = *static_cast<const T*>(right);
-        if constexpr (isDataPointer<T>) {
+        if constexpr (std::is_same_v<T, ZTVariant>) {
+            return compareNested(a, b);
+        } else if constexpr (isDataPointer<T>) {
             auto addressA = reinterpret_cast<std::uintptr_t>(a);
             auto addressB = reinterpret_cast<std::uintptr_t>(b);
             return addressA == addressB  ? ZTPartialOrdering::Equivalent
