@@ -125,7 +125,7 @@ TEST_F(Declare, TableCanBeCopiedByAHost)
     const ZTStaticMetaClass copy(&table);
     auto mix = &Mixed::mix;
     EXPECT_EQ(copy.indexOfInvokable(&mix), declared.indexOfInvokable(&mix));
-    EXPECT_EQ((copy.indexOfInvokable<int(int, int)>("sum", true)), 6);
+    EXPECT_EQ((copy.indexOfInvokable<void(int, int)>("sum", true)), 6);
 }
 
 TEST_F(Declare, FunctionsAndPropertiesReachTheObject)

@@ -2,8 +2,11 @@
 #include "support/logs.h"
 
 #include <zintar/base.h>
+#include <zintar/converter.h>
 #include <zintar/dynamicbase.h>
 #include <zintar/staticmetaclass.h>
+
+#include <optional>
 
 namespace
 {
@@ -132,12 +135,6 @@ struct Kelvin {
 };
 struct Rankine {};
 
-bool toKelvin(const void* source, void* target)
-{
-    double celsius = static_cast<const Celsius*>(source)->degrees;
-    static_cast<Kelvin*>(target)->degrees = celsius + 273;
-    return celsius >= -273;
-}
 bool toZero(const void*, void* target)
 {
     *static_cast<Kelvin*>(target) = {};
@@ -145,7 +142,14 @@ bool toZero(const void*, void* target)
 }
 
 struct Converters : testing::Test {
-    Converters() { zt::detail::ztRegisterConverter(celsius, kelvin, &toKelvin); }
+    Converters()
+    {
+        ztRegisterConverter([](const Celsius& from) -> std::optional<Kelvin> {
+            if (from.degrees < -273)
+                return std::nullopt;
+            return Kelvin{from.degrees + 273};
+        });
+    }
 
     const ZTMetaType& celsius = ztMetaType<Celsius>();
     const ZTMetaType& kelvin = ztMetaType<Kelvin>();
@@ -174,9 +178,14 @@ TEST_F(Converters, ServeRetrieval)
     });
     expectRetrieved<Kelvin>(ZTVariant(source), Kelvin{280});
     EXPECT_TRUE(ztVariantValue<ZTBase*>(ZTVariant(source)));
+    const std::string failure = failed(kelvin.name(), celsius.name());
+    expectRetrieved<Kelvin>(ZTVariant(Celsius{-300}), Kelvin{}, failure);
     // What a converter that refuses has left there stands.
-    expectRetrieved<Kelvin>(ZTVariant(Celsius{-300}), Kelvin{-27},
-                            failed(kelvin.name(), celsius.name()));
+    zt::detail::ztRegisterConverter(celsius, kelvin, [](const void*, void* result) {
+        static_cast<Kelvin*>(result)->degrees = -27;
+        return false;
+    });
+    expectRetrieved<Kelvin>(ZTVariant(source), Kelvin{-27}, failure);
 }
 
 TEST_F(Converters, MayRefuseAValueAndBeReplaced)

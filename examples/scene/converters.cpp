@@ -10,70 +10,43 @@ namespace scene
 {
 namespace
 {
-/// Registers a function as the converter between the types of its parameters.
-template <auto Function, class From, class To>
-void registerTyped(bool (*)(const From&, To&))
-{
-    zt::detail::ztRegisterConverter(
-        ztMetaType<From>(), ztMetaType<To>(), [](const void* source, void* target) {
-            return Function(*static_cast<const From*>(source), *static_cast<To*>(target));
-        });
-}
-
 /// The whole text must be the number.
 template <class Number>
-bool numberFromText(const std::string& text, Number& number)
+std::optional<Number> numberFromText(const std::string& text)
 {
-    Number read{};
+    Number number{};
     const char* end = text.data() + text.size();
-    auto [rest, error] = std::from_chars(text.data(), end, read);
-    bool fits = error == std::errc() && rest == end && std::isfinite(static_cast<double>(read));
-    if (fits)
-        number = read;
-    return fits;
+    auto [rest, error] = std::from_chars(text.data(), end, number);
+    bool fits = error == std::errc() && rest == end && std::isfinite(static_cast<double>(number));
+    return fits ? std::optional(number) : std::nullopt;
 }
 
 template <class Number>
-bool numberToText(const Number& number, std::string& text)
+std::string numberToText(Number number)
 {
     char digits[32];
-    text.assign(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
-    return true;
+    return {digits, std::to_chars(digits, digits + sizeof digits, number).ptr};
 }
 
-bool boolFromText(const std::string& text, bool& value)
+std::optional<bool> boolFromText(const std::string& text)
 {
-    value = text == "true";
-    return value || text == "false";
-}
-
-bool boolToText(const bool& value, std::string& text)
-{
-    text = value ? "true" : "false";
-    return true;
-}
-
-template <class Whole>
-bool doubleFromWhole(const Whole& whole, double& number)
-{
-    number = static_cast<double>(whole);
-    return true;
+    bool fits = text == "true" || text == "false";
+    return fits ? std::optional(text == "true") : std::nullopt;
 }
 
 /// Only where nothing is lost.
-bool intFromDouble(const double& number, int& whole)
+std::optional<int> intFromDouble(double number)
 {
     using Limits = std::numeric_limits<int>;
     bool fits = number >= Limits::min() && number <= Limits::max() && std::trunc(number) == number;
-    if (fits)
-        whole = static_cast<int>(number);
-    return fits;
+    return fits ? std::optional(static_cast<int>(number)) : std::nullopt;
 }
 
-template <auto... Functions>
-void registerAll()
+template <class Number>
+void registerNumber()
 {
-    (registerTyped<Functions>(Functions), ...);
+    ztRegisterConverter([](const std::string& text) { return numberFromText<Number>(text); });
+    ztRegisterConverter([](Number number) { return numberToText(number); });
 }
 
 std::unordered_map<const ZTMetaType*, const ZTMetaEnum*>& enumerations()
@@ -85,9 +58,14 @@ std::unordered_map<const ZTMetaType*, const ZTMetaEnum*>& enumerations()
 
 void registerConverters()
 {
-    registerAll<&numberFromText<int>, &numberFromText<double>, &boolFromText>();
-    registerAll<&numberToText<int>, &numberToText<long long>, &numberToText<double>, &boolToText>();
-    registerAll<&doubleFromWhole<int>, &doubleFromWhole<long long>, &intFromDouble>();
+    registerNumber<int>();
+    registerNumber<double>();
+    ztRegisterConverter([](long long number) { return numberToText(number); });
+    ztRegisterConverter([](const std::string& text) { return boolFromText(text); });
+    ztRegisterConverter([](bool value) { return std::string(value ? "true" : "false"); });
+    ztRegisterConverter([](int whole) { return static_cast<double>(whole); });
+    ztRegisterConverter([](long long whole) { return static_cast<double>(whole); });
+    ztRegisterConverter([](double number) { return intFromDouble(number); });
 }
 
 std::optional<ZTVariant> convert(const ZTVariant& value, const ZTMetaType& type)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <zintar/converter.h>
 #include <zintar/metaclass.h>
-#include <zintar/metatypeof.h>
 
 #include <optional>
 #include <string>
@@ -38,35 +38,22 @@ std::string_view enumeratorOfValue(const ZTMetaEnum& enumeration, int value);
 template <class Enum>
 inline const ZTMetaEnum* descriptorOf = nullptr;
 
-template <class Enum>
-bool enumFromText(const void* source, void* target)
-{
-    auto value = valueOfEnumerator(*descriptorOf<Enum>, *static_cast<const std::string*>(source));
-    if (value)
-        *static_cast<Enum*>(target) = static_cast<Enum>(*value);
-    return value.has_value();
-}
-
-template <class Enum>
-bool enumToText(const void* source, void* target)
-{
-    int value = static_cast<int>(*static_cast<const Enum*>(source));
-    std::string_view name = enumeratorOfValue(*descriptorOf<Enum>, value);
-    *static_cast<std::string*>(target) = name.empty() ? std::to_string(value) : name;
-    return true;
-}
-
 /// Registers the converters between text and an enumeration that the class declares. The
 /// enumerators are those of its descriptor.
 template <class Owner, class Enum>
 void registerEnumeration()
 {
-    const ZTMetaType& type = ztMetaType<Enum>();
-    descriptorOf<Enum> = describeEnumeration(type, Owner::typeMetaClass());
+    descriptorOf<Enum> = describeEnumeration(ztMetaType<Enum>(), Owner::typeMetaClass());
     if (!descriptorOf<Enum>)
         return;
-    const ZTMetaType& text = ztMetaType<std::string>();
-    zt::detail::ztRegisterConverter(text, type, &enumFromText<Enum>);
-    zt::detail::ztRegisterConverter(type, text, &enumToText<Enum>);
+    ztRegisterConverter([](const std::string& text) -> std::optional<Enum> {
+        auto value = valueOfEnumerator(*descriptorOf<Enum>, text);
+        return value ? std::optional(static_cast<Enum>(*value)) : std::nullopt;
+    });
+    ztRegisterConverter([](Enum enumerator) {
+        int value = static_cast<int>(enumerator);
+        std::string_view name = enumeratorOfValue(*descriptorOf<Enum>, value);
+        return name.empty() ? std::to_string(value) : std::string(name);
+    });
 }
 } // namespace scene

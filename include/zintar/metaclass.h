@@ -48,7 +48,15 @@ std::type_index signatureKey()
 }
 
 template <class Signature>
-struct SignatureOf;
+struct SignatureOf {
+    static std::type_index key()
+    {
+        static_assert(sizeof(Signature*) == 0,
+                      "A signature names the parameters alone: write void(int, double), whatever "
+                      "the method gives.");
+        return typeid(void);
+    }
+};
 template <class... Parameters>
 struct SignatureOf<void(Parameters...)> {
     static std::type_index key() { return signatureKey<Parameters...>(); }

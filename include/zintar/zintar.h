@@ -4,6 +4,7 @@
 /// The whole library. `fwd.h` is enough for a header that only names its types.
 
 #include <zintar/base.h>
+#include <zintar/converter.h>
 #include <zintar/datastream.h>
 #include <zintar/declare.h>
 #include <zintar/dynamicbase.h>

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <zintar/detail/signature.h>
+#include <zintar/metatypeof.h>
+
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+namespace zt::detail
+{
+/// What a converter gives where it may refuse a value, and where it never does.
+template <class Result>
+struct Converted {
+    using type = Result;
+    static constexpr bool always = true;
+};
+template <class T>
+struct Converted<std::optional<T>> {
+    using type = T;
+    static constexpr bool always = false;
+};
+
+template <class Convert>
+concept StatelessCallable =
+    PlainCallable<Convert> && std::is_empty_v<Convert> && std::is_default_constructible_v<Convert>;
+
+/// A converter, and the types of its parameter and result.
+template <class Convert, class Params>
+struct TypedConverter {
+    static_assert(sizeof(Convert) == 0,
+                  "ztRegisterConverter: a converter takes one value, or a reference to const.");
+    static void add() {}
+};
+template <StatelessCallable Convert, class Source>
+    requires(isPlainParameter<Source>)
+struct TypedConverter<Convert, Parameters<Source>> {
+    using Result = typename CallableTraits<Convert>::Result;
+    using Target = Held<typename Converted<Result>::type>;
+
+    static bool convert(const void* source, void* target)
+    {
+        Result result = Convert()(passAs<Source>(*static_cast<const Held<Source>*>(source)));
+        if constexpr (Converted<Result>::always)
+            *static_cast<Target*>(target) = std::move(result);
+        else if (result)
+            *static_cast<Target*>(target) = *std::move(result);
+        else
+            return false;
+        return true;
+    }
+    static void add()
+    {
+        ztRegisterConverter(::ztMetaType<Held<Source>>(), ::ztMetaType<Target>(), &convert);
+    }
+};
+} // namespace zt::detail
+
+/// Registers a conversion, in place of an earlier one between the same two types. From then on a
+/// value of the one is retrieved as the other, wherever a value is taken out of a variant.
+///
+///     ztRegisterConverter([](int whole) { return double(whole); });
+///     ztRegisterConverter([](const std::string& text) -> std::optional<int> { ... });
+///
+/// The types are those of its one parameter and of its result. The opposite direction is another
+/// converter, and nothing is chained through a third type.
+/// @param converter  without captures; one that gives a `std::optional` refuses a value by an empty
+///                   one, and the retrieval gives a default value with a line in the log
+/// Threads: may not run beside other uses of the two types.
+template <class Convert>
+void ztRegisterConverter([[maybe_unused]] Convert converter)
+{
+    static_assert(zt::detail::StatelessCallable<Convert>,
+                  "ztRegisterConverter: a converter is a lambda without captures. Write one around "
+                  "a function.");
+    if constexpr (zt::detail::StatelessCallable<Convert>) {
+        using Params = typename zt::detail::CallableTraits<Convert>::Params;
+        zt::detail::TypedConverter<Convert, Params>::add();
+    }
+}
