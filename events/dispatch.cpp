@@ -165,6 +165,17 @@ bool isReached(const ZTSlotEntry& entry, const ZTMetaInvokable& event)
     return !subscriber || (!subscriber->receivedEventBlockers &&
                            (!subscriber->mayHaveChangedClass || fitsReceiver(*entry.record)));
 }
+/// Calls the handler of a subscription that is not plain, if it is to be called now.
+[[gnu::noinline]] void deliverTo(const ZTSlotEntry& entry, ZTDelivery& delivery,
+                                 ZTEventValues& values)
+{
+    const ZTMetaInvokable& event = *delivery.event();
+    if (!isReached(entry, event))
+        return;
+    if (entry.subscriber)
+        delivery.enterReceiver(*entry.subscriber);
+    callHandler(entry, event, values);
+}
 } // namespace
 
 // What a handler may end, and what may move meanwhile, is not used behind its call.
@@ -183,18 +194,16 @@ void ZTBasePrivate::dispatch(ZTEventSlot& slot, int index, ZTEventValues& values
         if (isOfEvent && isPlain(entry)) [[likely]] {
             delivery.enterReceiver(*entry.subscriber);
             entry.typedHandler->invoke(entry.subscriber->object, nullptr, values.addresses(*event));
-        } else if (isReached(entry, *event)) {
-            if (entry.subscriber)
-                delivery.enterReceiver(*entry.subscriber);
-            callHandler(entry, *event, values);
+        } else {
+            deliverTo(entry, delivery, values);
         }
         delivery.leaveReceiver();
     }
 }
 
-void ZTEventValues::fitTo(const ZTMetaInvokable& event)
+void ZTEventValues::fitToOther(const ZTMetaInvokable& event)
 {
-    if (!m_declared || m_declared == &event || haveSameParameters(*m_declared, event))
+    if (haveSameParameters(*m_declared, event))
         return;
     (void)array();
     m_addresses = nullptr;

@@ -24,16 +24,6 @@ std::shared_ptr<ZTSubscriptionPrivate> ZTEventSlot::take(const ZTSubscriptionPri
     return taken;
 }
 
-const ZTMetaInvokable* ZTEventSlot::eventOf(const ZTBase& sender, int index)
-{
-    const ZTMetaClass* senderClass = sender.metaClass();
-    if (senderClass != m_class) {
-        m_event = senderClass->invokable(static_cast<unsigned int>(index));
-        m_class = senderClass;
-    }
-    return m_event;
-}
-
 void ZTEventSlot::compactIfIdle()
 {
     if (dispatching)

@@ -49,7 +49,15 @@ struct ZTEventSlot {
     [[nodiscard]] std::shared_ptr<ZTSubscriptionPrivate> take(const ZTSubscriptionPrivate& record);
     void compactIfIdle();
     /// The event by the class that the sender has now; null if there is none with that index.
-    const ZTMetaInvokable* eventOf(const ZTBase& sender, int index);
+    const ZTMetaInvokable* eventOf(const ZTBase& sender, int index)
+    {
+        const ZTMetaClass* senderClass = sender.metaClass();
+        if (senderClass != m_class) [[unlikely]] {
+            m_event = senderClass->invokable(static_cast<unsigned int>(index));
+            m_class = senderClass;
+        }
+        return m_event;
+    }
     /// Whether all subscriptions were made to that very event.
     [[nodiscard]] bool isOf(const ZTMetaInvokable& event) const
     {
@@ -143,7 +151,11 @@ struct ZTEventValues {
 
     /// Keeps typed values from being taken for those of `event`, another one at the same index:
     /// the object has got another class since it was declared.
-    void fitTo(const ZTMetaInvokable& event);
+    void fitTo(const ZTMetaInvokable& event)
+    {
+        if (m_declared && m_declared != &event) [[unlikely]]
+            fitToOther(event);
+    }
     const ZTArgumentArray& array();
     void** addresses(const ZTMetaInvokable& event)
     {
@@ -151,6 +163,7 @@ struct ZTEventValues {
     }
 
 private:
+    void fitToOther(const ZTMetaInvokable& event);
     void** makeAddresses(const ZTMetaInvokable& event);
     void collectAddresses(const ZTMetaInvokable& event);
 
