@@ -5,7 +5,6 @@
 #include <zintar/base.h>
 #include <zintar/detail/blocks.h>
 
-#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,14 +25,17 @@ enum class ZTLifeStage : unsigned char {
 
 namespace zt::detail
 {
-struct DynamicProperty {
+struct DynamicProperty : InBlocks {
+    DynamicProperty(std::string_view newName, const ZTVariant& first) : name(newName), value(first)
+    {}
+
     const std::string name;
     ZTVariant value;
 };
 
 /// They do not move and none leaves, so views of the names stay good.
 struct DynamicProperties {
-    std::deque<DynamicProperty> list;
+    std::vector<std::unique_ptr<DynamicProperty>> list;
     NameIndex<DynamicProperty*> byName;
 };
 } // namespace zt::detail

@@ -49,8 +49,8 @@ void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& v
             return;
         property->value = value;
     } else {
-        list.push_back({std::string(name), value});
-        property = &list.back();
+        list.push_back(std::make_unique<zt::detail::DynamicProperty>(name, value));
+        property = list.back().get();
         byName.add(property->name, property);
     }
     object->dynamicPropertyChanged(property->name, value);
@@ -61,6 +61,6 @@ std::vector<std::string_view> ZTBasePrivate::dynamicPropertyNames() const
     std::vector<std::string_view> names;
     if (dynamicProperties)
         for (const auto& property : dynamicProperties->list)
-            names.push_back(property.name);
+            names.push_back(property->name);
     return names;
 }
