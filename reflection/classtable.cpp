@@ -1,16 +1,11 @@
 #include <zintar/detail/classtable.h>
 
-#include "propertyindex.h"
+#include "memberindex.h"
 
 #include <cstring>
 
 namespace zt::detail
 {
-/// The positions of a class's own invokables.
-struct InvokableIndex {
-    NameIndex<int> positions;
-};
-
 namespace
 {
 /// Pointers to member functions of any class have one size and are compared as bytes.
@@ -65,15 +60,18 @@ ClassTable::ClassTable(const ClassDeclaration& declaration) : m_declaration(decl
                               m_declaration.positionByFunction, m_declaration.positionBySignature);
     const ZTStaticMetaClassData* table = this;
     m_descriptor = std::make_unique<ZTStaticMetaClass>(table);
-    indexInvokables();
 }
 
 void ClassTable::indexInvokables()
 {
     m_invokableIndex = std::make_unique<InvokableIndex>();
+    m_descriptor->invokableIndex = m_invokableIndex.get();
     // From the last to the first: of two that fit, the later one is found.
-    for (std::size_t i = m_invokableRecords.size(); i-- > 0;)
-        m_invokableIndex->positions.add(m_invokableRecords[i]->name, static_cast<int>(i));
+    for (std::size_t i = m_invokableRecords.size(); i-- > 0;) {
+        const MemberRecord& member = *m_invokableRecords[i];
+        m_invokableIndex->names.add(member.name,
+                                    {m_invokables[i].index, member.isConst, member.signature()});
+    }
 }
 
 /// With what is inherited from other classes that have an index.
@@ -157,6 +155,7 @@ const ZTMetaClass& ClassTable::link()
     }
     linkChangeEvents();
     indexProperties();
+    indexInvokables();
     return *m_descriptor;
 }
 
@@ -202,10 +201,11 @@ int ClassTable::positionOf(void* function) const
 int ClassTable::positionOf(std::string_view name, bool isConst,
                            const std::type_index& signature) const
 {
-    const int* found = m_invokableIndex->positions.find(name, [&](int position) {
-        const MemberRecord& member = *m_invokableRecords[static_cast<std::size_t>(position)];
-        return member.isConst == isConst && member.signature() == signature;
-    });
-    return found ? *found : -1;
+    for (std::size_t i = m_invokableRecords.size(); i-- > 0;) {
+        const MemberRecord& member = *m_invokableRecords[i];
+        if (member.name == name && member.isConst == isConst && member.signature() == signature)
+            return static_cast<int>(i);
+    }
+    return -1;
 }
 } // namespace zt::detail

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "propertyindex.h"
+#include "memberindex.h"
 
 #include <zintar/metaclass.h>
 

@@ -1,7 +1,7 @@
 #include <zintar/staticmetaclass.h>
 
+#include "memberindex.h"
 #include "memberlookup.h"
-#include "propertyindex.h"
 
 using namespace zt::detail;
 
@@ -142,6 +142,7 @@ ZTStaticMetaClass& ZTStaticMetaClass::operator=(ZTStaticMetaClass&& other) noexc
 {
     data = other.data;
     propertyIndex = nullptr;
+    invokableIndex = nullptr;
     if (this != &other) {
         classInfos = std::move(other.classInfos);
         enums = std::move(other.enums);
@@ -180,8 +181,11 @@ const ZTMetaProperty* ZTStaticMetaClass::property(unsigned int index) const
 
 const ZTMetaProperty* ZTStaticMetaClass::property(std::string_view name) const
 {
-    if (propertyIndex)
-        return propertyIndex->find(name);
+    return propertyIndex ? propertyIndex->find(name) : propertyInTable(name);
+}
+
+const ZTMetaProperty* ZTStaticMetaClass::propertyInTable(std::string_view name) const
+{
     return memberNamed<ZTMetaProperty>(
         properties, [&](const auto& property) { return property.name() == name; }, data->superClass,
         [&](const ZTMetaClass& super) { return super.property(name); });
@@ -197,11 +201,28 @@ const ZTMetaInvokable* ZTStaticMetaClass::invokable(unsigned int index) const
 int ZTStaticMetaClass::indexOfInvokable(std::string_view name, bool isConst,
                                         const std::type_index& signature) const
 {
+    if (!invokableIndex)
+        return indexInTable(name, isConst, signature);
+    const auto* own = invokableIndex->names.find(name, [&](const auto& invokable) {
+        return invokable.isConst == isConst && invokable.signature == signature;
+    });
+    return own ? own->index : indexInSuperClass(name, isConst, signature);
+}
+
+int ZTStaticMetaClass::indexInTable(std::string_view name, bool isConst,
+                                    const std::type_index& signature) const
+{
     if (data->indexOfInvokableBySignature) {
         int own = data->indexOfInvokableBySignature(this, name, isConst, signature);
         if (own >= 0)
             return own + static_cast<int>(data->invokableOffset);
     }
+    return indexInSuperClass(name, isConst, signature);
+}
+
+int ZTStaticMetaClass::indexInSuperClass(std::string_view name, bool isConst,
+                                         const std::type_index& signature) const
+{
     const ZTMetaClass* super = data->superClass;
     return super ? super->indexOfInvokable(name, isConst, signature) : -1;
 }

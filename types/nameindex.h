@@ -20,22 +20,25 @@ struct NameKey {
         } else if (size >= 4) {
             first = read<std::uint32_t>(text);
             last = read<std::uint32_t>(text + size - 4);
-        } else {
-            for (std::size_t i = 0; i < size; ++i)
-                first = first << 8 | static_cast<unsigned char>(text[i]);
+        } else if (size > 0) {
+            // One to three letters, some of them twice.
+            first = letter(0) | letter(size / 2) << 8 | letter(size - 1) << 16;
         }
     }
     bool operator==(const NameKey& other) const noexcept
     {
         return first == other.first && last == other.last && size == other.size &&
-               (size <= 16 || hasSameText(other));
+               (size <= shortSize || hasSameText(other));
     }
     /// Well mixed in its upper half.
     [[nodiscard]] std::uint64_t hash() const noexcept
     {
         std::uint64_t mixed = (first ^ size) * 0x9E3779B97F4A7C15u ^ last * 0xD6E8FEB86659FD93u;
-        return size <= 16 ? mixed : mixedWithMiddle(mixed);
+        return size <= shortSize ? mixed : mixedWithMiddle(mixed);
     }
+
+    /// Up to here the beginning and the end are all of it.
+    static constexpr std::size_t shortSize = 16;
 
     const char* text;
     std::size_t size;
@@ -53,6 +56,10 @@ private:
     [[gnu::noinline]] bool hasSameText(const NameKey& other) const noexcept
     {
         return std::memcmp(text, other.text, size) == 0;
+    }
+    [[nodiscard]] std::uint64_t letter(std::size_t position) const noexcept
+    {
+        return static_cast<unsigned char>(text[position]);
     }
     template <class Integer>
     static Integer read(const char* bytes) noexcept
@@ -80,17 +87,11 @@ public:
     }
     /// The first thing with that name that `fits`, or null.
     template <class Fits>
-    [[nodiscard]] const Thing* find(std::string_view name, Fits fits) const
+    [[nodiscard, gnu::always_inline]] inline const Thing* find(std::string_view name,
+                                                               Fits fits) const
     {
-        if (m_entries.empty())
-            return nullptr;
-        const NameKey key(name);
-        for (std::size_t i = placeOf(key); m_places[i] != 0; i = next(i)) {
-            const Entry& entry = m_entries[m_places[i] - 1];
-            if (entry.key == key && fits(entry.thing))
-                return &entry.thing;
-        }
-        return nullptr;
+        // Apart, since the calls for a long name would slow down the search for others.
+        return name.size() <= NameKey::shortSize ? search(name, fits) : searchLong(name, fits);
     }
     [[nodiscard]] const Thing* find(std::string_view name) const
     {
@@ -103,6 +104,25 @@ private:
         Thing thing;
     };
 
+    template <class Fits>
+    [[nodiscard, gnu::always_inline]] inline const Thing* search(std::string_view name,
+                                                                 Fits fits) const
+    {
+        if (m_entries.empty())
+            return nullptr;
+        const NameKey key(name);
+        for (std::size_t i = placeOf(key); m_places[i] != 0; i = next(i)) {
+            const Entry& entry = m_entries[m_places[i] - 1];
+            if (entry.key == key && fits(entry.thing))
+                return &entry.thing;
+        }
+        return nullptr;
+    }
+    template <class Fits>
+    [[nodiscard, gnu::noinline]] const Thing* searchLong(std::string_view name, Fits fits) const
+    {
+        return search(name, fits);
+    }
     [[nodiscard]] std::size_t placeOf(const NameKey& key) const
     {
         return static_cast<std::size_t>(key.hash() >> 32) & m_mask;

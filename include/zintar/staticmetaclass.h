@@ -17,6 +17,7 @@
 namespace zt::detail
 {
 class ClassTable;
+struct InvokableIndex;
 struct PropertyIndex;
 
 // clang-format off
@@ -256,10 +257,17 @@ protected:
 private:
     friend class zt::detail::ClassTable;
 
+    [[nodiscard]] const ZTMetaProperty* propertyInTable(std::string_view name) const;
+    [[nodiscard]] int indexInTable(std::string_view name, bool isConst,
+                                   const std::type_index& signature) const;
+    [[nodiscard]] int indexInSuperClass(std::string_view name, bool isConst,
+                                        const std::type_index& signature) const;
+
     const zt::detail::ZTStaticMetaClassData* data;
-    /// Over a table that the library has to itself; otherwise null, since a host may change the
-    /// names in a table of its own.
+    // Over a table that the library has to itself; otherwise null, since a host may change the
+    // names in a table of its own.
     const zt::detail::PropertyIndex* propertyIndex = nullptr;
+    const zt::detail::InvokableIndex* invokableIndex = nullptr;
     std::vector<ZTStaticMetaClassInfo> classInfos;
     std::vector<ZTStaticMetaEnum> enums;
     std::vector<ZTStaticMetaProperty> properties;

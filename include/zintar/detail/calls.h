@@ -19,22 +19,48 @@ namespace zt::detail
 template <class C>
 inline constexpr bool isObjectClass = std::is_base_of_v<ZTBase, C>;
 
-/// Whether the object really is one of that class. Remembers the last class that was.
+// The way of an object into a function goes through two questions, each of which remembers the last
+// answer that was yes: whether the pointer may come along the class tree, and whether the object
+// really is one of the class.
+
+template <class Object>
+inline std::atomic<const ZTMetaType*> knownPointerType = nullptr;
+template <class Class>
+inline std::atomic<const std::type_info*> knownObjectClass = nullptr;
+
+template <class Class>
+[[gnu::noinline]] bool isNewlyObjectOf(const ZTBase& object)
+{
+    if (!dynamic_cast<const Class*>(&object))
+        return false;
+    knownObjectClass<Class>.store(&typeid(object), std::memory_order_relaxed);
+    return true;
+}
+
 template <class Class>
 bool isObjectOf(const ZTBase& object)
 {
-    if constexpr (std::is_same_v<Class, ZTBase>) {
+    if constexpr (std::is_same_v<Class, ZTBase>)
         return true;
-    } else {
-        static std::atomic<const std::type_info*> known = nullptr;
-        const std::type_info* type = &typeid(object);
-        if (known.load(std::memory_order_relaxed) == type)
-            return true;
-        if (!dynamic_cast<const Class*>(&object))
-            return false;
-        known.store(type, std::memory_order_relaxed);
-        return true;
+    else
+        return &typeid(object) == knownObjectClass<Class>.load(std::memory_order_relaxed) ||
+               isNewlyObjectOf<Class>(object);
+}
+
+/// What `objectIn` does when one of the two questions has to be asked anew.
+template <class Object>
+[[gnu::noinline]] Object* objectOtherwise(const ZTVariant& object)
+{
+    const ZTMetaType& type = object.type();
+    auto* pointer = ztVariantValue<Object*>(object);
+    const void* address = pointer;
+    if (pointer && !isObjectOf<std::remove_const_t<Object>>(*static_cast<const ZTBase*>(address))) {
+        warnFailedConversion(askedName<Object*>(), type);
+        return nullptr;
     }
+    if (pointer && comesAlongClassTree(type, ::ztMetaType<Object*>()))
+        knownPointerType<Object>.store(&type, std::memory_order_relaxed);
+    return pointer;
 }
 
 /// The object that a variant points to, as the class that declares the member.
@@ -45,25 +71,14 @@ bool isObjectOf(const ZTBase& object)
 template <class Object>
 Object* objectIn(const ZTVariant& object)
 {
-    using Class = std::remove_const_t<Object>;
-    // The last type of pointer that came along the class tree: the way need not be gone again.
-    static std::atomic<const ZTMetaType*> known = nullptr;
-    const ZTMetaType* type = &object.type();
-    if (type == known.load(std::memory_order_relaxed) && object.data()) {
+    if (&object.type() == knownPointerType<Object>.load(std::memory_order_relaxed) &&
+        object.data()) {
         // The `ZTBase` stands first in every object.
         auto* base = const_cast<ZTBase*>(*static_cast<const ZTBase* const*>(object.data()));
-        if (base && isObjectOf<Class>(*base))
+        if (base && isObjectOf<std::remove_const_t<Object>>(*base))
             return static_cast<Object*>(base);
     }
-    auto* pointer = ztVariantValue<Object*>(object);
-    const void* address = pointer;
-    if (pointer && !isObjectOf<Class>(*static_cast<const ZTBase*>(address))) {
-        warnFailedConversion(askedName<Object*>(), *type);
-        return nullptr;
-    }
-    if (pointer && comesAlongClassTree(*type, ::ztMetaType<Object*>()))
-        known.store(type, std::memory_order_relaxed);
-    return pointer;
+    return objectOtherwise<Object>(object);
 }
 
 /// What a function gives, as a variant.

@@ -38,8 +38,6 @@ constexpr MemberIdentity memberIdentity()
     return {valueProbe<Member>(), typeProbe<decltype(Member)>()};
 }
 
-struct InvokableIndex;
-
 /// One member as the class declares it. What does not apply to its kind is empty.
 struct MemberRecord {
     MemberKind kind = MemberKind::Info;

@@ -4,6 +4,9 @@
 
 #include <zintar/metaclass.h>
 
+#include <string_view>
+#include <typeindex>
+
 namespace zt::detail
 {
 /// The properties of a class and of the super classes up to `beyond`, which is asked for others.
@@ -24,5 +27,15 @@ struct PropertyIndex {
 
     NameIndex<const ZTMetaProperty*> names;
     const ZTMetaClass* beyond = nullptr;
+};
+
+/// The invokables that a class declares itself.
+struct InvokableIndex {
+    struct Invokable {
+        int index; ///< class-wide
+        bool isConst;
+        std::type_index signature;
+    };
+    NameIndex<Invokable> names;
 };
 } // namespace zt::detail
