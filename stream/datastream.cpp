@@ -1,91 +1,62 @@
-#include <zintar/datastream.h>
+#include "datastreamprivate.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <new>
-#include <typeinfo>
 #include <utility>
 
-// The states are those of a string stream opened for reading and writing:
-// 1. `good` means that neither flag is set; once one is set, `read` and `write` do nothing.
-// 2. A read that finds too few bytes takes them and sets both flags.
-// 3. No operation clears a flag.
-struct ZTDataStreamPrivate {
-    /// The record of a stream whose medium it is: null where a derived class may have put another
-    /// one under the operators. Theirs is the virtual call, the others go straight to the bytes.
-    static ZTDataStreamPrivate* ofPlain(const ZTDataStream& stream)
-    {
-        return typeid(stream) == typeid(ZTDataStream) ? stream.priv : nullptr;
-    }
+void ZTDataStreamPrivate::assign(std::string_view text)
+{
+    if (text.size() > capacity)
+        grow(text.size());
+    std::copy(text.begin(), text.end(), bytes);
+    size = text.size();
+    readPosition = 0;
+    writePosition = 0;
+}
 
-    void assign(std::string_view text)
-    {
-        if (text.size() > capacity)
-            grow(text.size());
-        std::copy(text.begin(), text.end(), bytes.get());
-        size = text.size();
-        readPosition = 0;
-        writePosition = 0;
-    }
-    void write(const char* source, std::size_t count)
-    {
-        if (pastEnd || count == 0)
-            return;
-        if (count > capacity - writePosition)
-            grow(std::max({writePosition + count, 2 * capacity, std::size_t(64)}));
-        std::memcpy(bytes.get() + writePosition, source, count);
-        writePosition += count;
-        size = std::max(size, writePosition);
-    }
-    void read(char* target, std::size_t count)
-    {
-        if (pastEnd || count == 0)
-            return;
-        if (count > size - readPosition)
-            return readTheRest(target);
-        std::memcpy(target, bytes.get() + readPosition, count);
-        readPosition += count;
-    }
-    [[gnu::noinline]] void readTheRest(char* target)
-    {
-        std::copy(bytes.get() + readPosition, bytes.get() + size, target);
-        readPosition = size;
-        pastEnd = true;
-    }
-    void readText(std::string& text, std::uint64_t length)
-    {
-        pastEnd = pastEnd || length > size - readPosition;
-        if (pastEnd)
-            return text.clear();
-        text.assign(bytes.get() + readPosition, length);
-        readPosition += length;
-    }
-    [[gnu::noinline]] void grow(std::size_t wanted)
-    {
-        auto* grown = static_cast<char*>(std::realloc(bytes.get(), wanted));
-        if (!grown)
-            throw std::bad_alloc();
-        (void)bytes.release();
-        bytes.reset(grown);
-        capacity = wanted;
-    }
+void ZTDataStreamPrivate::takeOver(std::string&& text)
+{
+    taken = std::move(text);
+    block.reset();
+    bytes = taken.data();
+    capacity = taken.size();
+    size = taken.size();
+    readPosition = 0;
+    writePosition = 0;
+}
 
-    struct Free {
-        void operator()(char* block) const { std::free(block); }
-    };
-    // Of `malloc`, since a large block grows there without being copied.
-    std::unique_ptr<char, Free> bytes;
-    std::size_t capacity = 0;
-    std::size_t size = 0;
-    std::size_t readPosition = 0;
-    std::size_t writePosition = 0;
-    bool pastEnd = false;
-};
+void ZTDataStreamPrivate::write(const char* source, std::size_t count)
+{
+    if (pastEnd || count == 0)
+        return;
+    if (!hasRoom(count))
+        grow(std::max({writePosition + count, 2 * capacity, std::size_t(64)}));
+    std::copy_n(source, count, extend(count));
+}
+
+void ZTDataStreamPrivate::read(char* target, std::size_t count)
+{
+    if (pastEnd || count == 0)
+        return;
+    pastEnd = count > size - readPosition;
+    const std::size_t given = std::min(count, size - readPosition);
+    std::copy_n(take(given), given, target);
+}
+
+void ZTDataStreamPrivate::grow(std::size_t wanted)
+{
+    auto* grown = static_cast<char*>(std::realloc(block.get(), wanted));
+    if (!grown)
+        throw std::bad_alloc();
+    if (!block)
+        std::copy_n(bytes, size, grown); // out of the string, if there is one
+    (void)block.release();
+    block.reset(grown);
+    taken = std::string();
+    bytes = grown;
+    capacity = wanted;
+}
 
 ZTDataStream::ZTDataStream() : priv(new ZTDataStreamPrivate) {}
 ZTDataStream::ZTDataStream(ZTDataStream&& other) noexcept : priv(std::exchange(other.priv, nullptr))
@@ -93,9 +64,17 @@ ZTDataStream::ZTDataStream(ZTDataStream&& other) noexcept : priv(std::exchange(o
 
 ZTDataStream::~ZTDataStream() { delete priv; }
 
-std::string ZTDataStream::data() const { return {priv->bytes.get(), priv->size}; }
+std::string ZTDataStream::data() const { return {priv->bytes, priv->size}; }
 
 void ZTDataStream::setData(const std::string& bytes) { priv->assign(bytes); }
+
+void ZTDataStream::setData(std::string&& bytes)
+{
+    if (auto* plain = ZTDataStreamPrivate::ofPlain(*this))
+        plain->takeOver(std::move(bytes));
+    else
+        setData(std::as_const(bytes));
+}
 
 bool ZTDataStream::atEnd() const { return priv->pastEnd; }
 
@@ -113,44 +92,83 @@ ZTDataStream& ZTDataStream::read(char* bytes, unsigned int count)
 
 bool ZTDataStream::good() const { return !priv->pastEnd; }
 
+using zt::detail::BytesOf;
+using zt::detail::fromBytes;
+using zt::detail::toBytes;
+
 namespace
 {
-/// The bytes of `value` with the least significant one first, or the way back.
+// Each operator has a short way, for a plain stream that has the bytes or the room. The long way
+// stands apart, so that the short one needs no frame.
+
 template <class T>
-void toLittleEndian(char* bytes)
+[[gnu::noinline]] ZTDataStream& writeTheLongWay(ZTDataStream& stream, T value)
 {
-    if constexpr (std::endian::native == std::endian::big)
-        std::reverse(bytes, bytes + sizeof(T));
-    else
-        (void)bytes;
+    const auto bytes = toBytes(value);
+    stream.write(bytes.data(), bytes.size());
+    return stream;
 }
 
 template <class T>
 ZTDataStream& writeValue(ZTDataStream& stream, T value)
 {
-    std::array<char, sizeof(T)> bytes;
-    std::memcpy(bytes.data(), &value, sizeof(T));
-    toLittleEndian<T>(bytes.data());
-    if (auto* priv = ZTDataStreamPrivate::ofPlain(stream))
-        priv->write(bytes.data(), sizeof(T));
-    else
-        stream.write(bytes.data(), sizeof(T));
+    auto* plain = ZTDataStreamPrivate::ofPlain(stream);
+    if (!plain || !plain->hasRoom(sizeof(T))) [[unlikely]]
+        return writeTheLongWay(stream, value);
+    const auto bytes = toBytes(value);
+    std::copy(bytes.begin(), bytes.end(), plain->extend(bytes.size()));
     return stream;
 }
 
 /// What the stream does not give keeps the bytes of the old value.
 template <class T>
+[[gnu::noinline]] ZTDataStream& readTheLongWay(ZTDataStream& stream, T& value)
+{
+    auto bytes = toBytes(value);
+    stream.read(bytes.data(), bytes.size());
+    value = fromBytes<T>(bytes);
+    return stream;
+}
+
+template <class T>
 ZTDataStream& readValue(ZTDataStream& stream, T& value)
 {
-    std::array<char, sizeof(T)> bytes;
-    std::memcpy(bytes.data(), &value, sizeof(T));
-    toLittleEndian<T>(bytes.data());
-    if (auto* priv = ZTDataStreamPrivate::ofPlain(stream))
-        priv->read(bytes.data(), sizeof(T));
-    else
-        stream.read(bytes.data(), sizeof(T));
-    toLittleEndian<T>(bytes.data());
-    std::memcpy(&value, bytes.data(), sizeof(T));
+    auto* plain = ZTDataStreamPrivate::ofPlain(stream);
+    if (!plain || !plain->has(sizeof(T))) [[unlikely]]
+        return readTheLongWay(stream, value);
+    BytesOf<T> bytes;
+    std::copy_n(plain->take(sizeof(T)), sizeof(T), bytes.data());
+    value = fromBytes<T>(bytes);
+    return stream;
+}
+
+/// The number of bytes of a text; what is longer than one call can write is outside the format.
+unsigned int writtenCount(std::string_view text) { return static_cast<unsigned int>(text.size()); }
+
+[[gnu::noinline]] ZTDataStream& writeTheLongWay(ZTDataStream& stream, std::string_view text)
+{
+    writeValue<std::uint64_t>(stream, text.size());
+    stream.write(text.data(), writtenCount(text));
+    return stream;
+}
+
+[[gnu::noinline]] ZTDataStream& readTheLongWay(ZTDataStream& stream, std::string& text)
+{
+    std::uint64_t length = 0;
+    readValue(stream, length);
+    text.clear();
+    // Piece by piece: the length is not to be trusted before its bytes have been seen, and only a
+    // read can tell how many there still are.
+    constexpr std::uint64_t piece = 4096;
+    while (stream.good() && length > 0) {
+        auto size = static_cast<unsigned int>(std::min(length, piece));
+        std::size_t before = text.size();
+        text.resize(before + size);
+        stream.read(text.data() + before, size);
+        length -= size;
+    }
+    if (!stream.good())
+        text.clear();
     return stream;
 }
 } // namespace
@@ -200,30 +218,22 @@ ZTDataStream& operator<<(ZTDataStream& stream, const std::string& text)
 
 ZTDataStream& operator<<(ZTDataStream& stream, std::string_view text)
 {
-    writeValue<std::uint64_t>(stream, text.size());
-    return stream.write(text.data(), static_cast<unsigned int>(text.size()));
+    const auto length = toBytes<std::uint64_t>(text.size());
+    const std::size_t count = writtenCount(text);
+    auto* plain = ZTDataStreamPrivate::ofPlain(stream);
+    if (!plain || !plain->hasRoom(length.size() + count)) [[unlikely]]
+        return writeTheLongWay(stream, text);
+    char* target = plain->extend(length.size() + count);
+    std::copy_n(text.data(), count, std::copy(length.begin(), length.end(), target));
+    return stream;
 }
 
 ZTDataStream& operator>>(ZTDataStream& stream, std::string& text)
 {
-    std::uint64_t length = 0;
-    readValue(stream, length);
-    if (auto* priv = ZTDataStreamPrivate::ofPlain(stream)) {
-        priv->readText(text, length);
-        return stream;
-    }
-    text.clear();
-    // Piece by piece: the length is not to be trusted before its bytes have been seen, and only a
-    // read can tell how many a derived class still has.
-    constexpr std::uint64_t piece = 4096;
-    while (stream.good() && length > 0) {
-        auto size = static_cast<unsigned int>(std::min(length, piece));
-        std::size_t before = text.size();
-        text.resize(before + size);
-        stream.read(text.data() + before, size);
-        length -= size;
-    }
-    if (!stream.good())
-        text.clear();
+    auto* plain = ZTDataStreamPrivate::ofPlain(stream);
+    auto whole = plain ? plain->takeText() : std::nullopt;
+    if (!whole) [[unlikely]]
+        return readTheLongWay(stream, text);
+    text.assign(*whole);
     return stream;
 }

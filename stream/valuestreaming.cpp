@@ -1,4 +1,5 @@
 #include "../types/metatypeprivate.h"
+#include "datastreamprivate.h"
 
 #include <zintar/datastream.h>
 #include <zintar/log.h>
@@ -6,32 +7,38 @@
 
 ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaType& type)
 {
-    return stream << ZTMetaTypePrivate::of(type).name;
-}
-
-ZTDataStream& operator>>(ZTDataStream& stream, const ZTMetaType*& type)
-{
-    std::string name;
-    stream >> name;
-    type = &ztMetaType(name);
-    if (!*type && name != ZTMetaTypePrivate::of(*type).name)
-        ztLog("Zintar: ZTMetaType deserialization failed. Did not find meta type with name \"" +
-                  name + "\".",
-              ZTLogType::Warning);
-    return stream;
-}
-
-ZTDataStream& operator<<(ZTDataStream& stream, const ZTVariant& variant)
-{
-    stream << variant.type();
-    if (variant.isValid() && !variant.type().serialize(stream, variant.data()))
-        ztLog("Zintar: ZTVariant serialization failed for type " + variant.type().name() + ".",
-              ZTLogType::Warning);
-    return stream;
+    return stream << std::string_view(ZTMetaTypePrivate::of(type).name);
 }
 
 namespace
 {
+/// The type that a stream names; the invalid one with a warning where nobody bears the name.
+const ZTMetaType& typeOnStream(std::string_view name)
+{
+    if (const ZTMetaType* found = ztMetaTypeRegistry().find(name))
+        return *found;
+    const ZTMetaType& bad = ZTMetaType::ZTBadMetaType;
+    if (name != ZTMetaTypePrivate::of(bad).name)
+        ztLog("Zintar: ZTMetaType deserialization failed. Did not find meta type with name \"" +
+                  std::string(name) + "\".",
+              ZTLogType::Warning);
+    return bad;
+}
+
+/// Of a stream whose medium is another one, or that does not hold all of the name.
+[[gnu::noinline]] const ZTMetaType& readTypeTheLongWay(ZTDataStream& stream)
+{
+    std::string name;
+    stream >> name;
+    return typeOnStream(name);
+}
+
+[[gnu::noinline]] void warnOfValue(std::string_view operation, const std::string& typeName)
+{
+    ztLog("Zintar: ZTVariant " + std::string(operation) + " failed for type " + typeName + ".",
+          ZTLogType::Warning);
+}
+
 /// How deep variants are nested in the one that is being read. A damaged stream can nest them as
 /// often as it has bytes for, which the call stack must not have to bear.
 class NestingDepth
@@ -49,6 +56,32 @@ private:
 };
 } // namespace
 
+ZTDataStream& operator>>(ZTDataStream& stream, const ZTMetaType*& type)
+{
+    auto* plain = ZTDataStreamPrivate::ofPlain(stream);
+    const auto name = plain ? plain->takeText() : std::nullopt;
+    if (!name) [[unlikely]] {
+        type = &readTypeTheLongWay(stream);
+        return stream;
+    }
+    const ZTMetaType*& last = plain->lastType;
+    if (!last || *name != ZTMetaTypePrivate::of(*last).name)
+        last = &typeOnStream(*name);
+    type = last;
+    return stream;
+}
+
+ZTDataStream& operator<<(ZTDataStream& stream, const ZTVariant& variant)
+{
+    const ZTMetaTypePrivate& type = ZTMetaTypePrivate::of(variant.type());
+    stream << std::string_view(type.name);
+    if (type.serialize)
+        type.serialize(stream, variant.data());
+    else if (variant.isValid())
+        warnOfValue("serialization", type.name);
+    return stream;
+}
+
 ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant)
 {
     const ZTMetaType* type = nullptr;
@@ -59,10 +92,12 @@ ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant)
     }
     NestingDepth nesting;
     variant = ZTVariant(*type, nullptr);
-    if (NestingDepth::isTooDeep() || !type->deserialize(stream, variant.data())) {
+    const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(*type);
+    if (NestingDepth::isTooDeep() || !record.deserialize) {
         variant.reset();
-        ztLog("Zintar: ZTVariant deserialization failed for type " + type->name() + ".",
-              ZTLogType::Warning);
+        warnOfValue("deserialization", record.name);
+        return stream;
     }
+    record.deserialize(stream, variant.data());
     return stream;
 }

@@ -69,9 +69,17 @@ TEST(DataStream, ReadsAndWritesAtPositionsOfTheirOwn)
     EXPECT_EQ(byte, '4');
     moved << byte;
     EXPECT_EQ(moved.data(), "X43214");
-    moved.setData("ab"); // from the first byte again
-    moved << byte >> byte;
-    EXPECT_EQ(moved.data() + static_cast<char>(byte), "4b4");
+    const std::string kept = "ab";
+    for (bool copied : {true, false}) { // from the first byte again
+        if (copied)
+            moved.setData(kept);
+        else
+            moved.setData(std::string(kept));
+        moved << byte >> byte;
+        EXPECT_EQ(moved.data() + static_cast<char>(byte), "4b4");
+        moved << 0x31323334;
+        EXPECT_EQ(moved.data(), "44321");
+    }
 }
 
 /// A medium of its own: the bytes are kept backwards, and `good` is its own as well.
@@ -95,6 +103,7 @@ public:
         return *this;
     }
     bool good() const override { return !failed; }
+    void setData(const std::string& text) override { bytes.assign(text.rbegin(), text.rend()); }
 
     std::string bytes;
     bool failed = false;
@@ -112,6 +121,8 @@ TEST(DerivedStream, ChangesTheMediumOfEveryOperator)
     EXPECT_TRUE(text == "abc" && number == 0x1234 && !!stream);
     stream >> number;
     EXPECT_TRUE(!stream && !stream());
+    static_cast<ZTDataStream&>(stream).setData(std::string("ab"));
+    EXPECT_EQ(stream.bytes, "ba");
 }
 
 TEST(AnyStream, ReadsALongText)

@@ -40,6 +40,8 @@ public:
     [[nodiscard]] virtual std::string data() const;
     /// Replaces the bytes; both positions stand at the first one then. A failed stream stays so.
     virtual void setData(const std::string& bytes);
+    /// The same, without a copy where the stream can keep the string itself.
+    void setData(std::string&& bytes);
     /// True once a read has tried to go past the end; false still after the last byte was read.
     [[nodiscard]] virtual bool atEnd() const;
     virtual ZTDataStream& write(const char* bytes, unsigned int count);
