@@ -82,8 +82,9 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     void pointReferencesTo(ZTBase* newObject);
 
     // Properties: properties.cpp.
-    ZTVariant dynamicProperty(std::string_view name) const;
+    zt::detail::DynamicProperty* findDynamicProperty(std::string_view name) const;
     void setDynamicProperty(std::string_view name, const ZTVariant& value);
+    zt::detail::DynamicProperty& addDynamicProperty(std::string_view name, const ZTVariant& value);
     std::vector<std::string_view> dynamicPropertyNames() const;
 
     // Events, in the folder of that name.

@@ -2,28 +2,37 @@
 
 #include <zintar/detail/lent.h>
 
+using zt::detail::LentVariant;
+
 ZTVariant ZTBase::property(std::string_view name) const
 {
-    if (!priv)
-        return {};
-    const ZTBase* self = this;
-    if (const ZTMetaProperty* declared = metaClass()->property(name))
-        return declared->get(zt::detail::LentVariant(self));
-    return priv->dynamicProperty(name);
+    if (const ZTMetaProperty* declared = declaredProperty(name))
+        return declared->get(LentVariant(this));
+    const ZTVariant* own = dynamicProperty(name);
+    return own ? *own : ZTVariant();
 }
 
 bool ZTBase::setProperty(std::string_view name, const ZTVariant& value, bool createDynamic)
 {
-    if (!priv)
-        return false;
-    ZTBase* self = this;
-    if (const ZTMetaProperty* declared = metaClass()->property(name)) {
-        declared->set(zt::detail::LentVariant(self), value);
+    if (const ZTMetaProperty* declared = declaredProperty(name)) {
+        declared->set(LentVariant(this), value);
         return true;
     }
-    if (createDynamic)
-        priv->setDynamicProperty(name, value);
-    return createDynamic;
+    if (!createDynamic || !priv)
+        return false;
+    priv->setDynamicProperty(name, value);
+    return true;
+}
+
+const ZTMetaProperty* ZTBase::declaredProperty(std::string_view name) const
+{
+    return priv ? metaClass()->property(name) : nullptr;
+}
+
+const ZTVariant* ZTBase::dynamicProperty(std::string_view name) const
+{
+    const auto* found = priv ? priv->findDynamicProperty(name) : nullptr;
+    return found ? &found->value : nullptr;
 }
 
 std::vector<std::string_view> ZTBase::dynamicProperties() const
@@ -31,29 +40,35 @@ std::vector<std::string_view> ZTBase::dynamicProperties() const
     return priv ? priv->dynamicPropertyNames() : std::vector<std::string_view>();
 }
 
-ZTVariant ZTBasePrivate::dynamicProperty(std::string_view name) const
+zt::detail::DynamicProperty* ZTBasePrivate::findDynamicProperty(std::string_view name) const
 {
     const auto* found = dynamicProperties ? dynamicProperties->byName.find(name) : nullptr;
-    return found ? (*found)->value : ZTVariant();
+    return found ? *found : nullptr;
 }
 
 void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& value)
 {
+    zt::detail::DynamicProperty* property = findDynamicProperty(name);
+    if (!property)
+        property = &addDynamicProperty(name, value);
+    else if (property->value != value) // may run code of the host, which may add properties
+        property->value = value;
+    else
+        return;
+    if (eventSlots)
+        object->dynamicPropertyChanged(property->name, value);
+}
+
+zt::detail::DynamicProperty& ZTBasePrivate::addDynamicProperty(std::string_view name,
+                                                               const ZTVariant& value)
+{
     if (!dynamicProperties)
         dynamicProperties = std::make_unique<zt::detail::DynamicProperties>();
     auto& [list, byName] = *dynamicProperties;
-    zt::detail::DynamicProperty* property = nullptr;
-    if (const auto* found = byName.find(name)) {
-        property = *found;
-        if (!(property->value != value)) // may run code of the host, which may add properties
-            return;
-        property->value = value;
-    } else {
-        list.push_back(std::make_unique<zt::detail::DynamicProperty>(name, value));
-        property = list.back().get();
-        byName.add(property->name, property);
-    }
-    object->dynamicPropertyChanged(property->name, value);
+    zt::detail::DynamicProperty& property =
+        *list.emplace_back(std::make_unique<zt::detail::DynamicProperty>(name, value));
+    byName.add(property.name, &property);
+    return property;
 }
 
 std::vector<std::string_view> ZTBasePrivate::dynamicPropertyNames() const

@@ -128,6 +128,16 @@ TEST_F(Properties, ComparisonAddsProperties)
     EXPECT_EQ(observer.dynamicProperties().size(), 101U);
 }
 
+TEST_F(Properties, ConversionReplacesTheValue)
+{
+    ztRegisterConverter([](const Meddler& value) {
+        value.object->setProperty("x", 2, true);
+        return value.object->property<int>("x");
+    });
+    observer.setProperty("x", Meddler{&observer}, true);
+    EXPECT_EQ(observer.property<int>("x"), 2);
+}
+
 TEST_F(Properties, ThrowingCopyLosesNothing)
 {
     using support::Counted;

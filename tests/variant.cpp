@@ -60,6 +60,12 @@ TEST(Variant, WithoutABlockIsComparedPrintedAndCopied)
     EXPECT_TRUE(!none.data() && none != ZTVariant(Pin(5)) && ZTVariant(Pin(5)) != none);
     EXPECT_EQ(ZTVariant(none).data(), nullptr);
     EXPECT_EQ(printed(none), "ZTVariant(" + none.type().name() + ", )");
+    const ZTVariant six(Pin(6));
+    ZTVariant pin(Pin(5));
+    for (const ZTVariant* next : {&six, &none, &six}) {
+        pin = *next;
+        EXPECT_TRUE(next == &none ? !pin.data() : pin == six && pin.data() != six.data());
+    }
     // A type that cannot copy but makes a default value is asked for one.
     std::unique_ptr<int> source;
     const ZTVariant uncopied(ztMetaType<std::unique_ptr<int>>(), &source);

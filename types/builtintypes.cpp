@@ -32,7 +32,7 @@ void registerUnsignedLong()
     using Functions = TypeFunctions<ZTULong>;
     ztRegisterMetaType(typeid(ZTULong), ztTypeName<ZTULong>(), "unsigned long", Functions::create(),
                        Functions::destroy(), Functions::createDefault(), Functions::compare(),
-                       nullptr, nullptr, Functions::print(), nullptr, true);
+                       nullptr, nullptr, Functions::print(), nullptr, true, Functions::assign());
 }
 
 /// A type without any function: no variant of it holds a block.

@@ -135,7 +135,8 @@ const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_vie
                                      DestroyFunction destroy, CreateDefaultFunction createDefault,
                                      CompareFunction compare, SerializeFunction serialize,
                                      DeserializeFunction deserialize, PrintFunction print,
-                                     const ZTMetaClass* metaClass, bool inBlocks)
+                                     const ZTMetaClass* metaClass, bool inBlocks,
+                                     AssignFunction assign)
 {
     ZTMetaTypeRegistry& registry = ztMetaTypeRegistry();
     const ZTMetaType* handle = ztMetaType(type);
@@ -143,6 +144,7 @@ const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_vie
         auto* record = new ZTMetaTypePrivate(name, type, create, destroy, createDefault, compare,
                                              serialize, deserialize, print, metaClass);
         record->isInBlocks = inBlocks;
+        record->assign = assign;
         handle = &registry.add(record);
     }
     registry.addAlias(*handle, alias);

@@ -35,6 +35,7 @@ struct ZTMetaTypePrivate {
     zt::detail::DeserializeFunction deserialize;
     zt::detail::PrintFunction print;
     bool isInBlocks = false;
+    zt::detail::AssignFunction assign = nullptr;
     std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersTo;
     std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersFrom;
 };

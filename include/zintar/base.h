@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zintar/detail/handlers.h>
+#include <zintar/detail/lent.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/metaclass.h>
@@ -150,7 +151,12 @@ public:
     template <class T>
     [[nodiscard]] T property(std::string_view name) const
     {
-        return ztVariantValue<T>(property(name));
+        if (const ZTMetaProperty* declared = declaredProperty(name))
+            return ztVariantValue<T>(declared->get(zt::detail::LentVariant(this)));
+        const ZTVariant* own = dynamicProperty(name);
+        const auto* held = own ? zt::detail::heldAs<zt::detail::Canonical<T>>(*own) : nullptr;
+        // Converted from a copy, since a converter may run code that changes the property.
+        return held ? static_cast<T>(*held) : ztVariantValue<T>(own ? *own : ZTVariant());
     }
 
     /// Sets a property of the class, or else a dynamic property of this object.
@@ -326,6 +332,11 @@ private:
     /// Sends values of the types that the event declares, given by their addresses.
     void sendValues(ZTEventSlot& slot, const zt::detail::DeclaredEvent& declared,
                     void** values) const;
+
+    /// The property of the class, or null.
+    [[nodiscard]] const ZTMetaProperty* declaredProperty(std::string_view name) const;
+    /// The value of the dynamic property, or null. Good until the property is set.
+    [[nodiscard]] const ZTVariant* dynamicProperty(std::string_view name) const;
 
     static zt::detail::ClassTable& ztTable();
 

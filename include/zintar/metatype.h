@@ -30,6 +30,7 @@ using CompareFunction = ZTPartialOrdering (*)(const void* a, const void* b);
 using SerializeFunction = void (*)(ZTDataStream& stream, const void* value);
 using DeserializeFunction = void (*)(ZTDataStream& stream, void* value);
 using PrintFunction = void (*)(std::ostream& stream, const void* value);
+using AssignFunction = void (*)(void* target, const void* source);
 using ConverterFunction = bool (*)(const void* source, void* target);
 } // namespace zt::detail
 
@@ -115,13 +116,16 @@ namespace zt::detail
 /// and class stand as the first call gave them. A name or an alias that is taken keeps its owner.
 /// @param inBlocks  whether `create` and `destroy` are those of `TypeFunctions`, with which a
 ///                  variant may make a block by itself
+/// @param assign    copies a value into the block of another one, where nobody can tell that from
+///                  a new block; or null
 ZT_EXPORT const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_view name,
                                                const std::string& alias, CreateFunction create,
                                                DestroyFunction destroy,
                                                CreateDefaultFunction createDefault,
                                                CompareFunction compare, SerializeFunction serialize,
                                                DeserializeFunction deserialize, PrintFunction print,
-                                               const ZTMetaClass* metaClass, bool inBlocks = false);
+                                               const ZTMetaClass* metaClass, bool inBlocks = false,
+                                               AssignFunction assign = nullptr);
 [[nodiscard]] ZT_EXPORT bool isInBlocks(const ZTMetaType& type);
 
 /// Registers the conversion of one ordered pair of types, in place of an earlier one. The

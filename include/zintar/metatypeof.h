@@ -18,10 +18,10 @@ const ZTMetaType& registerType(const ZTMetaClass* metaClass, const std::string& 
                                   nullptr, nullptr, nullptr, nullptr, nullptr);
     } else {
         using Functions = TypeFunctions<T>;
-        return ztRegisterMetaType(typeid(T), ztTypeName<T>(), alias, Functions::create(),
-                                  Functions::destroy(), Functions::createDefault(),
-                                  Functions::compare(), Functions::serialize(),
-                                  Functions::deserialize(), Functions::print(), metaClass, true);
+        return ztRegisterMetaType(
+            typeid(T), ztTypeName<T>(), alias, Functions::create(), Functions::destroy(),
+            Functions::createDefault(), Functions::compare(), Functions::serialize(),
+            Functions::deserialize(), Functions::print(), metaClass, true, Functions::assign());
     }
 }
 

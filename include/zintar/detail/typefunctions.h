@@ -152,6 +152,11 @@ struct TypeFunctions {
     // The value is the first thing in its block.
     static void destroyBlock(void* block) { delete static_cast<BlockOf<T>*>(block); }
 
+    static void assignValue(void* target, const void* source)
+    {
+        *static_cast<T*>(target) = *static_cast<const T*>(source);
+    }
+
     /// Without one of the two a variant of the type may have no block, and say so with null.
     static constexpr bool mayLackBlock = !isCopyable<T> || !std::is_default_constructible_v<T>;
 
@@ -232,6 +237,13 @@ struct TypeFunctions {
     {
         if constexpr (std::is_destructible_v<T>)
             return &destroyBlock;
+        else
+            return nullptr;
+    }
+    static constexpr AssignFunction assign()
+    {
+        if constexpr (std::is_trivially_copyable_v<T> && std::is_copy_assignable_v<T>)
+            return &assignValue;
         else
             return nullptr;
     }
