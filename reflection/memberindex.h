@@ -13,9 +13,7 @@ namespace zt::detail
 struct PropertyIndex {
     [[nodiscard]] const ZTMetaProperty* find(std::string_view name) const
     {
-        if (const auto* found = names.find(name))
-            return *found;
-        return beyond ? beyond->property(name) : nullptr;
+        return NameKey::isLong(name) ? searchApart(name) : search(name);
     }
 
     /// A name that is there already hides the property.
@@ -27,6 +25,20 @@ struct PropertyIndex {
 
     NameIndex<const ZTMetaProperty*> names;
     const ZTMetaClass* beyond = nullptr;
+
+private:
+    [[nodiscard, gnu::always_inline]] inline const ZTMetaProperty*
+    search(std::string_view name) const
+    {
+        if (const auto* found = names.find(name))
+            return *found;
+        return beyond ? beyond->property(name) : nullptr;
+    }
+    /// As in the index: so the search for a short name needs no frame.
+    [[nodiscard, gnu::noinline]] const ZTMetaProperty* searchApart(std::string_view name) const
+    {
+        return search(name);
+    }
 };
 
 /// The invokables that a class declares itself.

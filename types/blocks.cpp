@@ -35,7 +35,7 @@ constexpr std::size_t blockSize(std::size_t list) { return list * step + step / 
 class FreeList
 {
 public:
-    FreeList() = default;
+    FreeList() : m_top(m_blocks) { m_blocks[capacity + 1] = this; }
     FreeList(const FreeList&) = delete;
     FreeList& operator=(const FreeList&) = delete;
     ~FreeList()
@@ -43,19 +43,27 @@ public:
         while (void* block = take())
             ::operator delete(block);
     }
-    void* take() { return m_count > 0 ? m_blocks[--m_count] : nullptr; }
+    void* take()
+    {
+        void* block = *m_top;
+        if (block)
+            *m_top-- = nullptr;
+        return block;
+    }
     bool keep(void* block)
     {
-        if (m_count == capacity)
+        if (m_top[1])
             return false;
-        m_blocks[m_count++] = block;
+        *++m_top = block;
         return true;
     }
 
 private:
-    static constexpr std::size_t capacity = 127;
-    std::size_t m_count = 0;
-    void* m_blocks[capacity];
+    static constexpr std::size_t capacity = 125;
+    void** m_top;
+    /// Null below the first block and above the last, and something else at the end: so neither
+    /// way has to count.
+    void* m_blocks[capacity + 2] = {};
 };
 
 struct FreeLists {

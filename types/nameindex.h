@@ -28,17 +28,16 @@ struct NameKey {
     bool operator==(const NameKey& other) const noexcept
     {
         return first == other.first && last == other.last && size == other.size &&
-               (size <= shortSize || hasSameText(other));
+               (size <= twoWords || hasSameText(other));
     }
     /// Well mixed in its upper half.
     [[nodiscard]] std::uint64_t hash() const noexcept
     {
         std::uint64_t mixed = (first ^ size) * 0x9E3779B97F4A7C15u ^ last * 0xD6E8FEB86659FD93u;
-        return size <= shortSize ? mixed : mixedWithMiddle(mixed);
+        return size <= twoWords ? mixed : mixedWithMiddle(mixed);
     }
-
-    /// Up to here the beginning and the end are all of it.
-    static constexpr std::size_t shortSize = 16;
+    /// Whether there is more of a name than its beginning and its end.
+    static bool isLong(std::string_view name) noexcept { return name.size() > twoWords; }
 
     const char* text;
     std::size_t size;
@@ -46,6 +45,8 @@ struct NameKey {
     std::uint64_t last = 0;
 
 private:
+    static constexpr std::size_t twoWords = 16;
+
     /// Names in groups often differ in the middle alone.
     [[nodiscard, gnu::noinline]] std::uint64_t mixedWithMiddle(std::uint64_t mixed) const noexcept
     {
@@ -90,10 +91,9 @@ public:
     [[nodiscard, gnu::always_inline]] inline const Thing* find(std::string_view name,
                                                                Fits fits) const
     {
-        // Apart, since the calls for a long name would slow down the search for others.
-        return name.size() <= NameKey::shortSize ? search(name, fits) : searchLong(name, fits);
+        return NameKey::isLong(name) ? searchApart(name, fits) : search(name, fits);
     }
-    [[nodiscard]] const Thing* find(std::string_view name) const
+    [[nodiscard, gnu::always_inline]] inline const Thing* find(std::string_view name) const
     {
         return find(name, [](const Thing&) { return true; });
     }
@@ -118,8 +118,9 @@ private:
         }
         return nullptr;
     }
+    /// The calls that a long name needs would slow down the search for others.
     template <class Fits>
-    [[nodiscard, gnu::noinline]] const Thing* searchLong(std::string_view name, Fits fits) const
+    [[nodiscard, gnu::noinline]] const Thing* searchApart(std::string_view name, Fits fits) const
     {
         return search(name, fits);
     }

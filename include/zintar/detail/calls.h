@@ -28,23 +28,26 @@ inline std::atomic<const ZTMetaType*> knownPointerType = nullptr;
 template <class Class>
 inline std::atomic<const std::type_info*> knownObjectClass = nullptr;
 
-template <class Class>
-[[gnu::noinline]] bool isNewlyObjectOf(const ZTBase& object)
+/// The object behind a pointer of a type that is known to come along the class tree.
+template <class Object>
+ZTBase* baseIn(const ZTVariant& object)
 {
-    if (!dynamic_cast<const Class*>(&object))
-        return false;
-    knownObjectClass<Class>.store(&typeid(object), std::memory_order_relaxed);
-    return true;
+    bool known = &object.type() == knownPointerType<Object>.load(std::memory_order_relaxed);
+    // The `ZTBase` stands first in every object.
+    return known && object.data()
+               ? const_cast<ZTBase*>(*static_cast<const ZTBase* const*>(object.data()))
+               : nullptr;
 }
 
 template <class Class>
 bool isObjectOf(const ZTBase& object)
 {
-    if constexpr (std::is_same_v<Class, ZTBase>)
-        return true;
-    else
-        return &typeid(object) == knownObjectClass<Class>.load(std::memory_order_relaxed) ||
-               isNewlyObjectOf<Class>(object);
+    if constexpr (!std::is_same_v<Class, ZTBase>) {
+        if (!dynamic_cast<const Class*>(&object))
+            return false;
+        knownObjectClass<Class>.store(&typeid(object), std::memory_order_relaxed);
+    }
+    return true;
 }
 
 /// What `objectIn` does when one of the two questions has to be asked anew.
@@ -52,15 +55,18 @@ template <class Object>
 [[gnu::noinline]] Object* objectOtherwise(const ZTVariant& object)
 {
     const ZTMetaType& type = object.type();
-    auto* pointer = ztVariantValue<Object*>(object);
-    const void* address = pointer;
-    if (pointer && !isObjectOf<std::remove_const_t<Object>>(*static_cast<const ZTBase*>(address))) {
+    const void* address = baseIn<Object>(object);
+    if (!address) {
+        address = ztVariantValue<Object*>(object);
+        if (address && comesAlongClassTree(type, ::ztMetaType<Object*>()))
+            knownPointerType<Object>.store(&type, std::memory_order_relaxed);
+    }
+    auto* base = static_cast<ZTBase*>(const_cast<void*>(address));
+    if (base && !isObjectOf<std::remove_const_t<Object>>(*base)) {
         warnFailedConversion(askedName<Object*>(), type);
         return nullptr;
     }
-    if (pointer && comesAlongClassTree(type, ::ztMetaType<Object*>()))
-        knownPointerType<Object>.store(&type, std::memory_order_relaxed);
-    return pointer;
+    return static_cast<Object*>(base);
 }
 
 /// The object that a variant points to, as the class that declares the member.
@@ -71,13 +77,11 @@ template <class Object>
 template <class Object>
 Object* objectIn(const ZTVariant& object)
 {
-    if (&object.type() == knownPointerType<Object>.load(std::memory_order_relaxed) &&
-        object.data()) {
-        // The `ZTBase` stands first in every object.
-        auto* base = const_cast<ZTBase*>(*static_cast<const ZTBase* const*>(object.data()));
-        if (base && isObjectOf<std::remove_const_t<Object>>(*base))
-            return static_cast<Object*>(base);
-    }
+    using Class = std::remove_const_t<Object>;
+    ZTBase* base = baseIn<Object>(object);
+    if (base && (std::is_same_v<Class, ZTBase> ||
+                 &typeid(*base) == knownObjectClass<Class>.load(std::memory_order_relaxed)))
+        return static_cast<Object*>(base);
     return objectOtherwise<Object>(object);
 }
 
