@@ -203,7 +203,13 @@ TEST_P(CallContract, FunctionsReachTheObject)
     const ZTMetaProperty& level = *heater.property("level");
     level.set(pointer, ZTVariant(4));
     EXPECT_EQ(level.get(pointer), ZTVariant(4));
-    EXPECT_EQ(heater.property("label")->get(pointer), ZTVariant("none"));
+    EXPECT_EQ(heater.property("label")->get<std::string>(&object), "none");
+    const ZTVariant five(5);
+    level.set(&object, five);
+    EXPECT_EQ(level.get<int>(&std::as_const(object)), 5);
+    level.set(&object, 6);
+    EXPECT_EQ(level.get<int>(&object), 6);
+    level.set(&object, 4);
     EXPECT_FALSE(heater.property("serial")->set(pointer, ZTVariant(1)));
     EXPECT_EQ(heater.invokable<void(int, double)>("boost")->invoke(&object, 2, 0.5),
               ZTVariant(3.0));

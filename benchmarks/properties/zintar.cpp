@@ -47,8 +47,8 @@ void found(benchmark::State& state)
     int value = 0;
     measure(state, [&] {
         for (const ZTMetaProperty* property : properties) {
-            property->set(ZTVariant(&field), ZTVariant(++value));
-            int got = ztVariantValue<int>(property->get(ZTVariant(&field)));
+            property->set(&field, ++value);
+            int got = property->get<int>(&field);
             benchmark::DoNotOptimize(got);
         }
     });

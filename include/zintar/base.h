@@ -172,10 +172,8 @@ public:
     template <zt::detail::VariantValue T>
     bool setProperty(std::string_view name, T&& value, bool createDynamic = false)
     {
-        zt::detail::assertHoldable<zt::detail::ValueType<T>>();
-        const zt::detail::ValueType<T> held(zt::detail::asValue(std::forward<T>(value)));
-        const zt::detail::LentVariant lent(held);
-        const ZTVariant& variant = lent;
+        const zt::detail::LentCopy<T> copy(std::forward<T>(value));
+        const ZTVariant& variant = copy;
         return setProperty(name, variant, createDynamic);
     }
     /// The names of the dynamic properties, in no order. The views stay good as long as the object.

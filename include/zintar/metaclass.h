@@ -3,6 +3,7 @@
 #include <zintar/detail/lent.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
+#include <zintar/typedvalue.h>
 #include <zintar/variant.h>
 
 #include <string_view>
@@ -121,6 +122,27 @@ public:
     /// @return an invalid variant when the property has no getter
     [[nodiscard]] virtual ZTVariant get(const ZTVariant& object) const;
     virtual ZTVariant set(const ZTVariant& object, const ZTVariant& value) const;
+
+    /// The same with a pointer to an object, and with the value as a `T`; a default value, with a
+    /// warning, where the property gives none.
+    template <class T, class Object>
+        requires(std::is_pointer_v<Object>)
+    [[nodiscard]] T get(Object object) const
+    {
+        return ztVariantValue<T>(get(zt::detail::LentVariant(object)));
+    }
+    template <class Object, class T>
+        requires(std::is_pointer_v<Object>)
+    ZTVariant set(Object object, T&& value)
+    const
+    {
+        if constexpr (zt::detail::VariantValue<T>)
+            return set(zt::detail::LentVariant(object),
+                       zt::detail::LentCopy<T>(std::forward<T>(value)));
+        else
+            return set(zt::detail::LentVariant(object), std::as_const(value));
+    }
+
     [[nodiscard]] virtual bool isDynamic() const;
 
     [[nodiscard]] explicit operator bool() const;

@@ -183,6 +183,8 @@ public:
     [[nodiscard]] std::string_view propInfoValue(unsigned int index) const override;
     [[nodiscard]] ZTVariant get(const ZTVariant& object) const override;
     ZTVariant set(const ZTVariant& object, const ZTVariant& value) const override;
+    using ZTMetaProperty::get;
+    using ZTMetaProperty::set;
 
     [[nodiscard]] zt::detail::ZTStaticMetaPropertyData::Getter getter() const noexcept;
     [[nodiscard]] zt::detail::ZTStaticMetaPropertyData::Setter setter() const noexcept;

@@ -45,6 +45,22 @@ private:
     };
 };
 
+/// A copy of what a host wrote, shown as such.
+template <class T>
+class LentCopy
+{
+public:
+    explicit LentCopy(T&& value) : m_value(asValue(std::forward<T>(value))), m_lent(m_value)
+    {
+        assertHoldable<ValueType<T>>();
+    }
+    operator const ZTVariant&() const { return m_lent; }
+
+private:
+    const ValueType<T> m_value;
+    LentVariant m_lent;
+};
+
 /// Shows the arguments of a call, which have to outlive this.
 class LentArguments
 {
