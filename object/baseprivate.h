@@ -82,7 +82,12 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     void pointReferencesTo(ZTBase* newObject);
 
     // Properties: properties.cpp.
-    zt::detail::DynamicProperty* findDynamicProperty(std::string_view name) const;
+    [[gnu::always_inline]] inline zt::detail::DynamicProperty*
+    findDynamicProperty(std::string_view name) const
+    {
+        const auto* found = dynamicProperties ? dynamicProperties->byName.find(name) : nullptr;
+        return found ? *found : nullptr;
+    }
     void setDynamicProperty(std::string_view name, const ZTVariant& value);
     zt::detail::DynamicProperty& addDynamicProperty(std::string_view name, const ZTVariant& value);
     std::vector<std::string_view> dynamicPropertyNames() const;

@@ -40,12 +40,6 @@ std::vector<std::string_view> ZTBase::dynamicProperties() const
     return priv ? priv->dynamicPropertyNames() : std::vector<std::string_view>();
 }
 
-zt::detail::DynamicProperty* ZTBasePrivate::findDynamicProperty(std::string_view name) const
-{
-    const auto* found = dynamicProperties ? dynamicProperties->byName.find(name) : nullptr;
-    return found ? *found : nullptr;
-}
-
 void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& value)
 {
     zt::detail::DynamicProperty* property = findDynamicProperty(name);
