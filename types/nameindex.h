@@ -108,7 +108,7 @@ private:
     [[nodiscard, gnu::always_inline]] inline const Thing* search(std::string_view name,
                                                                  Fits fits) const
     {
-        if (m_entries.empty())
+        if (m_mask == 0)
             return nullptr;
         const NameKey key(name);
         for (std::size_t i = placeOf(key); m_places[i] != 0; i = next(i)) {
@@ -149,7 +149,7 @@ private:
     /// The numbers of the entries, from 1 on, where their hashes put them; mostly 0, so that
     /// hardly two of them want the same place.
     std::vector<std::uint32_t> m_places;
-    /// The number of places is a power of two, of which this is one less.
+    /// The number of places is a power of two, of which this is one less; 0 while there are none.
     std::size_t m_mask = 0;
 };
 } // namespace zt::detail
