@@ -113,7 +113,7 @@ private:
         const NameKey key(name);
         for (std::size_t i = placeOf(key); m_places[i] != 0; i = next(i)) {
             const Entry& entry = m_entries[m_places[i] - 1];
-            if (entry.key == key && fits(entry.thing))
+            if (entry.key == key && fits(entry.thing)) [[likely]]
                 return &entry.thing;
         }
         return nullptr;
