@@ -49,7 +49,7 @@ void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& v
         property->value = value;
     else
         return;
-    if (eventSlots)
+    if (eventSlots) // somebody may listen
         object->dynamicPropertyChanged(property->name, value);
 }
 

@@ -153,10 +153,12 @@ public:
     {
         if (const ZTMetaProperty* declared = declaredProperty(name))
             return ztVariantValue<T>(declared->get(zt::detail::LentVariant(this)));
+        using Held = zt::detail::Canonical<zt::detail::RetrievedType<T>>;
         const ZTVariant* own = dynamicProperty(name);
-        const auto* held = own ? zt::detail::heldAs<zt::detail::Canonical<T>>(*own) : nullptr;
-        // Converted from a copy, since a converter may run code that changes the property.
-        return held ? static_cast<T>(*held) : ztVariantValue<T>(own ? *own : ZTVariant());
+        if (const auto* held = own ? zt::detail::heldAs<Held>(*own) : nullptr)
+            return static_cast<T>(*held);
+        // From a copy, since a converter may run code that changes the property.
+        return ztVariantValue<T>(own ? *own : ZTVariant());
     }
 
     /// Sets a property of the class, or else a dynamic property of this object.

@@ -48,6 +48,9 @@ std::type_index signatureKey()
     return typeid(void (*)(Parameters...));
 }
 
+template <class T>
+concept Pointer = std::is_pointer_v<T>;
+
 template <class Signature>
 struct SignatureOf {
     static std::type_index key()
@@ -125,16 +128,13 @@ public:
 
     /// The same with a pointer to an object, and with the value as a `T`; a default value, with a
     /// warning, where the property gives none.
-    template <class T, class Object>
-        requires(std::is_pointer_v<Object>)
+    template <class T, zt::detail::Pointer Object>
     [[nodiscard]] T get(Object object) const
     {
         return ztVariantValue<T>(get(zt::detail::LentVariant(object)));
     }
-    template <class Object, class T>
-        requires(std::is_pointer_v<Object>)
-    ZTVariant set(Object object, T&& value)
-    const
+    template <zt::detail::Pointer Object, class T>
+    ZTVariant set(Object object, T&& value) const
     {
         if constexpr (zt::detail::VariantValue<T>)
             return set(zt::detail::LentVariant(object),
@@ -188,9 +188,8 @@ public:
 
     /// Packs written arguments and calls; `object` is a pointer to an object. Too few arguments
     /// are told as above.
-    template <class Object, class... Arguments>
-        requires(std::is_pointer_v<Object> &&
-                 !(sizeof...(Arguments) == 1 &&
+    template <zt::detail::Pointer Object, class... Arguments>
+        requires(!(sizeof...(Arguments) == 1 &&
                    (std::is_same_v<std::remove_cvref_t<Arguments>, ZTArgumentArray> && ...)))
     ZTVariant invoke(Object object, Arguments&&... arguments)
     const
