@@ -22,7 +22,7 @@ void callByName(benchmark::State& state)
     const std::unordered_map<std::string_view, Method> methods = {METHODS(LISTED)};
     int a = 0;
     measure(state, [&] {
-        for (const char* name : methodNames) {
+        for (const std::string& name : methodNames) {
             int result = (table.*methods.find(name)->second)(++a, 2);
             benchmark::DoNotOptimize(result);
         }

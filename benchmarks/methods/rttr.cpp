@@ -27,7 +27,7 @@ void callByName(benchmark::State& state)
     Table table;
     int a = 0;
     measure(state, [&] {
-        for (const char* name : methodNames) {
+        for (const std::string& name : methodNames) {
             rttr::method method = table.get_type().get_method(name);
             int result = method.invoke(table, ++a, 2).get_value<int>();
             benchmark::DoNotOptimize(result);

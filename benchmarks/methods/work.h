@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 
 // The methods of the class: each takes two numbers and gives one.
 #define METHODS(X)                                                                                 \
@@ -17,6 +18,7 @@ public:                                                                         
         return a + b;                                                                              \
     }
 
+/// As a script or a file gives them.
 #define QUOTED(name) #name,
-inline constexpr auto methodNames = std::to_array<const char*>({METHODS(QUOTED)});
-static_assert(methodNames.size() == 10);
+inline const auto methodNames = std::to_array<std::string>({METHODS(QUOTED)});
+static_assert(std::tuple_size_v<decltype(methodNames)> == 10);

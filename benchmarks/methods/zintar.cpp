@@ -25,7 +25,7 @@ void callByName(benchmark::State& state)
     Table table;
     int a = 0;
     measure(state, [&] {
-        for (const char* name : methodNames) {
+        for (const std::string& name : methodNames) {
             const ZTMetaInvokable* method = table.metaClass()->invokable<void(int, int)>(name);
             int result = ztVariantValue<int>(method->invoke(&table, ++a, 2));
             benchmark::DoNotOptimize(result);

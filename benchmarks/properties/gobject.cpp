@@ -72,10 +72,10 @@ void byName(benchmark::State& state)
     GObject* field = makeField();
     int value = 0;
     measure(state, [&] {
-        for (const char* name : propertyNames) {
-            g_object_set(field, name, ++value, nullptr);
+        for (const std::string& name : propertyNames) {
+            g_object_set(field, name.c_str(), ++value, nullptr);
             int got = 0;
-            g_object_get(field, name, &got, nullptr);
+            g_object_get(field, name.c_str(), &got, nullptr);
             benchmark::DoNotOptimize(got);
         }
     });

@@ -24,7 +24,7 @@ void byName(benchmark::State& state)
                                         [&field = values[i]](int value) { field = value; }};
     int value = 0;
     measure(state, [&] {
-        for (const char* name : propertyNames) {
+        for (const std::string& name : propertyNames) {
             properties.find(name)->second.set(++value);
             int got = properties.find(name)->second.get();
             benchmark::DoNotOptimize(got);

@@ -48,7 +48,7 @@ void byName(benchmark::State& state)
     TextField field;
     int value = 0;
     measure(state, [&] {
-        for (const char* name : propertyNames) {
+        for (const std::string& name : propertyNames) {
             const rttr::type type = field.get_type();
             type.get_property(name).set_value(field, ++value);
             int got = type.get_property(name).get_value(field).get_value<int>();
@@ -62,7 +62,7 @@ void found(benchmark::State& state)
 {
     TextField field;
     std::vector<rttr::property> properties;
-    for (const char* name : propertyNames)
+    for (const std::string& name : propertyNames)
         properties.push_back(field.get_type().get_property(name));
     int value = 0;
     measure(state, [&] {

@@ -3,6 +3,7 @@
 #include "field.h"
 
 #include <array>
+#include <string>
 
 // The properties of a class three levels deep: seven, seven and six numbers.
 #define ITEM_FIELDS(X) X(x) X(y) X(width) X(height) X(rotation) X(opacity) X(visible)
@@ -11,7 +12,8 @@
 #define TEXT_FIELDS(X)                                                                             \
     X(fontSize) X(lineHeight) X(alignment) X(textColour) X(maxLength) X(cursorPosition)
 
+/// As a script or a file gives them.
 #define QUOTED(name) #name,
-inline constexpr auto propertyNames =
-    std::to_array<const char*>({ITEM_FIELDS(QUOTED) CONTROL_FIELDS(QUOTED) TEXT_FIELDS(QUOTED)});
-static_assert(propertyNames.size() == 20);
+inline const auto propertyNames =
+    std::to_array<std::string>({ITEM_FIELDS(QUOTED) CONTROL_FIELDS(QUOTED) TEXT_FIELDS(QUOTED)});
+static_assert(std::tuple_size_v<decltype(propertyNames)> == 20);

@@ -29,7 +29,7 @@ void byName(benchmark::State& state)
     TextField field;
     int value = 0;
     measure(state, [&] {
-        for (const char* name : propertyNames) {
+        for (const std::string& name : propertyNames) {
             field.setProperty(name, ++value);
             int got = field.property<int>(name);
             benchmark::DoNotOptimize(got);
@@ -42,7 +42,7 @@ void found(benchmark::State& state)
 {
     TextField field;
     std::vector<const ZTMetaProperty*> properties;
-    for (const char* name : propertyNames)
+    for (const std::string& name : propertyNames)
         properties.push_back(field.metaClass()->property(name));
     int value = 0;
     measure(state, [&] {
