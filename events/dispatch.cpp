@@ -4,6 +4,7 @@
 #include <zintar/log.h>
 #include <zintar/metaclass.h>
 
+#include <algorithm>
 #include <string>
 
 using zt::detail::ZTHandlerBase;
@@ -21,15 +22,66 @@ bool hasEvent(const ZTBase& sender, int index)
           ZTLogType::Error);
     return false;
 }
+
+/// How many values an event hands over: those that an argument array can carry.
+unsigned int suppliedCount(const ZTMetaInvokable& event)
+{
+    return std::min(event.parameterCount(), ZTMetaInvokable::MaxParamCount);
+}
+
+/// A pointer to an object of a derived class is a value of a pointer to the base.
+bool isValueOf(const ZTMetaType& type, const ZTMetaType& declared)
+{
+    if (&type == &declared)
+        return true;
+    const ZTMetaClass* from = type.metaClass();
+    const ZTMetaClass* to = declared.metaClass();
+    return from && to && !from->isDynamic() && !to->isDynamic() && from->isDerivedFrom(to);
+}
+
+bool fits(const ZTVariant& value, const ZTMetaType& declared)
+{
+    return &declared == &::ztMetaType<ZTVariant>() || isValueOf(value.type(), declared);
+}
+
+/// A handler of the host gets a default value in place of one that does not fit, which it cannot
+/// tell from a real one.
+[[gnu::noinline]] void tellOfMisfits(const ZTMetaInvokable& event, std::string_view className,
+                                     const ZTArgumentArray& arguments)
+{
+    std::string text;
+    for (unsigned int i = 0; i < suppliedCount(event); ++i) {
+        const ZTMetaType& declared = event.parameterMetaType(i);
+        if (fits(arguments[i], declared))
+            continue;
+        text += (text.empty() ? "Zintar Warning: Event " + std::string(event.name()) +
+                                    " of class " + std::string(className) + " was sent with "
+                              : "; ") +
+                "no \"" + declared.name() + "\" at position " + std::to_string(i) + " but " +
+                (arguments[i] ? "a \"" + arguments[i].type().name() + "\"" : "nothing");
+    }
+    ztLog(text + ". Handlers get a default value.", ZTLogType::Warning);
+}
 } // namespace
 
 void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
 {
-    if (!hasEvent(*this, index))
+    if (!hasEvent(*this, index) || !heardSlot(index))
         return;
-    if (ZTEventSlot* slot = heardSlot(index)) {
+    ZTBasePrivate* sender = priv;
+    const ZTMetaClass& senderClass = *metaClass();
+    const ZTMetaInvokable* event = senderClass.invokable(static_cast<unsigned int>(index));
+    for (unsigned int i = 0; event && i < suppliedCount(*event); ++i) {
+        if (fits(arguments[i], event->parameterMetaType(i)))
+            continue;
+        ZTLifeWatch watch(sender);
+        tellOfMisfits(*event, senderClass.typeName(), arguments);
+        sender = watch.record();
+        break;
+    }
+    if (ZTEventSlot* slot = sender ? sender->heardSlot(index) : nullptr) {
         ZTEventValues values(arguments);
-        priv->dispatch(*slot, index, values);
+        sender->dispatch(*slot, index, values);
     }
 }
 
@@ -46,15 +98,30 @@ void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
     sender.sendEvent(index, arguments);
 }
 
+void zt::detail::EventRaiser::raise(const ZTLifeWatch& sender, const DeclaredEvent& declared,
+                                    void** addresses)
+{
+    ZTBasePrivate* record = sender.record();
+    if (ZTEventSlot* slot = record ? record->heardSlot(declared.index) : nullptr) {
+        ZTEventValues values(declared.descriptor, addresses);
+        record->dispatch(*slot, declared.index, values);
+    }
+}
+
 ZTEventSlot* ZTBase::heardSlot(int index) const
 {
     if (index < 0) [[unlikely]] {
         (void)hasEvent(*this, index);
         return nullptr;
     }
-    if (!priv || !priv->eventSlots || priv->sentEventBlockers)
+    return priv ? priv->heardSlot(index) : nullptr;
+}
+
+ZTEventSlot* ZTBasePrivate::heardSlot(int index) const
+{
+    if (!eventSlots || sentEventBlockers)
         return nullptr;
-    ZTEventSlot* slot = priv->findSlot(index);
+    ZTEventSlot* slot = findSlot(index);
     return slot && slot->listed > 0 ? slot : nullptr;
 }
 
@@ -93,88 +160,51 @@ bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)
     return true;
 }
 
-/// Whether the handler takes the values of the event. That need not be the one that it was
-/// subscribed to: the object may have got another class, where the index means another event.
-bool takesValuesOf(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event)
-{
-    // Only the address: the descriptor that was subscribed with may be gone.
-    if (subscription.event == &event)
-        return true;
-    auto takes = [&event](const auto& handler) {
-        if (handler.parameterCount() > event.parameterCount())
-            return false;
-        for (unsigned int i = 0; i < handler.parameterCount(); ++i)
-            if (handler.parameterMetaType(i) != event.parameterMetaType(i))
-                return false;
-        return true;
-    };
-    if (const ZTHandlerBase* handler = subscription.ownedHandler())
-        return takes(*handler);
-    return takes(*std::get<const ZTMetaInvokable*>(subscription.handler));
-}
-
-/// Whether the handler can still be called on the receiver. A method that is called through its
-/// descriptor finds that out by itself.
-bool fitsReceiver(const ZTSubscriptionPrivate& subscription)
-{
-    const ZTHandlerBase* handler = subscription.ownedHandler();
-    return !handler || !handler->description ||
-           static_cast<const zt::detail::DescribedHandler*>(handler)->fits(
-               *subscription.subscriber->object);
-}
-
 /// Hands a handler that a host wrote on its own no more values than it takes.
-void callForeignHandler(ZTHandlerBase& handler, const ZTBase* subscriber,
-                        const ZTMetaInvokable& event, ZTEventValues& values)
+void callForeignHandler(ZTHandlerBase& handler, const ZTBase* subscriber, ZTEventValues& values)
 {
     void* leading[zt::detail::maxParamCount] = {};
-    for (unsigned int i = 0; i < handler.parameterCount(); ++i)
-        leading[i] = values.addresses(event)[i];
+    std::copy_n(values.addresses(handler), handler.parameterCount(), leading);
     handler.invoke(handler.isMemberFunction() ? subscriber : nullptr, nullptr, leading);
 }
 
-void callHandler(const ZTSlotEntry& entry, const ZTMetaInvokable& event, ZTEventValues& values)
+void callHandler(const ZTSlotEntry& entry, ZTEventValues& values)
 {
     const ZTBase* subscriber = entry.subscriber ? entry.subscriber->object : nullptr;
     ZTHandlerBase* handler = entry.record->ownedHandler();
     if (!handler) {
         const auto* invokable = std::get<const ZTMetaInvokable*>(entry.record->handler);
         invokable->invoke(zt::detail::LentVariant(subscriber), values.array());
-    } else if (entry.typedHandler) {
-        handler->invoke(subscriber, nullptr, values.addresses(event));
-    } else if (handler->description) {
+    } else if (!handler->description) {
+        callForeignHandler(*handler, subscriber, values);
+    } else if (handler->description->takesArray) {
         static_cast<zt::detail::ArrayHandler*>(handler)->invokeWith(values.array());
     } else {
-        callForeignHandler(*handler, subscriber, event, values);
+        handler->invoke(subscriber, nullptr, values.addresses(*handler));
     }
 }
 
-/// Whether nothing stands between the event and a member function or a callable of the receiver.
-bool isPlain(const ZTSlotEntry& entry)
+/// Whether a subscription is to be called now.
+bool isReached(const ZTSlotEntry& entry, const ZTDelivery& delivery, const ZTEventValues& values)
 {
-    return entry.typedHandler && entry.subscriber && !entry.subscriber->receivedEventBlockers &&
-           !entry.subscriber->mayHaveChangedClass;
+    if (!entry.record || (entry.subscriber && entry.subscriber->receivedEventBlockers))
+        return false;
+    if (delivery.isCurrent())
+        return entry.record->takesEvent;
+    if (const ZTHandlerBase* handler = entry.record->ownedHandler())
+        return values.areTakenBy(*handler);
+    return values.areTakenBy(*std::get<const ZTMetaInvokable*>(entry.record->handler));
 }
 
-/// Whether a subscription that is not plain is to be called now.
-bool isReached(const ZTSlotEntry& entry, const ZTMetaInvokable& event)
-{
-    if (!entry.record || !takesValuesOf(*entry.record, event))
-        return false;
-    const ZTBasePrivate* subscriber = entry.subscriber;
-    return !subscriber || (!subscriber->receivedEventBlockers &&
-                           (!subscriber->mayHaveChangedClass || fitsReceiver(*entry.record)));
-}
-/// Calls the handler of a subscription that is not plain, if it is to be called now.
+/// Calls the handler of any subscription, if it is to be called now.
 [[gnu::noinline]] void deliverTo(const ZTSlotEntry& entry, ZTDelivery& delivery,
                                  ZTEventValues& values)
 {
-    const ZTMetaInvokable& event = *delivery.event();
-    if (!isReached(entry, event))
+    if (!isReached(entry, delivery, values))
         return;
     if (entry.subscriber)
         delivery.enterReceiver(*entry.subscriber);
-    callHandler(entry, event, values);
+    callHandler(entry, values);
 }
 } // namespace
 
@@ -188,17 +218,33 @@ void ZTBasePrivate::dispatch(ZTEventSlot& slot, int index, ZTEventValues& values
     }
     values.fitTo(*event);
     ZTDelivery delivery(*this, slot, index, *event);
-    const bool isOfEvent = slot.isOf(*event);
-    for (std::size_t i = 0; i < delivery.end() && delivery.sender(); ++i) {
-        const ZTSlotEntry& entry = slot.subscriptions[i];
-        if (isOfEvent && isPlain(entry)) [[likely]] {
-            delivery.enterReceiver(*entry.subscriber);
-            entry.typedHandler->invoke(entry.subscriber->object, nullptr, values.addresses(*event));
+    while (const ZTSlotEntry* entry = delivery.next()) {
+        ZTHandlerBase* handler = entry->typedHandler;
+        ZTBasePrivate* receiver = entry->subscriber;
+        // Nothing stands between the event and a member function or a callable of the receiver.
+        if (handler && receiver && !receiver->receivedEventBlockers && delivery.isCurrent())
+            [[likely]] {
+            delivery.enterReceiver(*receiver);
+            handler->invoke(receiver->object, nullptr, values.addresses(*handler));
         } else {
-            deliverTo(entry, delivery, values);
+            deliverTo(*entry, delivery, values);
         }
         delivery.leaveReceiver();
     }
+}
+
+template <class Handler>
+bool ZTEventValues::areTakenBy(const Handler& handler) const
+{
+    for (unsigned int i = 0; i < handler.parameterCount(); ++i) {
+        const ZTMetaType& taken = handler.parameterMetaType(i);
+        bool isTaken = m_declared ? i < m_declared->parameterCount() &&
+                                        m_declared->parameterMetaType(i) == taken
+                                  : fits((*m_array)[i], taken);
+        if (!isTaken)
+            return false;
+    }
+    return true;
 }
 
 void ZTEventValues::fitToOther(const ZTMetaInvokable& event)
@@ -225,37 +271,19 @@ const ZTArgumentArray& ZTEventValues::array()
     return *m_array;
 }
 
-void** ZTEventValues::makeAddresses(const ZTMetaInvokable& event)
-{
-    collectAddresses(event);
-    return m_addresses = m_collected;
-}
-
-namespace
-{
-/// A pointer to an object of a derived class is a value of a pointer to the base.
-bool isValueOf(const ZTMetaType& type, const ZTMetaType& declared)
-{
-    if (&type == &declared)
-        return true;
-    const ZTMetaClass* from = type.metaClass();
-    const ZTMetaClass* to = declared.metaClass();
-    return from && to && !from->isDynamic() && !to->isDynamic() && from->isDerivedFrom(to);
-}
-} // namespace
-
-/// A value of another type than the event declares is not handed to a handler as if it were one.
-void ZTEventValues::collectAddresses(const ZTMetaInvokable& event)
+/// A value of another type than the handler takes is not handed to it as if it were one.
+void** ZTEventValues::collectAddresses(const ZTHandlerBase& handler)
 {
     const ZTMetaType& variantType = ::ztMetaType<ZTVariant>();
-    for (unsigned int i = 0; i < zt::detail::maxParamCount && i < event.parameterCount(); ++i) {
+    for (unsigned int i = 0; i < handler.parameterCount(); ++i) {
         const ZTVariant& value = (*m_array)[i];
-        const ZTMetaType& declared = event.parameterMetaType(i);
-        if (declared == variantType)
+        const ZTMetaType& taken = handler.parameterMetaType(i);
+        if (taken == variantType)
             m_collected[i] = const_cast<ZTVariant*>(&value);
         else
-            m_collected[i] = isValueOf(value.type(), declared) ? value.data() : nullptr;
+            m_collected[i] = isValueOf(value.type(), taken) ? value.data() : nullptr;
     }
+    return m_collected;
 }
 
 const ZTMetaInvokable* ZTBase::activeEvent() const

@@ -2,8 +2,6 @@
 
 #include "../object/baseprivate.h"
 
-#include <utility>
-
 ZTEventBlocker::ZTEventBlocker(ZTBase* object, bool blocksSent)
     : record(ZTBasePrivate::of(object)), blockSent(blocksSent)
 {
@@ -33,27 +31,31 @@ ZTEventBlocker*& blockersOf(ZTBasePrivate& record, bool sent)
 
 void ZTEventBlocker::enter()
 {
-    if (record)
-        next = std::exchange(blockersOf(*record, blockSent), this);
+    if (!record)
+        return;
+    link = &blockersOf(*record, blockSent);
+    next = *link;
+    *link = this;
+    if (next)
+        next->link = &next;
 }
 
 void ZTEventBlocker::leave()
 {
     if (!record)
         return;
-    ZTEventBlocker** link = &blockersOf(*record, blockSent);
-    while (*link != this)
-        link = &(*link)->next;
     *link = next;
+    if (next)
+        next->link = link;
 }
 
 void ZTBasePrivate::clearBlockers()
 {
-    for (bool sent : {true, false})
-        while (ZTEventBlocker*& first = blockersOf(*this, sent)) {
+    for (bool sent : {true, false}) {
+        ZTEventBlocker*& first = blockersOf(*this, sent);
+        for (; first; first = first->next)
             first->record = nullptr;
-            first = first->next;
-        }
+    }
 }
 
 bool ZTBase::isBlockingSentEvents() const { return priv && priv->sentEventBlockers; }

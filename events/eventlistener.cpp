@@ -1,5 +1,6 @@
 #include <zintar/eventlistener.h>
 
+#include <zintar/detail/lifewatch.h>
 #include <zintar/dynamicbase.h>
 #include <zintar/metaclassbuilder.h>
 
@@ -20,8 +21,10 @@ struct ZTEventListenerPrivate final : ZTDynamicBase {
     /// Made by the first listener; lives until the process ends.
     static const Handler& handler();
 
+    using Record = std::vector<ZTVariant>;
+
     bool valid = false;
-    std::vector<std::vector<ZTVariant>> events;
+    std::vector<Record> events;
 
 private:
     static ZTVariant record(const ZTVariant& object, const ZTArgumentArray& arguments);
@@ -29,7 +32,7 @@ private:
 
 const ZTEventListenerPrivate::Handler& ZTEventListenerPrivate::handler()
 {
-    static const Handler handler = [] {
+    static const auto& handler = *[] {
         ZTMetaClassBuilder builder;
         builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
         builder.setTypeName("ZTEventListenerPrivate");
@@ -37,10 +40,10 @@ const ZTEventListenerPrivate::Handler& ZTEventListenerPrivate::handler()
         auto invokable = builder.addInvokable();
         invokable.setName("eventHandler");
         invokable.setFunction(zt::detail::InvokableFunction(function), &function);
-        Handler made;
-        made.listenerClass.reset(builder.toMetaClass());
-        made.invokable = made.listenerClass->invokable<void()>("eventHandler");
-        return made;
+        auto made = std::make_unique<Handler>();
+        made->listenerClass.reset(builder.toMetaClass());
+        made->invokable = made->listenerClass->invokable<void()>("eventHandler");
+        return made.release(); // a listener may die at exit
     }();
     return handler;
 }
@@ -52,19 +55,27 @@ ZTVariant ZTEventListenerPrivate::record(const ZTVariant& object, const ZTArgume
     if (!event)
         return {};
     unsigned int supplied = std::min(event->parameterCount(), ZTMetaInvokable::MaxParamCount);
-    listener->events.emplace_back(arguments.begin(), arguments.begin() + supplied);
+    const ZTLifeWatch watch(listener);
+    Record copies(arguments.begin(), arguments.begin() + supplied);
+    if (watch)
+        listener->events.push_back(std::move(copies));
     return {};
 }
 
-ZTEventListener::ZTEventListener(ZTBase* sender, const ZTMetaInvokable* event)
-    : priv(new ZTEventListenerPrivate)
+ZTEventListener::ZTEventListener(ZTBase* sender, const ZTMetaInvokable* event) : priv(nullptr)
 {
+    auto made = std::make_unique<ZTEventListenerPrivate>();
     if (sender && event)
-        priv->valid = bool(
-            ZTBase::subscribe(sender, event, priv, ZTEventListenerPrivate::handler().invokable));
+        made->valid = bool(ZTBase::subscribe(sender, event, made.get(),
+                                             ZTEventListenerPrivate::handler().invokable));
+    priv = made.release();
 }
 
-ZTEventListener::~ZTEventListener() { delete priv; }
+ZTEventListener::~ZTEventListener()
+{
+    const auto records = std::move(priv->events); // the last to go
+    delete priv;
+}
 
 std::vector<ZTVariant> ZTEventListener::at(unsigned int index) const
 {
@@ -73,12 +84,13 @@ std::vector<ZTVariant> ZTEventListener::at(unsigned int index) const
 
 int ZTEventListener::count() const { return static_cast<int>(priv->events.size()); }
 
-void ZTEventListener::clear() { priv->events.clear(); }
+void ZTEventListener::clear() { std::vector<std::vector<ZTVariant>>().swap(priv->events); }
 
 bool ZTEventListener::remove(unsigned int index)
 {
     if (index >= priv->events.size())
         return false;
+    const std::vector<ZTVariant> removed = std::move(priv->events[index]); // the last to go
     priv->events.erase(priv->events.begin() + index);
     return true;
 }
@@ -94,7 +106,7 @@ std::vector<ZTVariant> ZTEventListener::last() const
 
 const ZTVariant& ZTEventListener::argumentAt(unsigned int index, unsigned int position) const
 {
-    static const ZTVariant none;
+    static const auto& none = *new ZTVariant();
     bool there = index < priv->events.size() && position < priv->events[index].size();
     return there ? priv->events[index][position] : none;
 }

@@ -1,47 +1,182 @@
 #include "eventslot.h"
 
+#include <new>
 #include <utility>
+
+using zt::detail::ZTHandlerBase;
+
+namespace
+{
+/// Up to here a look at each entry costs less than an index.
+constexpr std::size_t fewEntries = 64;
+
+bool takesValuesOf(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event)
+{
+    auto takes = [&event](const auto& handler) {
+        if (handler.parameterCount() > event.parameterCount())
+            return false;
+        for (unsigned int i = 0; i < handler.parameterCount(); ++i)
+            if (handler.parameterMetaType(i) != event.parameterMetaType(i))
+                return false;
+        return true;
+    };
+    if (const ZTHandlerBase* handler = subscription.ownedHandler())
+        return takes(*handler);
+    return takes(*std::get<const ZTMetaInvokable*>(subscription.handler));
+}
+
+/// The handler, if it takes the addresses of the event's values.
+ZTHandlerBase* typedHandlerOf(const ZTSubscriptionPrivate& subscription)
+{
+    ZTHandlerBase* handler = subscription.ownedHandler();
+    bool isTyped = handler && handler->description && !handler->description->takesArray;
+    return isTyped && subscription.takesEvent ? handler : nullptr;
+}
+
+void unlinkFromSubscriber(ZTSubscriptionPrivate& record)
+{
+    ZTBasePrivate* subscriber = record.subscriber;
+    if (!subscriber)
+        return;
+    (record.previous ? record.previous->next : subscriber->senders) = record.next;
+    if (record.next)
+        record.next->previous = record.previous;
+    record.previous = nullptr;
+    record.next = nullptr;
+    --subscriber->senderCount;
+}
+
+void endRecord(ZTSubscriptionPrivate& record, ZTLetGo& ended)
+{
+    unlinkFromSubscriber(record);
+    record.active.store(false, std::memory_order_release);
+    ended.add(record.ownedHandler());
+}
+} // namespace
 
 void ZTEventSlot::add(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
-    if (!m_subscribed)
-        m_subscribed = record->event;
-    m_isMixed = m_isMixed || m_subscribed != record->event;
-    record->position = subscriptions.size();
-    ZTBasePrivate* subscriber = record->subscriber;
-    zt::detail::ZTHandlerBase* handler = record->ownedHandler();
-    bool isTyped = handler && handler->description && !handler->description->takesArray;
-    subscriptions.push_back({std::move(record), subscriber, isTyped ? handler : nullptr});
+    ZTSubscriptionPrivate& added = *record;
+    added.position = subscriptions.size();
+    subscriptions.push_back({std::move(record), {added.subscriber}, typedHandlerOf(added)});
     ++listed;
+    if (!m_index)
+        return;
+    try {
+        m_index->add(subscriptions.back());
+    } catch (const std::bad_alloc&) { // it is made again when somebody searches
+        m_index.reset();
+    }
 }
 
-std::shared_ptr<ZTSubscriptionPrivate> ZTEventSlot::take(const ZTSubscriptionPrivate& record)
+void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
-    auto taken = std::exchange(subscriptions[record.position], {}).record;
-    taken->active = false;
+    ZTSlotEntry& entry = subscriptions[record.position];
+    if (m_index)
+        m_index->remove(entry);
+    endRecord(record, ended);
+    entry = {};
     --listed;
-    compactIfIdle();
-    return taken;
 }
 
-void ZTEventSlot::compactIfIdle()
+bool ZTEventSlot::endMatching(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
 {
-    if (dispatching)
+    const std::size_t before = listed;
+    if (pattern.subscriber && listed > fewEntries && makeIndex()) {
+        endIndexed(pattern, ended);
+    } else {
+        for (std::size_t i = 0; i < subscriptions.size(); ++i)
+            if (ZTSubscriptionPrivate* record = subscriptions[i].record.get())
+                if (record->matches(pattern))
+                    end(*record, ended);
+    }
+    const bool any = listed < before;
+    compact();
+    return any;
+}
+
+void ZTEventSlot::endIndexed(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
+{
+    auto* key = std::get_if<void*>(&pattern.handler);
+    for (bool isComparable : {true, false}) {
+        if (!isComparable && key && *key)
+            return;
+        std::size_t next = ZTSlotIndex::none;
+        for (auto i = m_index->first(pattern.subscriber, isComparable); i != ZTSlotIndex::none;
+             i = next) {
+            next = m_index->after(i);
+            ZTSubscriptionPrivate& record = *subscriptions[i].record;
+            if (record.matches(pattern))
+                end(record, ended);
+        }
+    }
+}
+
+/// False where there is no memory for it.
+bool ZTEventSlot::makeIndex()
+{
+    if (m_index && m_index->isCrowded())
+        m_index.reset();
+    if (m_index)
+        return true;
+    try {
+        m_index = std::make_unique<ZTSlotIndex>(subscriptions);
+    } catch (const std::bad_alloc&) {
+    }
+    return m_index != nullptr;
+}
+
+void ZTEventSlot::endAll(ZTLetGo& ended)
+{
+    while (dispatching)
+        dispatching = dispatching->senderDied();
+    for (ZTSlotEntry& entry : subscriptions)
+        if (entry.record)
+            endRecord(*entry.record, ended);
+}
+
+void ZTEventSlot::compact()
+{
+    if (subscriptions.size() - listed <= listed + deliveries)
         return;
-    while (!subscriptions.empty() && !subscriptions.back().record)
-        subscriptions.pop_back();
-    if (subscriptions.size() - listed <= listed)
-        return;
+    m_index.reset();
     std::size_t kept = 0;
-    for (auto& entry : subscriptions) {
-        if (!entry.record)
-            continue;
-        entry.record->position = kept;
-        if (&subscriptions[kept] != &entry)
-            subscriptions[kept] = std::move(entry);
-        ++kept;
+    for (ZTSlotEntry& entry : subscriptions) {
+        if (entry.record)
+            entry.record->position = kept++;
+        else
+            entry.keptBefore = kept;
+    }
+    auto moved = [&](std::size_t position) {
+        if (position >= subscriptions.size())
+            return kept;
+        const ZTSlotEntry& entry = subscriptions[position];
+        return entry.record ? entry.record->position : entry.keptBefore;
+    };
+    for (ZTDelivery* delivery = dispatching; delivery; delivery = delivery->m_outer) {
+        delivery->m_next = moved(delivery->m_next);
+        delivery->m_end = moved(delivery->m_end);
+    }
+    for (ZTSlotEntry& entry : subscriptions) {
+        ZTSlotEntry* place = entry.record ? &subscriptions[entry.record->position] : &entry;
+        if (place != &entry)
+            *place = std::exchange(entry, {});
     }
     subscriptions.resize(kept);
+}
+
+void ZTEventSlot::askAnew(const ZTMetaClass& senderClass, int index)
+{
+    m_descriptorsEnded = descriptorsEndedNow();
+    m_class = &senderClass;
+    m_event = senderClass.invokable(static_cast<unsigned int>(index));
+    ++m_askings;
+    for (ZTSlotEntry& entry : subscriptions) {
+        if (!entry.record)
+            continue;
+        entry.record->takesEvent = m_event && takesValuesOf(*entry.record, *m_event);
+        entry.typedHandler = typedHandlerOf(*entry.record);
+    }
 }
 
 ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, int index,
@@ -49,9 +184,11 @@ ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, int index,
     : m_sender(&sender),
       m_slot(slot),
       m_index(index),
+      m_askings(slot.askings()),
       m_event(event),
       m_outer(slot.dispatching),
       m_end(m_outer ? m_outer->m_end : slot.subscriptions.size())
 {
     slot.dispatching = this;
+    ++slot.deliveries;
 }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "../object/baseprivate.h"
+#include "../reflection/descriptorlives.h"
+#include "slotindex.h"
 #include "subscriptionprivate.h"
 
 #include <zintar/detail/lent.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -13,8 +16,8 @@
 // unsubscribe and subscribe anything, raise any event again, move either object, and throw.
 //
 // 1. Receivers are called in the order of their subscribing.
-// 2. What is unsubscribed, or whose receiver has died, is not called any more, at once. Its entry
-//    becomes empty; positions do not change while a delivery of the slot runs.
+// 2. What is unsubscribed, or whose receiver has died, is not called any more, at once: its entry
+//    becomes empty.
 // 3. What is subscribed while the slot is being delivered goes behind the end that the outermost
 //    delivery has fixed, and takes part from the next send on that is not within that delivery. A
 //    nested send of the same event walks the same range.
@@ -23,13 +26,17 @@
 // 5. Each delivery to a receiver stands on the receiver's stack of active events while the handler
 //    runs, and is taken off if the receiver is still there, also when the subscription has ended,
 //    and also when the handler throws.
-// 6. A receiver whose destruction has reached `ZTBase`, or that a move has cut down to one of its
-//    base classes, is still subscribed, but member functions of its class are not called on what
-//    is left of it.
+// 6. A receiver whose destruction has gone past the class of a member function, or that a move has
+//    cut down to one of its base classes, is still subscribed, but the member function is not
+//    called on what is left of it.
 // 7. A handler and what it captured may be deleted when the subscription ends; code of the host
 //    that runs then may come back here. So entries are taken out first and let go last.
 // 8. Ending a subscription costs the same however many the slot has: its record knows its
-//    position. Empty entries are compacted when they outnumber the others, and no delivery runs.
+//    position. Empty entries are taken out when they outnumber the others, and the running
+//    deliveries are told where they stand then.
+// 9. A handler is called with values of the types that it takes. Whether it takes those of the
+//    event is asked when it is subscribed, and anew when the sender has another class, or when
+//    there may be other descriptors at the addresses of those that were asked about.
 
 class ZTDelivery;
 
@@ -37,32 +44,39 @@ class ZTDelivery;
 /// subscriptions lie scattered.
 struct ZTSlotEntry {
     std::shared_ptr<ZTSubscriptionPrivate> record;
-    ZTBasePrivate* subscriber = nullptr;
-    /// The handler, if it is called with the addresses of the event's values.
+    union {
+        ZTBasePrivate* subscriber = nullptr;
+        /// Of an empty entry, while such are taken out: how many that are not stand in front of it.
+        std::size_t keptBefore;
+    };
+    /// The handler, if it is called with the addresses of the event's values and takes them.
     zt::detail::ZTHandlerBase* typedHandler = nullptr;
 };
 
 /// The subscribers of one event of one sender.
 struct ZTEventSlot {
+    /// May throw, and changes nothing then.
     void add(std::shared_ptr<ZTSubscriptionPrivate> record);
-    /// Takes the entry out; the caller lets the record go when nothing is left to do here.
-    [[nodiscard]] std::shared_ptr<ZTSubscriptionPrivate> take(const ZTSubscriptionPrivate& record);
-    void compactIfIdle();
+    /// Takes the subscription out of the slot and out of its subscriber's list, and its handler
+    /// along.
+    void end(ZTSubscriptionPrivate& record, ZTLetGo& ended);
+    /// Ends all that the pattern means, and tells whether there were any.
+    bool endMatching(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended);
+    /// Ends everything together with the sender: deliveries, subscriptions.
+    void endAll(ZTLetGo& ended);
+    /// To be called when subscriptions have ended.
+    void compact();
+
     /// The event by the class that the sender has now; null if there is none with that index.
     const ZTMetaInvokable* eventOf(const ZTBase& sender, int index)
     {
         const ZTMetaClass* senderClass = sender.metaClass();
-        if (senderClass != m_class) [[unlikely]] {
-            m_event = senderClass->invokable(static_cast<unsigned int>(index));
-            m_class = senderClass;
-        }
+        if (senderClass != m_class || m_descriptorsEnded != descriptorsEndedNow()) [[unlikely]]
+            askAnew(*senderClass, index);
         return m_event;
     }
-    /// Whether all subscriptions were made to that very event.
-    [[nodiscard]] bool isOf(const ZTMetaInvokable& event) const
-    {
-        return m_subscribed == &event && !m_isMixed;
-    }
+    /// Changes whenever the handlers have been asked anew whether they take the event.
+    [[nodiscard]] unsigned int askings() const { return m_askings; }
 
     /// In the order of delivery; empty where a subscription has ended.
     std::vector<ZTSlotEntry> subscriptions;
@@ -70,14 +84,25 @@ struct ZTEventSlot {
     std::size_t listed = 0;
     /// The innermost delivery that walks this slot; null when it is idle.
     ZTDelivery* dispatching = nullptr;
+    /// How many deliveries walk it.
+    std::size_t deliveries = 0;
 
 private:
+    [[nodiscard]] static unsigned int descriptorsEndedNow()
+    {
+        return zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
+    }
+    void askAnew(const ZTMetaClass& senderClass, int index);
+    void endIndexed(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended);
+    bool makeIndex();
+
     // The last answer of `eventOf`.
     const ZTMetaClass* m_class = nullptr;
     const ZTMetaInvokable* m_event = nullptr;
-    /// The event of the first subscription, and whether there was ever one to another event.
-    const ZTMetaInvokable* m_subscribed = nullptr;
-    bool m_isMixed = false;
+    unsigned int m_descriptorsEnded = 0;
+    unsigned int m_askings = 0;
+    /// Null as long as nobody had to search among many.
+    std::unique_ptr<ZTSlotIndex> m_index;
 };
 
 /// A walk over a slot: on the stack of the slot's deliveries, and while it calls a handler, on the
@@ -94,9 +119,18 @@ public:
         if (!m_sender)
             return;
         m_slot.dispatching = m_outer;
-        if (m_slot.listed < m_slot.subscriptions.size())
-            m_slot.compactIfIdle();
+        --m_slot.deliveries;
+        if (!m_outer && m_slot.listed < m_slot.subscriptions.size())
+            m_slot.compact();
     }
+
+    /// The next entry, which may be empty; null at the end, and when the sender has died.
+    const ZTSlotEntry* next()
+    {
+        return m_sender && m_next < m_end ? &m_slot.subscriptions[m_next++] : nullptr;
+    }
+    /// Whether what the slot knows of its handlers is about this delivery's event.
+    [[nodiscard]] bool isCurrent() const { return m_askings == m_slot.askings(); }
 
     void enterReceiver(ZTBasePrivate& receiver)
     {
@@ -113,7 +147,6 @@ public:
 
     /// Null once the sender has died; the slot is gone then.
     [[nodiscard]] ZTBasePrivate* sender() const { return m_sender; }
-    [[nodiscard]] std::size_t end() const { return m_end; }
     [[nodiscard]] int index() const { return m_index; }
     [[nodiscard]] const ZTMetaInvokable* event() const { return &m_event; }
 
@@ -130,18 +163,24 @@ public:
     }
 
 private:
+    friend struct ZTEventSlot;
+
     ZTBasePrivate* m_sender;
     ZTEventSlot& m_slot;
     int m_index;
+    unsigned int m_askings;
     const ZTMetaInvokable& m_event;
     ZTDelivery* m_outer;
+    std::size_t m_next = 0;
     std::size_t m_end;
     ZTBasePrivate* m_receiver = nullptr;
     ZTDelivery* m_below = nullptr;
 };
 
-/// The values of an event on their way: as variants, or as the addresses of typed values. Each
-/// form is made from the other when the first receiver asks for it.
+/// The values of an event on their way: as variants, or as the addresses of typed values.
+///
+/// Typed values are copies, which nobody changes. An array is the sender's: a handler may change
+/// it, so its addresses are taken for each call.
 struct ZTEventValues {
     explicit ZTEventValues(const ZTArgumentArray& array) : m_array(&array) {}
     /// The values are those of the event `declared`.
@@ -156,16 +195,20 @@ struct ZTEventValues {
         if (m_declared && m_declared != &event) [[unlikely]]
             fitToOther(event);
     }
+    /// Whether they are what a handler with these parameters takes.
+    template <class Handler>
+    [[nodiscard]] bool areTakenBy(const Handler& handler) const;
+
     const ZTArgumentArray& array();
-    void** addresses(const ZTMetaInvokable& event)
+    /// Ten addresses, of which those of the handler's parameters are set.
+    void** addresses(const zt::detail::ZTHandlerBase& handler)
     {
-        return m_addresses ? m_addresses : makeAddresses(event);
+        return m_addresses ? m_addresses : collectAddresses(handler);
     }
 
 private:
     void fitToOther(const ZTMetaInvokable& event);
-    void** makeAddresses(const ZTMetaInvokable& event);
-    void collectAddresses(const ZTMetaInvokable& event);
+    void** collectAddresses(const zt::detail::ZTHandlerBase& handler);
 
     const ZTArgumentArray* m_array = nullptr;
     const ZTMetaInvokable* m_declared = nullptr;

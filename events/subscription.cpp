@@ -23,8 +23,6 @@ const ZTMetaType& DescribedHandler::parameterMetaType(unsigned int index) const
     return description->types[index]();
 }
 
-bool DescribedHandler::fits(const ZTBase&) const { return true; }
-
 bool ArrayHandler::isMemberFunction() const { return false; }
 
 bool ArrayHandler::isComparable() const { return false; }
@@ -34,15 +32,6 @@ bool ArrayHandler::equals(void*) const { return false; }
 /// The dispatch hands such a handler the array instead.
 void ArrayHandler::invoke(const ZTBase*, void*, void**) {}
 } // namespace zt::detail
-
-ZTSubscriptionPrivate::~ZTSubscriptionPrivate()
-{
-    zt::detail::ZTHandlerBase* owned = ownedHandler();
-    if (owned && owned->description)
-        static_cast<zt::detail::DescribedHandler*>(owned)->end();
-    else
-        delete owned;
-}
 
 bool ZTSubscriptionPrivate::hasSameHandler(const ZTSubscriptionPrivate& other) const
 {
@@ -77,16 +66,22 @@ bool ZTSubscriptionPrivate::matches(const ZTSubscriptionPrivate& pattern) const
            (!pattern.event || pattern.event == event) && fits(*this, pattern);
 }
 
-ZTSubscription::operator bool() const noexcept
+namespace
 {
-    auto record = m_record.lock();
-    return record && record->active;
+std::shared_ptr<ZTSubscriptionPrivate>
+activeRecord(const std::weak_ptr<ZTSubscriptionPrivate>& handle)
+{
+    auto record = handle.lock();
+    return record && record->isActive() ? record : nullptr;
 }
+} // namespace
+
+ZTSubscription::operator bool() const noexcept { return activeRecord(m_record) != nullptr; }
 
 bool ZTSubscription::operator==(const ZTSubscription& other) const noexcept
 {
-    auto a = m_record.lock();
-    auto b = other.m_record.lock();
+    auto a = activeRecord(m_record);
+    auto b = activeRecord(other.m_record);
     if (a == b)
         return true;
     return a && b && a->sender == b->sender && a->event == b->event &&
@@ -95,13 +90,10 @@ bool ZTSubscription::operator==(const ZTSubscription& other) const noexcept
 
 ZTScopedSubscription& ZTScopedSubscription::operator=(ZTScopedSubscription&& other) noexcept
 {
-    if (this != &other) {
-        reset();
-        m_subscription = other.release();
-    }
+    // What goes last may own both of the two.
+    ZTSubscription incoming = other.release();
+    ZTScopedSubscription old(std::exchange(m_subscription, std::move(incoming)));
     return *this;
 }
 
 ZTScopedSubscription::~ZTScopedSubscription() { reset(); }
-
-void ZTScopedSubscription::reset() { ZTBase::unsubscribe(release()); }

@@ -138,24 +138,27 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
     if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
         return {};
     auto record = makeRecord(sender, *event, subscriber);
-    record->handler = owned.release();
-    return sender->priv->addSubscription(std::move(record));
+    record->handler = handler;
+    ZTSubscription subscription = sender->priv->addSubscription(std::move(record));
+    (void)owned.release();
+    return subscription;
 }
 
 ZTSubscription ZTBasePrivate::addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
-    ZTBasePrivate* subscriber = record->subscriber;
-    if (stage == ZTLifeStage::Ending || (subscriber && subscriber->stage == ZTLifeStage::Ending))
-        return {};
-    eventSlot(record->eventIndex).add(record);
-    if (subscriber) {
+    ZTSubscription subscription(record);
+    ZTEventSlot& slot = eventSlot(record->eventIndex);
+    // What the slot knows of its handlers is about the class that this one fits.
+    (void)slot.eventOf(*object, record->eventIndex);
+    slot.add(record);
+    if (ZTBasePrivate* subscriber = record->subscriber) {
         record->next = subscriber->senders;
         if (record->next)
             record->next->previous = record.get();
         subscriber->senders = record.get();
         ++subscriber->senderCount;
     }
-    return ZTSubscription(record);
+    return subscription;
 }
 
 namespace zt::detail
@@ -168,74 +171,51 @@ void warnUnknownEvent(const ZTMetaClass& metaClass)
 }
 } // namespace zt::detail
 
-// Ending subscriptions. Records are taken out of both lists first; what the host's code does when
-// a record goes finds the lists in order.
+// Unsubscribing.
 
 namespace
 {
-void unlinkFromSubscriber(ZTSubscriptionPrivate& record)
+/// Up to here a subscriber's list is shorter to walk than the slots of a sender.
+constexpr unsigned int fewReceived = 16;
+
+void endSubscription(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
-    ZTBasePrivate* subscriber = record.subscriber;
-    if (!subscriber)
-        return;
-    (record.previous ? record.previous->next : subscriber->senders) = record.next;
-    if (record.next)
-        record.next->previous = record.previous;
-    record.previous = nullptr;
-    record.next = nullptr;
-    --subscriber->senderCount;
+    ZTEventSlot& slot = *record.sender->findSlot(record.eventIndex);
+    slot.end(record, ended);
+    slot.compact();
 }
 
-std::shared_ptr<ZTSubscriptionPrivate> takeOut(ZTSubscriptionPrivate& record)
+/// Ends what the pattern means, by the list of its subscriber.
+bool endAmongReceived(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
 {
-    unlinkFromSubscriber(record);
-    return record.sender->findSlot(record.eventIndex)->take(record);
-}
-
-/// The records in a slot that match. Taking one out moves the others, so they are found first.
-void findMatching(const ZTEventSlot& slot, const ZTSubscriptionPrivate& pattern,
-                  std::vector<ZTSubscriptionPrivate*>& found)
-{
-    for (const ZTSlotEntry& entry : slot.subscriptions)
-        if (entry.record && entry.record->matches(pattern))
-            found.push_back(entry.record.get());
-}
-
-void findMatching(const ZTBasePrivate& subscriber, const ZTSubscriptionPrivate& pattern,
-                  std::vector<ZTSubscriptionPrivate*>& found)
-{
-    for (ZTSubscriptionPrivate* record = subscriber.senders; record; record = record->next)
-        if (record->matches(pattern))
-            found.push_back(record);
+    bool any = false;
+    ZTSubscriptionPrivate* next = nullptr;
+    for (auto* record = pattern.subscriber->senders; record; record = next) {
+        next = record->next;
+        if (!record->matches(pattern))
+            continue;
+        endSubscription(*record, ended);
+        any = true;
+    }
+    return any;
 }
 } // namespace
 
-bool ZTBasePrivate::removeSubscriptions(const ZTSubscriptionPrivate& pattern)
+bool ZTBasePrivate::removeSubscriptions(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
 {
     if (!eventSlots)
         return false;
-    std::vector<const ZTEventSlot*> slots;
-    std::size_t listed = 0;
-    for (const auto& slot : *eventSlots) {
-        bool isAsked = !pattern.event || slot.get() == findSlot(pattern.eventIndex);
-        if (slot && isAsked) {
-            slots.push_back(slot.get());
-            listed += slot->listed;
-        }
+    // Whatever matches is in the lists of both ends.
+    if (pattern.subscriber && pattern.subscriber->senderCount <= fewReceived)
+        return endAmongReceived(pattern, ended);
+    if (pattern.event) {
+        ZTEventSlot* slot = findSlot(pattern.eventIndex);
+        return slot && slot->endMatching(pattern, ended);
     }
-    std::vector<ZTSubscriptionPrivate*> found;
-    // Whatever matches is in both lists: the shorter one is searched.
-    if (pattern.subscriber && pattern.subscriber->senderCount < listed)
-        findMatching(*pattern.subscriber, pattern, found);
-    else
-        for (const ZTEventSlot* slot : slots)
-            findMatching(*slot, pattern, found);
-
-    std::vector<std::shared_ptr<ZTSubscriptionPrivate>> ended;
-    ended.reserve(found.size());
-    for (ZTSubscriptionPrivate* record : found)
-        ended.push_back(takeOut(*record));
-    return !ended.empty();
+    bool any = false;
+    for (const auto& slot : *eventSlots)
+        any |= slot && slot->endMatching(pattern, ended);
+    return any;
 }
 
 bool ZTBase::unsubscribe(const ZTBase* subscriber) const
@@ -245,15 +225,24 @@ bool ZTBase::unsubscribe(const ZTBase* subscriber) const
 
 bool ZTBase::unsubscribe(const ZTSubscription& subscription)
 {
+    ZTLetGo ended;
     auto record = subscription.m_record.lock();
-    if (!record || !record->active)
+    if (!record || !record->isActive())
         return false;
     // A handler that is owned is this subscription's alone: nothing else can match.
-    if (record->ownedHandler()) {
-        takeOut(*record);
-        return true;
-    }
-    return record->sender->removeSubscriptions(*record);
+    if (!record->ownedHandler())
+        return record->sender->removeSubscriptions(*record, ended);
+    endSubscription(*record, ended);
+    return true;
+}
+
+void ZTScopedSubscription::reset() noexcept
+{
+    ZTLetGo ended;
+    ZTSubscription subscription = release();
+    auto record = subscription.m_record.lock();
+    if (record && record->isActive())
+        endSubscription(*record, ended);
 }
 
 namespace
@@ -264,13 +253,14 @@ bool removeByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const Z
     if (!ZTBasePrivate::of(sender) || isMovedFrom(subscriber) || (event && !event->isEvent()) ||
         (hasHandler && !subscriber))
         return false;
+    ZTLetGo ended;
     ZTSubscriptionPrivate pattern;
     pattern.sender = ZTBasePrivate::of(sender);
     pattern.event = event;
     pattern.eventIndex = event ? event->index() : -1;
     pattern.subscriber = ZTBasePrivate::of(subscriber);
     pattern.handler = handler;
-    return pattern.sender->removeSubscriptions(pattern);
+    return pattern.sender->removeSubscriptions(pattern, ended);
 }
 } // namespace
 
@@ -286,30 +276,18 @@ bool ZTBase::unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
     return removeByPattern(sender, event, subscriber, key, key != nullptr);
 }
 
-void ZTBasePrivate::endReceived()
+void ZTBasePrivate::endReceived(ZTLetGo& ended)
 {
     while (senders)
-        takeOut(*senders);
+        endSubscription(*senders, ended);
 }
 
-void ZTBasePrivate::endSent()
+void ZTBasePrivate::endSent(ZTLetGo& ended)
 {
     if (!eventSlots)
         return;
-    std::vector<std::shared_ptr<ZTSubscriptionPrivate>> ended;
-    for (const auto& slot : *eventSlots) {
-        if (!slot)
-            continue;
-        while (slot->dispatching)
-            slot->dispatching = slot->dispatching->senderDied();
-        for (ZTSlotEntry& entry : slot->subscriptions) {
-            if (!entry.record)
-                continue;
-            unlinkFromSubscriber(*entry.record);
-            entry.record->active = false;
-            ended.push_back(std::move(entry.record));
-        }
-        slot->subscriptions.clear();
-        slot->listed = 0;
-    }
+    for (const auto& slot : *eventSlots)
+        if (slot)
+            slot->endAll(ended);
+    eventSlots.reset();
 }

@@ -1,8 +1,6 @@
 #include "baseprivate.h"
 
-#include <memory>
 #include <ostream>
-#include <utility>
 
 ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
 {
@@ -11,34 +9,38 @@ ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
     ZTBasePrivate::Beginning made(priv);
     try {
         setParent(parent);
-    } catch (...) { // of a handler; no destructor runs for this object then
-        delete std::exchange(priv, nullptr);
+    } catch (...) { // no destructor runs for this object then
+        ZTBasePrivate::end(priv);
         throw;
     }
 }
 
-ZTBase::ZTBase(ZTBase&& other) noexcept : priv(ZTBasePrivate::takeFrom(other))
+ZTBase::ZTBase(ZTBase&& other) noexcept : priv(nullptr)
 {
-    if (priv)
-        priv->moveTo(this);
+    if (ZTBasePrivate::hasRecordToGive(other))
+        other.priv->moveTo(this);
 }
 
 ZTBase& ZTBase::operator=(ZTBase&& other) noexcept
 {
     // An object whose own end has come so far has no use for another record.
-    if (this != &other && !(priv && priv->stage >= ZTLifeStage::TornDown))
-        ZTBasePrivate::replace(this, ZTBasePrivate::takeFrom(other));
+    bool isDying =
+        priv ? priv->stage >= ZTLifeStage::Dying : ZTBasePrivate::Farewell::isDying(this);
+    if (this != &other && !isDying)
+        ZTBasePrivate::replace(this, other);
     return *this;
 }
 
 ZTBase::~ZTBase()
 {
-    if (priv) {
-        priv->stage = ZTLifeStage::Dying;
-        priv->mayHaveChangedClass = true;
+    if (!priv)
+        return;
+    priv->stage = ZTLifeStage::Dying;
+    if (priv->eventSlots) { // somebody may listen
+        ZTBasePrivate::Farewell farewell(this);
         destroyed(this);
     }
-    delete priv;
+    ZTBasePrivate::end(priv);
 }
 
 void ZTBase::setParent(ZTBase* parent)
@@ -49,7 +51,7 @@ void ZTBase::setParent(ZTBase* parent)
 
 const std::vector<ZTBase*>& ZTBase::children() const
 {
-    static const std::vector<ZTBase*> none;
+    static const auto& none = *new std::vector<ZTBase*>(); // for objects that die at exit
     return priv ? priv->children : none;
 }
 

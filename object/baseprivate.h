@@ -1,10 +1,13 @@
 #pragma once
 
 #include "../types/nameindex.h"
+#include "hostcode.h"
 
 #include <zintar/base.h>
 #include <zintar/detail/blocks.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,25 +15,34 @@
 
 class ZTDelivery;
 struct ZTEventSlot;
-class ZTLifeWatch;
 
 /// How far the beginning or the end of an object has come.
 enum class ZTLifeStage : unsigned char {
     Beginning, ///< the constructor or an assignment of `ZTBase` goes on; see `Beginning`
     Alive,
-    Dying,    ///< the destruction has reached `ZTBase`: of what the object was, only that is left
-    TornDown, ///< the record is being destroyed and cannot be handed over
-    Ending    ///< the last step of that: nothing new is taken on
+    Dying,   ///< the destruction has reached `ZTBase`: of what the object was, only that is left
+    TornDown ///< the record is being destroyed and cannot be handed over
 };
+
+class ZTValueReading;
 
 namespace zt::detail
 {
 struct DynamicProperty : InBlocks {
-    DynamicProperty(std::string_view newName, const ZTVariant& first) : name(newName), value(first)
+    DynamicProperty(std::string_view newName, ZTVariant&& first)
+        : name(newName), value(std::move(first))
     {}
+    DynamicProperty(const DynamicProperty&) = delete;
+    DynamicProperty& operator=(const DynamicProperty&) = delete;
+    ~DynamicProperty() { leaveToReaders(); }
+
+    /// Gives the value that it has to whoever is reading it, if anybody is.
+    void leaveToReaders() noexcept;
 
     const std::string name;
     ZTVariant value;
+    /// The innermost of those that are reading the value.
+    ZTValueReading* readings = nullptr;
 };
 
 /// They do not move and none leaves, so views of the names stay good.
@@ -44,7 +56,8 @@ struct DynamicProperties {
 /// whatever names the record and not the object needs no care then.
 ///
 /// 1. `object` is the object that has the record now.
-/// 2. An object stands at most once in one `children` vector, that of its `parent`.
+/// 2. An object stands at most once in one `children` vector, that of its `parent`. The entries are
+///    in ascending order of `rank`; those that are null, while the parent is dying, stand in front.
 /// 3. Every subscription that names this record stands in a slot of its sender, and is linked
 ///    from its subscriber if it has one.
 /// 4. What runs on this thread and must know whether the record is still there is on one of its
@@ -53,7 +66,6 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     explicit ZTBasePrivate(ZTBase* owner);
     ZTBasePrivate(const ZTBasePrivate&) = delete;
     ZTBasePrivate& operator=(const ZTBasePrivate&) = delete;
-    ~ZTBasePrivate();
 
     /// The record of an object; null for null and for a moved-from object.
     static ZTBasePrivate* of(const ZTBase* object) { return object ? object->priv : nullptr; }
@@ -62,23 +74,35 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     void setParent(ZTBase* newParent);
     /// Takes the object out of its parent's children, without a word to anybody.
     bool leaveChildren();
+    /// Where the object stands among its parent's children; their number if it does not.
+    [[nodiscard]] std::size_t placeAmongChildren() const;
+    /// Room for what is about to join, or has yet to come; may throw and changes nothing then.
+    void reserveChild();
+    /// The room is there.
+    void addChild(ZTBasePrivate& child);
     void deleteChildren();
     bool descendsFrom(const ZTBasePrivate* ancestor) const;
 
     // Lifetime: lifetime.cpp.
     class Beginning;
+    class Farewell;
+    /// From the object that has the record now.
     void moveTo(ZTBase* newObject);
+    /// Ends a record, which may be null, with all that the object was; see `~ZTBase`.
+    static void end(ZTBasePrivate* record) noexcept;
     /// Whether nothing refers to the object and it has nothing that has to be ended.
     bool isAlone() const;
-    /// Ends the record of an object that became another one by assignment.
-    static void replace(ZTBase* object, ZTBasePrivate* newRecord);
-    /// Takes the record from an object that becomes another one; null if there is none to take.
-    static ZTBasePrivate* takeFrom(ZTBase& object);
+    /// The object becomes what the other one was.
+    static void replace(ZTBase* object, ZTBase& other);
+    /// Whether the object's record can still be handed over.
+    static bool hasRecordToGive(const ZTBase& object);
 
     // References: references.cpp.
     /// From here on weak references read null.
     void clearWeakReferences();
-    void clearStrongReferences();
+    /// Whether there are any, which is then to be told.
+    bool clearStrongReferences();
+    static void warnOfHeldObject();
     void pointReferencesTo(ZTBase* newObject);
 
     // Properties: properties.cpp.
@@ -89,17 +113,19 @@ struct ZTBasePrivate : zt::detail::InBlocks {
         return found ? *found : nullptr;
     }
     void setDynamicProperty(std::string_view name, const ZTVariant& value);
-    zt::detail::DynamicProperty& addDynamicProperty(std::string_view name, const ZTVariant& value);
+    zt::detail::DynamicProperty& addDynamicProperty(std::string_view name, ZTVariant&& value);
     std::vector<std::string_view> dynamicPropertyNames() const;
 
     // Events, in the folder of that name.
     ZTEventSlot& eventSlot(int index);
     ZTEventSlot* findSlot(int index) const;
+    /// The slot of an event that somebody hears; null when a send would reach nobody.
+    ZTEventSlot* heardSlot(int index) const;
     void dispatch(ZTEventSlot& slot, int index, struct ZTEventValues& values);
     ZTSubscription addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record);
-    bool removeSubscriptions(const ZTSubscriptionPrivate& pattern);
-    void endReceived();
-    void endSent();
+    bool removeSubscriptions(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended);
+    void endReceived(ZTLetGo& ended);
+    void endSent(ZTLetGo& ended);
     void clearBlockers();
 
     // What a delivery to the object looks at stands together.
@@ -109,9 +135,6 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     /// The heads of two lists.
     ZTEventBlocker* receivedEventBlockers = nullptr;
     ZTEventBlocker* sentEventBlockers = nullptr;
-    /// The object may be of another class than when it was subscribed: it is dying, or was moved,
-    /// and a move may leave a part of what the object was behind.
-    bool mayHaveChangedClass = false;
     ZTLifeStage stage = ZTLifeStage::Alive;
     /// The object is between two parents; see `setParent`.
     bool isMoving = false;
@@ -126,6 +149,9 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     std::unique_ptr<std::vector<std::unique_ptr<ZTEventSlot>>> eventSlots;
     ZTBasePrivate* parent = nullptr;
     std::vector<ZTBase*> children;
+    std::uint32_t rank = 0;
+    /// How many objects are about to become children, for which there is room already.
+    std::uint32_t expectedChildren = 0;
     /// The control blocks of the references to the object; null while there are none. Not owned:
     /// a block lives for its references.
     zt::detail::ZTRefImpl* refImpl = nullptr;
@@ -135,32 +161,34 @@ struct ZTBasePrivate : zt::detail::InBlocks {
     ZTLifeWatch* watches = nullptr;
 };
 
-/// Tells on the stack whether a record is still there after a call into the host.
-class ZTLifeWatch
+/// Keeps the value of a dynamic property while code of the host copies it or compares it with
+/// another: the property may get another value meanwhile, and the object may die.
+class ZTValueReading
 {
 public:
-    explicit ZTLifeWatch(ZTBasePrivate* record) noexcept : m_record(record)
+    explicit ZTValueReading(zt::detail::DynamicProperty& property) noexcept
+        : m_property(&property), m_value(&property.value), m_below(property.readings)
     {
-        if (record) {
-            m_below = record->watches;
-            record->watches = this;
-        }
+        property.readings = this;
     }
-    ZTLifeWatch(const ZTLifeWatch&) = delete;
-    ZTLifeWatch& operator=(const ZTLifeWatch&) = delete;
-    ~ZTLifeWatch()
+    ZTValueReading(const ZTValueReading&) = delete;
+    ZTValueReading& operator=(const ZTValueReading&) = delete;
+    ~ZTValueReading()
     {
-        if (m_record)
-            m_record->watches = m_below;
+        if (m_property)
+            m_property->readings = m_below;
     }
 
-    [[nodiscard]] ZTBasePrivate* record() const noexcept { return m_record; }
-    [[nodiscard]] ZTLifeWatch* below() const noexcept { return m_below; }
-    void recordDied() noexcept { m_record = nullptr; }
+    [[nodiscard]] const ZTVariant& value() const noexcept { return *m_value; }
 
 private:
-    ZTBasePrivate* m_record;
-    ZTLifeWatch* m_below = nullptr;
+    friend struct zt::detail::DynamicProperty;
+
+    zt::detail::DynamicProperty* m_property;
+    const ZTVariant* m_value;
+    ZTValueReading* m_below;
+    /// What the property had, in the outermost of those that were reading it then.
+    ZTVariant m_kept;
 };
 
 /// Keeps an object that somebody is making, or assigns to, from being deleted meanwhile: a parent
@@ -183,4 +211,21 @@ public:
 
 private:
     ZTLifeWatch m_watch;
+};
+
+/// Marks an object as one whose destruction has reached `ZTBase`. Its record tells the same, but
+/// may be moved away meanwhile.
+class ZTBasePrivate::Farewell
+{
+public:
+    explicit Farewell(const ZTBase* object) noexcept;
+    Farewell(const Farewell&) = delete;
+    Farewell& operator=(const Farewell&) = delete;
+    ~Farewell();
+
+    static bool isDying(const ZTBase* object) noexcept;
+
+private:
+    const ZTBase* m_object;
+    Farewell* m_outer;
 };

@@ -1,45 +1,67 @@
 #include "../events/eventslot.h"
 #include "baseprivate.h"
 
-#include <algorithm>
+#include <memory>
 #include <utility>
 
 ZTBasePrivate::ZTBasePrivate(ZTBase* owner) : object(owner) {}
 
+namespace
+{
+[[gnu::tls_model("initial-exec")]] thread_local ZTBasePrivate::Farewell* farewells = nullptr;
+} // namespace
+
+ZTBasePrivate::Farewell::Farewell(const ZTBase* object) noexcept
+    : m_object(object), m_outer(std::exchange(farewells, this))
+{}
+
+ZTBasePrivate::Farewell::~Farewell() { farewells = m_outer; }
+
+bool ZTBasePrivate::Farewell::isDying(const ZTBase* object) noexcept
+{
+    for (const Farewell* one = farewells; one; one = one->m_outer)
+        if (one->m_object == object)
+            return true;
+    return false;
+}
+
 /// Whatever names the object by its address follows it to the new one.
 void ZTBasePrivate::moveTo(ZTBase* newObject)
 {
-    if (parent)
-        std::replace(parent->children.begin(), parent->children.end(), object, newObject);
+    const std::size_t place = placeAmongChildren(); // as long as the entry has a record
+    if (parent && place < parent->children.size())
+        parent->children[place] = newObject;
     pointReferencesTo(newObject);
+    object->priv = nullptr;
+    newObject->priv = this;
     object = newObject;
-    mayHaveChangedClass = true;
     stage = ZTLifeStage::Alive; // the object that was dying stays behind
 }
 
-ZTBasePrivate* ZTBasePrivate::takeFrom(ZTBase& object)
+bool ZTBasePrivate::hasRecordToGive(const ZTBase& object)
 {
-    bool isWhole = object.priv && object.priv->stage < ZTLifeStage::TornDown;
-    return isWhole ? std::exchange(object.priv, nullptr) : nullptr;
+    return object.priv && object.priv->stage < ZTLifeStage::TornDown;
 }
 
-void ZTBasePrivate::replace(ZTBase* object, ZTBasePrivate* newRecord)
+void ZTBasePrivate::replace(ZTBase* object, ZTBase& other)
 {
-    ZTBasePrivate* old = std::exchange(object->priv, newRecord);
+    ZTBasePrivate* old = object->priv;
+    ZTBasePrivate* incoming = hasRecordToGive(other) ? other.priv : nullptr;
     // Out of the parent's list first: with the new record's entry in the same list, the two could
     // not be told apart.
     if (old)
         old->hasLeftParent = old->leaveChildren();
-    if (newRecord) {
+    object->priv = nullptr;
+    if (incoming) {
         // What was below the object cannot stay there: the object would be its own child.
-        if (old && newRecord->descendsFrom(old)) {
-            newRecord->leaveChildren();
-            newRecord->parent = nullptr;
+        if (old && incoming->descendsFrom(old)) {
+            incoming->leaveChildren();
+            incoming->parent = nullptr;
         }
-        newRecord->moveTo(object);
+        incoming->moveTo(object);
     }
-    Beginning assigned(newRecord); // the assignment goes on behind this
-    delete old;
+    Beginning assigned(incoming); // the assignment goes on behind this
+    end(old);
 }
 
 bool ZTBasePrivate::isAlone() const
@@ -49,31 +71,35 @@ bool ZTBasePrivate::isAlone() const
            !watches;
 }
 
-// The order is what hosts rely on. As a sender the object stays subscribed to until the last step,
-// so that a receiver that dies during one of the others is still taken out of the slots.
-ZTBasePrivate::~ZTBasePrivate()
+// The order is what hosts rely on. Handlers run until the last child is gone, and find the record
+// in its place. Then everything is taken apart at once, and what belongs to the host goes last.
+void ZTBasePrivate::end(ZTBasePrivate* record) noexcept
 {
-    if (isAlone())
+    if (!record || record->isAlone()) {
+        delete record;
         return;
-    stage = ZTLifeStage::TornDown;
-    endReceived();
-    if (parent)
-        setParent(nullptr);
-    deleteChildren();
-    clearWeakReferences();
-    clearBlockers();
-    clearStrongReferences();
-    while (activeEvents)
-        activeEvents = activeEvents->receiverDied();
-    stage = ZTLifeStage::Ending;
-    dynamicProperties.reset();
-    // The callables that die here run code of the host, which may use the object for a last time.
-    endSent();
-    endReceived();
-    deleteChildren();
-    clearWeakReferences();
-    clearBlockers();
-    clearStrongReferences();
-    for (; watches; watches = watches->below())
-        watches->recordDied();
+    }
+    ZTLetGo ended;
+    std::unique_ptr<zt::detail::DynamicProperties> properties;
+    record->stage = ZTLifeStage::TornDown;
+    record->endReceived(ended);
+    if (record->parent)
+        record->setParent(nullptr);
+    record->deleteChildren();
+
+    record->endReceived(ended); // what a handler has subscribed meanwhile
+    record->clearWeakReferences();
+    record->clearBlockers();
+    const bool wasHeld = record->clearStrongReferences();
+    while (record->activeEvents)
+        record->activeEvents = record->activeEvents->receiverDied();
+    for (ZTLifeWatch* watch = record->watches; watch; watch = watch->m_below)
+        watch->m_record = nullptr;
+    record->endSent(ended);
+    properties = std::move(record->dynamicProperties);
+    if (record->object->priv == record)
+        record->object->priv = nullptr;
+    delete record;
+    if (wasHeld)
+        warnOfHeldObject();
 }

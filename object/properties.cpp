@@ -1,6 +1,10 @@
+#include "../types/metatypeprivate.h"
 #include "baseprivate.h"
 
 #include <zintar/detail/lent.h>
+
+#include <string>
+#include <utility>
 
 using zt::detail::LentVariant;
 
@@ -8,8 +12,7 @@ ZTVariant ZTBase::property(std::string_view name) const
 {
     if (const ZTMetaProperty* declared = declaredProperty(name))
         return declared->get(LentVariant(this));
-    const ZTVariant* own = dynamicProperty(name);
-    return own ? *own : ZTVariant();
+    return copyOfDynamicProperty(name);
 }
 
 bool ZTBase::setProperty(std::string_view name, const ZTVariant& value, bool createDynamic)
@@ -35,34 +38,86 @@ const ZTVariant* ZTBase::dynamicProperty(std::string_view name) const
     return found ? &found->value : nullptr;
 }
 
+ZTVariant ZTBase::copyOfDynamicProperty(std::string_view name) const
+{
+    auto* found = priv ? priv->findDynamicProperty(name) : nullptr;
+    if (!found)
+        return {};
+    ZTValueReading reading(*found);
+    return reading.value();
+}
+
 std::vector<std::string_view> ZTBase::dynamicProperties() const
 {
     return priv ? priv->dynamicPropertyNames() : std::vector<std::string_view>();
 }
 
+namespace zt::detail
+{
+void DynamicProperty::leaveToReaders() noexcept
+{
+    if (!readings)
+        return;
+    // The outermost goes last.
+    ZTValueReading* outermost = readings;
+    while (outermost->m_below)
+        outermost = outermost->m_below;
+    outermost->m_kept = std::move(value);
+    for (ZTValueReading* one = readings; one; one = one->m_below) {
+        one->m_property = nullptr;
+        one->m_value = &outermost->m_kept;
+    }
+    readings = nullptr;
+}
+} // namespace zt::detail
+
+namespace
+{
+bool isDifferent(zt::detail::DynamicProperty& property, const ZTVariant& value)
+{
+    ZTValueReading reading(property);
+    return reading.value() != value;
+}
+} // namespace
+
 void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& value)
 {
+    ZTVariant old; // the last to go
+    ZTLifeWatch self(this);
     zt::detail::DynamicProperty* property = findDynamicProperty(name);
-    if (!property)
-        property = &addDynamicProperty(name, value);
-    else if (property->value != value) // may run code of the host, which may add properties
-        property->value = value;
-    else
+    if (property && (!isDifferent(*property, value) || !self))
         return;
-    if (eventSlots) // somebody may listen
-        object->dynamicPropertyChanged(property->name, value);
+    if (!property || !zt::detail::assignInPlace(property->value, value)) {
+        const std::string key(name); // the copy below may end what the name is in
+        ZTVariant copy(value);
+        if (!self)
+            return;
+        if (!property)
+            property = findDynamicProperty(key);
+        if (!property) {
+            property = &addDynamicProperty(key, std::move(copy));
+        } else {
+            property->leaveToReaders();
+            old = std::exchange(property->value, std::move(copy));
+        }
+    }
+    if (eventSlots) { // somebody may listen
+        const std::string key(property->name);
+        object->dynamicPropertyChanged(key, value);
+    }
 }
 
 zt::detail::DynamicProperty& ZTBasePrivate::addDynamicProperty(std::string_view name,
-                                                               const ZTVariant& value)
+                                                               ZTVariant&& value)
 {
+    auto added = std::make_unique<zt::detail::DynamicProperty>(name, std::move(value));
     if (!dynamicProperties)
         dynamicProperties = std::make_unique<zt::detail::DynamicProperties>();
     auto& [list, byName] = *dynamicProperties;
-    zt::detail::DynamicProperty& property =
-        *list.emplace_back(std::make_unique<zt::detail::DynamicProperty>(name, value));
-    byName.add(property.name, &property);
-    return property;
+    if (list.size() == list.capacity())
+        list.reserve(2 * list.capacity() + 1);
+    byName.add(added->name, added.get());
+    return *list.emplace_back(std::move(added));
 }
 
 std::vector<std::string_view> ZTBasePrivate::dynamicPropertyNames() const

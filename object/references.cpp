@@ -61,12 +61,16 @@ void ZTBasePrivate::clearWeakReferences()
         block->object = nullptr;
 }
 
-void ZTBasePrivate::clearStrongReferences()
+bool ZTBasePrivate::clearStrongReferences()
 {
     auto* block = std::exchange(strongRefImpl, nullptr);
-    if (!block)
-        return;
-    block->object = nullptr;
+    if (block)
+        block->object = nullptr;
+    return block != nullptr;
+}
+
+void ZTBasePrivate::warnOfHeldObject()
+{
     ztLog("Zintar Error: ZTBase object destroyed while being controlled by ZTStrongRef.",
           ZTLogType::Error);
 }

@@ -3,6 +3,7 @@
 #include <zintar/log.h>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace
@@ -16,12 +17,38 @@ public:
     Moving& operator=(const Moving&) = delete;
     ~Moving()
     {
-        if (m_moved.record())
+        if (m_moved)
             m_moved.record()->isMoving = false;
     }
 
 private:
     const ZTLifeWatch& m_moved;
+};
+
+/// Keeps room among the children of an object for one that is about to join, whatever handlers add
+/// meanwhile.
+class ZTJoining
+{
+public:
+    explicit ZTJoining(ZTBase* parent) : m_parent(parent)
+    {
+        if (m_parent) {
+            m_parent.record()->reserveChild();
+            ++m_parent.record()->expectedChildren;
+        }
+    }
+    ZTJoining(const ZTJoining&) = delete;
+    ZTJoining& operator=(const ZTJoining&) = delete;
+    ~ZTJoining()
+    {
+        if (m_parent)
+            --m_parent.record()->expectedChildren;
+    }
+    /// Null when there is none, or when it has died.
+    [[nodiscard]] ZTBasePrivate* parent() const { return m_parent.record(); }
+
+private:
+    ZTLifeWatch m_parent;
 };
 } // namespace
 
@@ -38,34 +65,61 @@ void ZTBasePrivate::setParent(ZTBase* newParent)
     if (newParent && stage >= ZTLifeStage::TornDown)
         return;
 
+    ZTJoining joining(newParent);
     ZTLifeWatch self(this);
-    ZTLifeWatch target(of(newParent));
     bool wasListed = hasLeftParent || leaveChildren();
     hasLeftParent = false;
     ZTBasePrivate* oldParent = std::exchange(parent, nullptr);
     if (oldParent && wasListed) {
         Moving moving(self);
         oldParent->object->childRemoved(object);
-        if (!self.record())
+        if (!self)
             return;
     }
-    parent =
-        target.record() && target.record()->stage < ZTLifeStage::Ending ? target.record() : nullptr;
-    if (parent) {
-        parent->children.push_back(object);
-        parent->object->childAdded(object);
+    if (ZTBasePrivate* joined = joining.parent()) {
+        joined->addChild(*this);
+        joined->object->childAdded(object);
     }
+}
+
+void ZTBasePrivate::reserveChild()
+{
+    const std::size_t needed = children.size() + expectedChildren + 1;
+    if (needed > children.capacity())
+        children.reserve(std::max(needed, 2 * children.capacity()));
+}
+
+void ZTBasePrivate::addChild(ZTBasePrivate& child)
+{
+    const ZTBasePrivate* last = children.empty() ? nullptr : of(children.back());
+    if (last && last->rank == std::numeric_limits<std::uint32_t>::max()) {
+        std::uint32_t next = 0;
+        for (ZTBase* sibling : children)
+            if (sibling)
+                of(sibling)->rank = next++;
+    }
+    child.rank = last ? last->rank + 1 : 0;
+    child.parent = this;
+    children.push_back(child.object);
+}
+
+std::size_t ZTBasePrivate::placeAmongChildren() const
+{
+    if (!parent)
+        return 0;
+    const auto& siblings = parent->children;
+    auto isBefore = [this](const ZTBase* sibling) { return !sibling || of(sibling)->rank < rank; };
+    auto found = std::partition_point(siblings.begin(), siblings.end(), isBefore);
+    bool isListed = found != siblings.end() && *found == object;
+    return isListed ? static_cast<std::size_t>(found - siblings.begin()) : siblings.size();
 }
 
 bool ZTBasePrivate::leaveChildren()
 {
-    if (!parent)
+    const std::size_t place = placeAmongChildren();
+    if (!parent || place == parent->children.size())
         return false;
-    auto& siblings = parent->children;
-    auto found = std::find(siblings.begin(), siblings.end(), object);
-    if (found == siblings.end())
-        return false;
-    siblings.erase(found);
+    parent->children.erase(parent->children.begin() + static_cast<std::ptrdiff_t>(place));
     return true;
 }
 

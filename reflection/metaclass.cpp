@@ -1,5 +1,6 @@
 #include <zintar/metaclass.h>
 
+#include "descriptorlives.h"
 #include "memberlookup.h"
 
 #include <zintar/log.h>
@@ -10,6 +11,8 @@
 // of them is pure.
 
 using zt::detail::emptyView;
+
+std::atomic<unsigned int> zt::detail::descriptorsEnded = 0;
 
 namespace
 {
@@ -44,7 +47,7 @@ ZTVariant ZTMetaProperty::set(const ZTVariant&, const ZTVariant&) const { return
 bool ZTMetaProperty::isDynamic() const { return false; }
 ZTMetaProperty::operator bool() const { return isSet(name()); }
 
-ZTMetaInvokable::~ZTMetaInvokable() = default;
+ZTMetaInvokable::~ZTMetaInvokable() { zt::detail::descriptorsEnded.fetch_add(1, std::memory_order_relaxed); }
 std::string_view ZTMetaInvokable::name() const { return emptyView; }
 bool ZTMetaInvokable::isConst() const { return false; }
 bool ZTMetaInvokable::isEvent() const { return false; }
@@ -57,7 +60,7 @@ ZTVariant ZTMetaInvokable::invoke(const ZTVariant&, const ZTArgumentArray&) cons
 bool ZTMetaInvokable::isDynamic() const { return false; }
 ZTMetaInvokable::operator bool() const { return isSet(name()); }
 
-ZTMetaClass::~ZTMetaClass() = default;
+ZTMetaClass::~ZTMetaClass() { zt::detail::descriptorsEnded.fetch_add(1, std::memory_order_relaxed); }
 const ZTMetaClass* ZTMetaClass::superClass() const { return nullptr; }
 std::string_view ZTMetaClass::typeName() const { return emptyView; }
 const ZTMetaType& ZTMetaClass::metaType() const { return ZTMetaType::ZTBadMetaType; }

@@ -3,6 +3,7 @@
 #include "nameindex.h"
 
 #include <zintar/metatype.h>
+#include <zintar/variant.h>
 
 #include <string>
 #include <typeindex>
@@ -59,6 +60,17 @@ ZTMetaTypeRegistry& ztMetaTypeRegistry();
 
 namespace zt::detail
 {
+/// Copies a value over one of the same type without a new block and without any code of the host,
+/// where the type allows it; otherwise nothing happens, and the result is false.
+inline bool assignInPlace(ZTVariant& target, const ZTVariant& source)
+{
+    const AssignFunction assign = ZTMetaTypePrivate::of(target.type()).assign;
+    if (!assign || &target.type() != &source.type() || !target.data() || !source.data())
+        return false;
+    assign(target.data(), source.data());
+    return true;
+}
+
 /// Registers the types that are always there, in their fixed order.
 void registerBuiltInTypes();
 } // namespace zt::detail

@@ -22,11 +22,8 @@ ZTVariant::ZTVariant(const ZTVariant& other) : m_type(other.m_type), m_data(null
 
 ZTVariant& ZTVariant::operator=(const ZTVariant& other)
 {
-    const auto assign = ZTMetaTypePrivate::of(*m_type).assign;
-    if (assign && m_type == other.m_type && m_data && other.m_data)
-        assign(m_data, other.m_data);
     // The copy is made first: `other` may live in the block that this variant gives up.
-    else if (this != &other)
+    if (!zt::detail::assignInPlace(*this, other) && this != &other)
         *this = ZTVariant(other);
     return *this;
 }

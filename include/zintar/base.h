@@ -2,6 +2,7 @@
 
 #include <zintar/detail/handlers.h>
 #include <zintar/detail/lent.h>
+#include <zintar/detail/lifewatch.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/metaclass.h>
@@ -53,7 +54,19 @@ int indexOfMember(void* variable)
 /// Raises an event of an object for a function of its class.
 struct ZT_EXPORT EventRaiser {
     static void raise(const ZTBase& sender, int index, const ZTArgumentArray& arguments);
+    /// Raises it with typed values, if the sender is still there and somebody still listens.
+    static void raise(const ZTLifeWatch& sender, const DeclaredEvent& event, void** values);
 };
+
+/// Whether a value for an event is made of an argument without code of the host.
+template <class Value, class Argument>
+inline constexpr bool isPlainCopy = std::is_same_v<Value, Argument>
+                                        ? std::is_trivially_copyable_v<Value> ||
+                                              std::is_same_v<Value, std::string>
+                                        : (std::is_scalar_v<Value>&& std::is_scalar_v<Argument>) ||
+                                              (std::is_same_v<Value, std::string> &&
+                                               (std::is_pointer_v<Argument> ||
+                                                std::is_same_v<Argument, std::string_view>));
 
 /// Logs that a member function that was to be subscribed to is no invokable of its class.
 ZT_EXPORT void warnUnknownEvent(const ZTMetaClass& metaClass);
@@ -154,11 +167,13 @@ public:
         if (const ZTMetaProperty* declared = declaredProperty(name))
             return ztVariantValue<T>(declared->get(zt::detail::LentVariant(this)));
         using Held = zt::detail::Canonical<zt::detail::RetrievedType<T>>;
-        const ZTVariant* own = dynamicProperty(name);
-        if (const auto* held = own ? zt::detail::heldAs<Held>(*own) : nullptr)
-            return static_cast<T>(*held);
-        // From a copy, since a converter may run code that changes the property.
-        return ztVariantValue<T>(own ? *own : ZTVariant());
+        if constexpr (zt::detail::isPlainCopy<Held, Held>) {
+            const ZTVariant* own = dynamicProperty(name);
+            if (const auto* held = own ? zt::detail::heldAs<Held>(*own) : nullptr)
+                return static_cast<T>(*held);
+        }
+        // From a copy, since code of the host that copies or converts may change the property.
+        return ztVariantValue<T>(copyOfDynamicProperty(name));
     }
 
     /// Sets a property of the class, or else a dynamic property of this object.
@@ -337,6 +352,7 @@ private:
     [[nodiscard]] const ZTMetaProperty* declaredProperty(std::string_view name) const;
     /// The value of the dynamic property, or null. Good until the property is set.
     [[nodiscard]] const ZTVariant* dynamicProperty(std::string_view name) const;
+    [[nodiscard]] ZTVariant copyOfDynamicProperty(std::string_view name) const;
 
     static zt::detail::ClassTable& ztTable();
 
@@ -382,12 +398,25 @@ private:
     [[gnu::noinline]] static void deliver(const ZTBase& sender, ZTEventSlot& slot,
                                           const DeclaredEvent& event, Arguments&&... arguments)
     {
-        // Copies: a handler may change what the arguments refer to.
+        if constexpr ((isPlainCopy<Held<P>, std::decay_t<Arguments>> && ...)) {
+            withCopies([&](void** values) { sender.sendValues(slot, event, values); },
+                       std::forward<Arguments>(arguments)...);
+        } else {
+            ZTLifeWatch watch(&sender);
+            withCopies([&](void** values) { EventRaiser::raise(watch, event, values); },
+                       std::forward<Arguments>(arguments)...);
+        }
+    }
+
+    /// Copies, since a handler may change what the arguments refer to.
+    template <class Send, class... Arguments>
+    static void withCopies(const Send& send, Arguments&&... arguments)
+    {
         std::tuple<Held<P>...> values(hold<P>(std::forward<Arguments>(arguments))...);
         std::apply(
             [&](auto&... value) {
-                void* addresses[] = {&value..., nullptr};
-                sender.sendValues(slot, event, addresses);
+                void* addresses[] = {std::addressof(value)..., nullptr};
+                send(addresses);
             },
             values);
     }

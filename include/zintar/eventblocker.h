@@ -30,6 +30,7 @@ private:
     /// Of the object, which may move meanwhile; null where there is nothing to block.
     ZTBasePrivate* record;
     bool blockSent;
-    /// In the list of the object.
+    // In the list of the object: the next one, and what points to this one.
     ZTEventBlocker* next = nullptr;
+    ZTEventBlocker** link = nullptr;
 };

@@ -46,6 +46,8 @@ struct ZTBasePrivate;
 struct ZTDynamicBasePrivate;
 struct ZTSubscriptionPrivate;
 struct ZTEventSlot;
+class ZTLetGo;
+class ZTLifeWatch;
 
 namespace zt::detail
 {

@@ -13,7 +13,8 @@
 ///
 /// Two handles are equal when they name the same subscription, or two subscriptions of the same
 /// invokable by the same subscriber to the same event, or when neither names a living one.
-/// Threads: a handle may be copied and tested on another thread.
+/// Threads: a handle may be copied, compared, tested and dropped on any thread, also while the
+/// subscription ends on the thread of its objects, where its handler is destroyed.
 class ZT_EXPORT ZTSubscription
 {
 public:
@@ -30,13 +31,14 @@ protected:
 private:
     friend struct ZTBase;
     friend struct ZTBasePrivate;
+    friend class ZTScopedSubscription;
 
     std::weak_ptr<ZTSubscriptionPrivate> m_record;
 };
 
-/// Ends its subscription when it goes. It is what subscribing a callable with captures and without
-/// a receiver gives: nothing else bounds the life of what the callable captured.
-/// Not copyable, since one of two copies would end the subscription under the other.
+/// Ends its subscription, and that one alone, when it goes. It is what subscribing a callable with
+/// captures and without a receiver gives: nothing else bounds the life of what the callable
+/// captured. Not copyable, since one of two copies would end the subscription under the other.
 class ZT_EXPORT [[nodiscard("keep it: the subscription ends with it")]] ZTScopedSubscription
 {
 public:
@@ -50,8 +52,8 @@ public:
     ~ZTScopedSubscription();
 
     [[nodiscard]] explicit operator bool() const noexcept { return bool(m_subscription); }
-    /// Ends the subscription now.
-    void reset();
+    /// Ends the subscription now, and no other one, whatever its handler is.
+    void reset() noexcept;
     /// Lets the subscription live on; the caller sees to its end.
     ZTSubscription release() noexcept { return std::exchange(m_subscription, {}); }
 
@@ -86,5 +88,11 @@ struct ZT_EXPORT ZTHandlerBase {
 
     /// What the library knows of a handler that its own templates made; otherwise null.
     const HandlerDescription* description = nullptr;
+
+private:
+    friend class ::ZTLetGo;
+
+    /// Among the handlers whose subscriptions one operation has ended.
+    ZTHandlerBase* m_nextEnded = nullptr;
 };
 } // namespace zt::detail

@@ -55,9 +55,6 @@ struct ZT_EXPORT DescribedHandler : ZTHandlerBase, InBlocks {
     [[nodiscard]] std::string_view typeName() const final;
     [[nodiscard]] unsigned int parameterCount() const final;
     [[nodiscard]] const ZTMetaType& parameterMetaType(unsigned int index) const final;
-    /// Whether the object still is what a member function of the handler needs. Asked only where
-    /// it may have changed since it was subscribed.
-    [[nodiscard]] virtual bool fits(const ZTBase& subscriber) const;
 
 protected:
     /// Marks the handler as running.
@@ -129,15 +126,10 @@ public:
         return other->type == typeid(Method) &&
                *static_cast<const Method*>(other->function) == m_method;
     }
-    bool fits(const ZTBase& subscriber) const override
-    {
-        if constexpr (std::is_same_v<Receiver, ZTBase>)
-            return true;
-        else
-            return dynamic_cast<const Receiver*>(&subscriber) != nullptr;
-    }
     void invoke(const ZTBase* subscriber, void*, void** arguments) override
     {
+        if (!isReceiver(*subscriber)) [[unlikely]]
+            return;
         // Nothing of the handler is used behind the call, so it may be deleted meanwhile.
         Method method = m_method;
         auto* receiver = static_cast<Receiver*>(const_cast<ZTBase*>(subscriber));
@@ -146,7 +138,22 @@ public:
     }
 
 private:
+    /// Whether the object still is what the member function needs: its destruction may have gone
+    /// further, and a move may leave a part of what it was behind.
+    bool isReceiver(const ZTBase& subscriber)
+    {
+        if constexpr (!std::is_same_v<std::remove_const_t<Receiver>, ZTBase>) {
+            if (&typeid(subscriber) == m_knownClass) [[likely]]
+                return true;
+            if (!dynamic_cast<const Receiver*>(&subscriber))
+                return false;
+            m_knownClass = &typeid(subscriber);
+        }
+        return true;
+    }
+
     Method m_method;
+    const std::type_info* m_knownClass = nullptr;
 };
 
 template <class Callable, class Params>
