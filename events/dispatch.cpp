@@ -54,8 +54,8 @@ bool fits(const ZTVariant& value, const ZTMetaType& declared)
         const ZTMetaType& declared = event.parameterMetaType(i);
         if (fits(arguments[i], declared))
             continue;
-        text += (text.empty() ? "Zintar Warning: Event " + std::string(event.name()) +
-                                    " of class " + std::string(className) + " was sent with "
+        text += (text.empty() ? "Zintar Warning: Event " + std::string(event.name()) + " of " +
+                                    std::string(className) + " was sent with "
                               : "; ") +
                 "no \"" + declared.name() + "\" at position " + std::to_string(i) + " but " +
                 (arguments[i] ? "a \"" + arguments[i].type().name() + "\"" : "nothing");

@@ -8,7 +8,12 @@ struct ZTDynamicBasePrivate {
     const ZTMetaClass* metaClass = nullptr;
 };
 
-ZTDynamicBase::ZTDynamicBase(ZTBase* parent) : ZTBase(parent), dynamicPriv(new ZTDynamicBasePrivate)
+ZTDynamicBase::ZTDynamicBase(ZTBase* parent)
+    : ZTDynamicBase(parent, std::make_unique<ZTDynamicBasePrivate>())
+{}
+
+ZTDynamicBase::ZTDynamicBase(ZTBase* parent, std::unique_ptr<ZTDynamicBasePrivate> record)
+    : ZTBase(parent), dynamicPriv(record.release())
 {}
 
 ZTDynamicBase::ZTDynamicBase(ZTDynamicBase&& other) noexcept

@@ -38,3 +38,8 @@ ZTLifeWatch::~ZTLifeWatch()
     if (m_record)
         m_record->watches = m_below;
 }
+
+bool ZTLifeWatch::isStill(const ZTBase* object) const noexcept
+{
+    return m_record && m_record->object == object;
+}

@@ -3,6 +3,7 @@
 
 #include <zintar/detail/lent.h>
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -82,28 +83,33 @@ bool isDifferent(zt::detail::DynamicProperty& property, const ZTVariant& value)
 
 void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& value)
 {
+    using Changed =
+        zt::detail::TypedEvent<&ZTBase::dynamicPropertyChanged,
+                               zt::detail::Parameters<const std::string&, const ZTVariant&>>;
     ZTVariant old; // the last to go
     ZTLifeWatch self(this);
     zt::detail::DynamicProperty* property = findDynamicProperty(name);
     if (property && (!isDifferent(*property, value) || !self))
         return;
-    if (!property || !zt::detail::assignInPlace(property->value, value)) {
-        const std::string key(name); // the copy below may end what the name is in
-        ZTVariant copy(value);
-        if (!self)
-            return;
-        if (!property)
-            property = findDynamicProperty(key);
-        if (!property) {
-            property = &addDynamicProperty(key, std::move(copy));
-        } else {
-            property->leaveToReaders();
-            old = std::exchange(property->value, std::move(copy));
-        }
+    if (!eventSlots && property && zt::detail::assignInPlace(property->value, value))
+        return;
+    const std::string key(name); // the copies below may end what the name is in
+    std::optional<ZTVariant> told;
+    if (eventSlots) // somebody may listen
+        told.emplace(value);
+    ZTVariant copy(value);
+    if (!self)
+        return;
+    property = findDynamicProperty(key);
+    if (!property) {
+        addDynamicProperty(key, std::move(copy));
+    } else {
+        property->leaveToReaders();
+        old = std::exchange(property->value, std::move(copy));
     }
-    if (eventSlots) { // somebody may listen
-        const std::string key(property->name);
-        object->dynamicPropertyChanged(key, value);
+    if (told) {
+        void* values[] = {const_cast<std::string*>(&key), &*told};
+        zt::detail::EventRaiser::raise(self, Changed::declared(), values);
     }
 }
 

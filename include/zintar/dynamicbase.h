@@ -2,6 +2,8 @@
 
 #include <zintar/base.h>
 
+#include <memory>
+
 /// An object whose class can be chosen once for this one object, at run time.
 ///
 /// It starts with the class that its type declares, `baseMetaClass()`, and can be given a class
@@ -35,6 +37,8 @@ protected:
 
 private:
     friend struct zt::detail::ClassAccess;
+    /// @param record  made before the parent hears of the object
+    ZTDynamicBase(ZTBase* parent, std::unique_ptr<ZTDynamicBasePrivate> record);
     static zt::detail::ClassTable& ztTable();
 
     ZTDynamicBasePrivate* dynamicPriv;

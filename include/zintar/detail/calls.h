@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <tuple>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -62,7 +63,8 @@ template <class Object>
             knownPointerType<Object>.store(&type, std::memory_order_relaxed);
     }
     auto* base = static_cast<ZTBase*>(const_cast<void*>(address));
-    if (base && !isObjectOf<std::remove_const_t<Object>>(*base)) {
+    bool isOther = base ? !isObjectOf<std::remove_const_t<Object>>(*base) : holdsPointer(object);
+    if (isOther) {
         warnFailedConversion(askedName<Object*>(), type);
         return nullptr;
     }
@@ -73,7 +75,7 @@ template <class Object>
 ///
 /// A pointer goes along the class tree unchanged, so it may be to an object of another class, or to
 /// one whose destruction has come as far as `ZTBase`. Then there is no such object; it is told in
-/// the log.
+/// the log, as is a pointer to an object of an unrelated class.
 template <class Object>
 Object* objectIn(const ZTVariant& object)
 {
@@ -111,19 +113,51 @@ decltype(auto) unboxed(const ZTVariant& argument)
         return ztVariantValue<Asked<P>>(argument);
 }
 
-/// Calls with the arguments unpacked, and packs the result.
-template <class Result, class Call, class... P>
-ZTVariant callBoxed(const Call& call, const ZTArgumentArray& arguments, Parameters<P...>)
+/// Whether an argument comes out of a variant without any code of the host.
+template <class P>
+bool isPlainArgument([[maybe_unused]] const ZTVariant& argument)
 {
-    return [&]<std::size_t... I>(std::index_sequence<I...>)
+    using Value = Held<P>;
+    if constexpr (std::is_same_v<Value, ZTVariant>)
+        return true;
+    else if constexpr (isPlainCopy<Value, Value>)
+        return heldAs<Canonical<Value>>(argument) != nullptr;
+    else
+        return false;
+}
+
+/// Calls with the values, and packs the result.
+template <class Result, class Call, class... Values>
+ZTVariant callPacked(const Call& call, Values&&... values)
+{
+    if constexpr (std::is_void_v<Result>) {
+        call(std::forward<Values>(values)...);
+        return ZTVariant();
+    } else {
+        return boxResult<Result>(call(std::forward<Values>(values)...));
+    }
+}
+
+/// Calls with the arguments unpacked, and packs the result. What unpacks them may be code of the
+/// host that ends the object; then there is no call.
+template <class Result, class Call>
+ZTVariant callBoxed(const ZTBase&, const Call& call, const ZTArgumentArray&, Parameters<>)
+{
+    return callPacked<Result>(call);
+}
+template <class Result, class Call, class... P>
+ZTVariant callBoxed(const ZTBase& object, const Call& call, const ZTArgumentArray& arguments,
+                    Parameters<P...>)
+{
+    return [&]<std::size_t... I>(std::index_sequence<I...>)->ZTVariant
     {
-        (void)arguments;
-        if constexpr (std::is_void_v<Result>) {
-            call(passAs<P>(unboxed<P>(arguments[I]))...);
-            return ZTVariant();
-        } else {
-            return boxResult<Result>(call(passAs<P>(unboxed<P>(arguments[I]))...));
-        }
+        if ((isPlainArgument<P>(arguments[I]) && ...))
+            return callPacked<Result>(call, passAs<P>(unboxed<P>(arguments[I]))...);
+        const ZTLifeWatch watch(&object);
+        const std::tuple<decltype(unboxed<P>(arguments[I]))...> values(unboxed<P>(arguments[I])...);
+        if (!watch.isStill(&object))
+            return {};
+        return callPacked<Result>(call, passAs<P>(std::get<I>(values))...);
     }
     (std::index_sequence_for<P...>());
 }
@@ -133,18 +167,26 @@ ZTVariant callBoxed(const Call& call, const ZTArgumentArray& arguments, Paramete
 template <class Class, class P, class Store>
 ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, Store&& store)
 {
+    using Value = Held<P>;
     auto* self = objectIn<Class>(object);
     if (!self)
         return {};
-    if constexpr (std::is_same_v<Held<P>, ZTVariant>) {
+    if constexpr (std::is_same_v<Value, ZTVariant>) {
         store(*self, value);
     } else {
-        static_assert(std::is_default_constructible_v<Held<P>>,
+        static_assert(std::is_default_constructible_v<Value>,
                       "The type of a property that can be set needs a default value.");
-        Held<P> held{};
-        if (!retrieve<Asked<P>>(value, held))
+        if (isPlainArgument<P>(value)) {
+            const auto held = static_cast<Value>(*heldAs<Canonical<Value>>(value));
+            store(*self, held);
             return {};
-        if constexpr (isDataPointer<Held<P>>) {
+        }
+        // What takes the value out may be code of the host that ends the object.
+        const ZTLifeWatch watch(self);
+        Value held{};
+        if (!retrieve<Asked<P>>(value, held) || !watch.isStill(self))
+            return {};
+        if constexpr (isDataPointer<Value>) {
             // Of an unrelated class: it came out as null, in silence.
             if (!held && holdsPointer(value)) {
                 warnFailedConversion(askedName<Asked<P>>(), value.type());

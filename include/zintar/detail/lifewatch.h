@@ -15,6 +15,8 @@ public:
     ZTLifeWatch& operator=(const ZTLifeWatch&) = delete;
     ~ZTLifeWatch();
 
+    /// Whether it is the living object: it has not died, nor been moved elsewhere.
+    [[nodiscard]] bool isStill(const ZTBase* object) const noexcept;
     [[nodiscard]] explicit operator bool() const noexcept { return m_record != nullptr; }
     /// Null once the object has died.
     [[nodiscard]] ZTBasePrivate* record() const noexcept { return m_record; }

@@ -19,6 +19,7 @@ ZTVariant invokeMember(const ZTVariant& object, const ZTArgumentArray& arguments
     if (!self)
         return {};
     return callBoxed<typename Traits::Result>(
+        *self,
         [self](auto&&... values) -> decltype(auto) {
             return (self->*Member)(std::forward<decltype(values)>(values)...);
         },

@@ -44,6 +44,7 @@ InvokableFunction wrapMethod(Callable callable)
         if (!self)
             return {};
         return callBoxed<typename Traits::Result>(
+            *self,
             [&](auto&&... values) -> decltype(auto) {
                 return callable(*self, std::forward<decltype(values)>(values)...);
             },
