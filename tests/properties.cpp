@@ -167,4 +167,19 @@ TEST_F(Properties, FunctionsGetTheObjectAsARoot)
     EXPECT_TRUE(object.setProperty("p", 1));
     EXPECT_EQ(diary.take(), "struct ZTBase*");
 }
+TEST_F(Properties, FoundPropertyIsOfItsClassAlone)
+{
+    const ZTMetaProperty& level = *heater.metaClass()->property("level");
+    Named stranger("level");
+    ZTBase* object = &stranger; // comes along the class tree, but is no heater
+    std::string log = support::logOf([&] {
+        EXPECT_EQ(level.get<int>(object), 0);
+        level.set(object, 7);
+    });
+    EXPECT_NE(log.find("\"const struct sample::Heater*\""), std::string::npos) << log;
+    EXPECT_NE(log.find("\"struct sample::Heater*\""), std::string::npos) << log;
+    object = &heater;
+    level.set(object, 7);
+    EXPECT_EQ(level.get<int>(object), 7);
+}
 } // namespace

@@ -217,4 +217,22 @@ TEST_F(Subscription, ScopedOneEndsWithItsHolder)
     EXPECT_FALSE(again);
 }
 
+TEST(SubscriptionHandle, EqualsThatOfTheSameEventAlone)
+{
+    Speaker speaker, other;
+    Diary diary;
+    Hearer hearer("h", diary);
+    const ZTMetaInvokable* any = hearer.metaClass()->invokable<void()>("hearAny");
+    auto handle = [&](Speaker& sender, auto event) {
+        return ZTBase::subscribe(&sender, event, &hearer, any);
+    };
+    const ZTSubscription one = handle(speaker, &Speaker::said);
+    EXPECT_EQ(one, handle(speaker, &Speaker::said));
+    EXPECT_FALSE(one == handle(speaker, &Speaker::told));
+    EXPECT_FALSE(one == handle(other, &Speaker::said));
+
+    ZTScopedSubscription scoped(handle(speaker, &Speaker::said));
+    scoped.reset();
+    EXPECT_TRUE(one);
+}
 } // namespace

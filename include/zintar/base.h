@@ -136,7 +136,8 @@ public:
     ZTBase(ZTBase&& other) noexcept;
     /// The object becomes what `other` was. Its children are destroyed and it leaves its parent;
     /// `destroyed` is not sent. A handler that throws meanwhile ends the process; one may delete
-    /// the parent of either object, but neither of the two.
+    /// the parent of either object, but neither of the two. An object whose own destruction has
+    /// reached `ZTBase` takes nothing over, and `other` stays what it is.
     ZTBase& operator=(ZTBase&& other) noexcept;
 
     [[nodiscard]] virtual const ZTMetaClass* metaClass() const;
@@ -148,6 +149,10 @@ public:
 
     /// Moves the object to the end of the children of another parent, which deletes it from then
     /// on; null makes it a root object that nobody deletes.
+    ///
+    /// A parent that dies while its child is in the hands of `ZTBase`'s constructor, assignment or
+    /// destructor lets go of it. While the body of a derived class's constructor or destructor
+    /// runs it must live on.
     ///
     /// `childRemoved` of the old parent comes first, then `childAdded` of the new one. A call on
     /// the same object from a handler of that `childRemoved` does nothing: the outer call's
@@ -178,8 +183,8 @@ public:
 
     /// Sets a property of the class, or else a dynamic property of this object.
     ///
-    /// Nothing is converted on the way; what a setter cannot take is told in the log and leaves
-    /// the property as it was. A property that the class declares without a setter stays
+    /// A setter converts the value by a registered converter where it has to; what it cannot take
+    /// is told in the log and leaves the property as it was. A property that the class declares without a setter stays
     /// unchanged and still answers true. A dynamic property that changes sends
     /// `dynamicPropertyChanged`.
     /// @param createDynamic  store the value under a name that the class does not know; also
@@ -304,6 +309,9 @@ protected:
     /// The receivers are called in the order of their subscribing, on this thread. An index that
     /// the class does not have is told in the log, and nothing is delivered. What a handler throws
     /// passes through; the receivers behind it are not called.
+    /// @param arguments  not copied: each receiver gets what stands in it when its turn comes. A
+    ///                   value of another type than the event declares is told in the log if
+    ///                   anybody listens, and reaches typed handlers as a default value
     void sendEvent(int index, const ZTArgumentArray& arguments) const;
 
     /// Raises `Event`, a member function of the class that is declared as an event:
