@@ -1,5 +1,6 @@
 #include "support/hostclasses.h"
 
+#include <pthread.h>
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -172,5 +173,27 @@ TEST(Growth, ChildrenGoFromTheLastToTheFirst)
             });
         },
         5000);
+}
+TEST(Growth, DepthThatAMegabyteOfStackLetsGo)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(NDEBUG)
+    constexpr int depth = 500; // their frames are larger
+#else
+    constexpr int depth = 6000;
+#endif
+    auto chain = [](void*) -> void* {
+        auto root = std::make_unique<ZTBase>();
+        ZTBase* lowest = root.get();
+        for (int i = 1; i < depth; ++i)
+            lowest = new ZTBase(lowest);
+        return nullptr;
+    };
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 1 << 20), 0);
+    pthread_t thread{};
+    ASSERT_EQ(pthread_create(&thread, &attributes, chain, nullptr), 0);
+    EXPECT_EQ(pthread_join(thread, nullptr), 0);
+    pthread_attr_destroy(&attributes);
 }
 } // namespace
