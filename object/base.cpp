@@ -10,6 +10,7 @@ ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
     try {
         setParent(parent);
     } catch (...) { // no destructor runs for this object then
+        ZTBasePrivate::Farewell farewell(this);
         ZTBasePrivate::end(priv);
         throw;
     }
@@ -35,11 +36,14 @@ ZTBase::~ZTBase()
 {
     if (!priv)
         return;
-    priv->stage = ZTLifeStage::Dying;
-    if (priv->eventSlots) { // somebody may listen
-        ZTBasePrivate::Farewell farewell(this);
-        destroyed(this);
+    if (priv->isAlone()) {
+        ZTBasePrivate::end(priv);
+        return;
     }
+    ZTBasePrivate::Farewell farewell(this);
+    priv->stage = ZTLifeStage::Dying;
+    if (priv->eventSlots) // somebody may listen
+        destroyed(this);
     ZTBasePrivate::end(priv);
 }
 

@@ -213,8 +213,9 @@ private:
     ZTLifeWatch m_watch;
 };
 
-/// Marks an object as one whose destruction has reached `ZTBase`. Its record tells the same, but
-/// may be moved away meanwhile.
+/// Marks an object as one whose destruction has reached `ZTBase`, to the end of that. Its record
+/// tells the same, but may be moved away meanwhile, and is gone when its properties and handlers
+/// go.
 class ZTBasePrivate::Farewell
 {
 public:

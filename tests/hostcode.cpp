@@ -129,6 +129,16 @@ TEST_F(HostCode, DyingObjectIsAssignedTo)
     }
 }
 
+TEST_F(HostCode, ObjectIsAssignedToWhereWhatItOwnedGoes)
+{
+    auto* dying = watched("d");
+    ZTBase other(&observer);
+    dying->setProperty("end", atTheEnd([&] { *static_cast<ZTBase*>(dying) = std::move(other); }),
+                       true);
+    delete dying;
+    EXPECT_EQ(observer.children(), std::vector{&other});
+}
+
 TEST_F(HostCode, ScopedSubscriptionOwnsItsOwner)
 {
     struct Holder {

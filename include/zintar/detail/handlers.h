@@ -140,7 +140,8 @@ public:
 private:
     /// Whether the object still is what the member function needs: its destruction may have gone
     /// further, and a move may leave a part of what it was behind.
-    bool isReceiver(const ZTBase& subscriber)
+    template <class Object> // `ZTBase`, which may be incomplete here
+    bool isReceiver(const Object& subscriber)
     {
         if constexpr (!std::is_same_v<std::remove_const_t<Receiver>, ZTBase>) {
             if (&typeid(subscriber) == m_knownClass) [[likely]]
