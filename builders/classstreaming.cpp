@@ -20,9 +20,9 @@
 #include <zintar/log.h>
 #include <zintar/metaclassbuilder.h>
 
+#include <set>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 namespace
@@ -144,15 +144,16 @@ private:
         read(info.m_key, info.m_value);
     }
 
-    /// A name or a value that is there already is read and left out, as a builder refuses it.
+    /// A name or a value that is there already is read and left out, as a builder refuses it. They
+    /// are sorted and not hashed: hashes of a known kind can be made to collide.
     void readEnum()
     {
         m_class.m_enums.push_back(std::make_shared<ZTDynamicMetaEnum>());
         ZTDynamicMetaEnum& metaEnum = *m_class.m_enums.back();
         if (!read(metaEnum.m_name))
             return;
-        std::unordered_set<std::string> names;
-        std::unordered_set<int> values;
+        std::set<std::string> names;
+        std::set<int> values;
         readList<unsigned long long>([&] {
             std::string name;
             int value = 0;

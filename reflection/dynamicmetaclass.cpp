@@ -75,14 +75,13 @@ int ZTDynamicMetaInvokable::index() const
     if (!owner)
         return -1;
     const auto& siblings = owner->m_invokables;
-    if (m_lastPosition >= siblings.size() || siblings[m_lastPosition].get() != this) {
-        auto found = std::find_if(siblings.begin(), siblings.end(),
-                                  [this](const auto& sibling) { return sibling.get() == this; });
-        if (found == siblings.end())
-            return -1;
-        m_lastPosition = static_cast<std::size_t>(found - siblings.begin());
-    }
-    return static_cast<int>(owner->m_invokableOffset + m_lastPosition);
+    // Removing others moves it to the front, never to the back, and mostly not far.
+    for (std::size_t end = std::min(m_lastPosition + 1, siblings.size()); end > 0; --end)
+        if (siblings[end - 1].get() == this) {
+            m_lastPosition = end - 1;
+            return static_cast<int>(owner->m_invokableOffset + m_lastPosition);
+        }
+    return -1;
 }
 
 ZTVariant ZTDynamicMetaInvokable::invoke(const ZTVariant& object,

@@ -13,7 +13,7 @@ namespace zt::detail
 struct PropertyIndex {
     [[nodiscard]] const ZTMetaProperty* find(std::string_view name) const
     {
-        return NameKey::isLong(name) ? searchApart(name) : search(name);
+        return names.isPlain(name) ? search(name) : searchApart(name);
     }
 
     /// A name that is there already hides the property.
@@ -34,7 +34,7 @@ private:
             return *found;
         return beyond ? beyond->property(name) : nullptr;
     }
-    /// As in the index: so the search for a short name needs no frame.
+    /// As in the index: so the search for a plain name needs no frame.
     [[nodiscard, gnu::noinline]] const ZTMetaProperty* searchApart(std::string_view name) const
     {
         return search(name);

@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <map>
+#include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -30,10 +33,12 @@ struct NameKey {
         return first == other.first && last == other.last && size == other.size &&
                (size <= twoWords || hasSameText(other));
     }
-    /// Well mixed in its upper half.
+    /// Mixed the better the higher the bit: a number at the end of a name reaches the upper bits
+    /// alone. Names can be made up to have the same hash.
     [[nodiscard]] std::uint64_t hash() const noexcept
     {
-        std::uint64_t mixed = (first ^ size) * 0x9E3779B97F4A7C15u ^ last * 0xD6E8FEB86659FD93u;
+        const std::uint64_t mixed =
+            (first ^ size) * 0x9E3779B97F4A7C15u ^ last * 0xD6E8FEB86659FD93u;
         return size <= twoWords ? mixed : mixedWithMiddle(mixed);
     }
     /// Whether there is more of a name than its beginning and its end.
@@ -73,6 +78,12 @@ private:
 
 /// Finds things by their names, in a time that does not grow with their number. The names stay with
 /// whoever added them, and have to outlive this.
+///
+/// Names may come from outside, made up so that all want the same place. When some do, or very many
+/// are equal, the index sorts its things instead: from then on adding one and finding one takes a
+/// time that grows as the logarithm of their number.
+///
+/// Adding one either succeeds or, when memory fails, leaves all as it was.
 template <class Thing>
 class NameIndex
 {
@@ -80,76 +91,121 @@ public:
     /// Of equal names, the one that was added first is found first.
     void add(std::string_view name, Thing thing)
     {
-        m_entries.push_back({NameKey(name), std::move(thing)});
-        if (4 * m_entries.size() > m_places.size())
+        if (!isSorted() && 4 * (m_entries.size() + 1) > m_places.size())
             makeRoom();
-        else
-            place(m_entries.size());
+        if (!isSorted()) {
+            const NameKey key(name);
+            if (const auto place = freePlace(key, m_places, m_shift)) {
+                m_entries.push_back({key, std::move(thing)});
+                m_places[*place] = static_cast<std::uint32_t>(m_entries.size());
+                return;
+            }
+            sort();
+        }
+        m_sorted->emplace(name, std::move(thing));
     }
     /// The first thing with that name that `fits`, or null.
     template <class Fits>
     [[nodiscard, gnu::always_inline]] inline const Thing* find(std::string_view name,
                                                                Fits fits) const
     {
-        return NameKey::isLong(name) ? searchApart(name, fits) : search(name, fits);
+        return isPlain(name) ? search(name, fits) : searchApart(name, fits);
     }
     [[nodiscard, gnu::always_inline]] inline const Thing* find(std::string_view name) const
     {
         return find(name, [](const Thing&) { return true; });
     }
+    /// Whether to find the name takes no calls. Those that others need would slow down the search
+    /// for it, so they stand in a function apart.
+    [[nodiscard]] bool isPlain(std::string_view name) const noexcept
+    {
+        return !NameKey::isLong(name) && m_shift != 0;
+    }
+    /// Whether it has given up on hashing.
+    [[nodiscard]] bool isSorted() const noexcept { return m_sorted != nullptr; }
 
 private:
     struct Entry {
         NameKey key;
         Thing thing;
     };
+    using Places = std::vector<std::uint32_t>;
+    using Sorted = std::multimap<std::string_view, Thing>; // which keeps equal ones in their order
+
+    /// How far from its place an entry may stand. As three quarters of the places are free, names
+    /// that were not made for it come nowhere near.
+    static constexpr std::size_t farthest = 64;
 
     template <class Fits>
     [[nodiscard, gnu::always_inline]] inline const Thing* search(std::string_view name,
                                                                  Fits fits) const
     {
-        if (m_mask == 0)
-            return nullptr;
         const NameKey key(name);
-        for (std::size_t i = placeOf(key); m_places[i] != 0; i = next(i)) {
+        for (std::size_t i = key.hash() >> m_shift; m_places[i] != 0; i = next(i, m_shift)) {
             const Entry& entry = m_entries[m_places[i] - 1];
             if (entry.key == key && fits(entry.thing)) [[likely]]
                 return &entry.thing;
         }
         return nullptr;
     }
-    /// The calls that a long name needs would slow down the search for others.
     template <class Fits>
     [[nodiscard, gnu::noinline]] const Thing* searchApart(std::string_view name, Fits fits) const
     {
-        return search(name, fits);
+        if (m_shift != 0)
+            return search(name, fits);
+        if (!m_sorted)
+            return nullptr;
+        for (auto [one, end] = m_sorted->equal_range(name); one != end; ++one)
+            if (fits(one->second))
+                return &one->second;
+        return nullptr;
     }
-    [[nodiscard]] std::size_t placeOf(const NameKey& key) const
+    /// There are as many places as the bits of a hash that are left by the shift can count.
+    [[nodiscard]] static std::size_t next(std::size_t place, unsigned int shift)
     {
-        return static_cast<std::size_t>(key.hash() >> 32) & m_mask;
+        return (place + 1) & (~std::uint64_t{0} >> shift);
     }
-    [[nodiscard]] std::size_t next(std::size_t place) const { return (place + 1) & m_mask; }
-    void place(std::size_t number)
+    /// Nothing when there is none near enough.
+    [[nodiscard]] static std::optional<std::size_t>
+    freePlace(const NameKey& key, const Places& places, unsigned int shift)
     {
-        std::size_t i = placeOf(m_entries[number - 1].key);
-        while (m_places[i] != 0)
-            i = next(i);
-        m_places[i] = static_cast<std::uint32_t>(number);
+        std::size_t place = key.hash() >> shift;
+        for (std::size_t distance = 0; distance <= farthest; ++distance, place = next(place, shift))
+            if (places[place] == 0)
+                return place;
+        return std::nullopt;
     }
     void makeRoom()
     {
-        std::size_t count = m_places.empty() ? 8 : 2 * m_places.size();
-        m_places.assign(count, 0);
-        m_mask = count - 1;
-        for (std::size_t number = 1; number <= m_entries.size(); ++number)
-            place(number);
+        const unsigned int shift = m_places.empty() ? 64 - 3 : m_shift - 1;
+        Places places(std::size_t{1} << (64 - shift));
+        for (std::size_t number = 1; number <= m_entries.size(); ++number) {
+            const auto place = freePlace(m_entries[number - 1].key, places, shift);
+            if (!place)
+                return sort();
+            places[*place] = static_cast<std::uint32_t>(number);
+        }
+        m_places = std::move(places);
+        m_shift = shift;
+    }
+    void sort()
+    {
+        auto sorted = std::make_unique<Sorted>();
+        for (const Entry& entry : m_entries)
+            sorted->emplace(std::string_view(entry.key.text, entry.key.size), entry.thing);
+        m_sorted = std::move(sorted);
+        m_entries = std::vector<Entry>();
+        m_places = Places();
+        m_shift = 0;
     }
 
     std::vector<Entry> m_entries;
     /// The numbers of the entries, from 1 on, where their hashes put them; mostly 0, so that
     /// hardly two of them want the same place.
-    std::vector<std::uint32_t> m_places;
-    /// The number of places is a power of two, of which this is one less; 0 while there are none.
-    std::size_t m_mask = 0;
+    Places m_places;
+    /// What turns a hash into a place; 0 while there are no places.
+    unsigned int m_shift = 0;
+    /// Holds all in place of the entries, once there is one.
+    std::unique_ptr<Sorted> m_sorted;
 };
 } // namespace zt::detail
