@@ -54,14 +54,14 @@ void checkLines(std::string_view text)
     require(std::none_of(text.begin(), text.end(), [](char c) {
         return (static_cast<unsigned char>(c) < ' ' && c != '\n') || c == '\x7f';
     }));
+    require(text.find("\u202e") == std::string_view::npos); // turns the line round
 }
 
 void checkForm(const Files& files, dump::Form form, std::string_view text)
 {
+    checkLines(text);
     if (form == dump::Form::Json)
         require(nlohmann::json::accept(text));
-    else
-        checkLines(text);
     if (form == dump::Form::Dot)
         require(text.starts_with("digraph classes {\n") && text.ends_with("\n}\n"));
 

@@ -2,6 +2,7 @@
 #include "text.h"
 #include "words.h"
 
+#include <map>
 #include <ostream>
 #include <string_view>
 #include <unordered_map>
@@ -32,6 +33,24 @@ std::string label(std::string_view text)
 }
 
 std::string line(const std::string& text) { return label(text) + "\\l"; }
+
+/// In double quotes. Graphviz cannot read more than 16 KB of plain text in a row, but joins pieces.
+std::string inQuotes(std::string_view text)
+{
+    constexpr std::size_t longestPiece = 8192;
+    std::string result = "\"";
+    while (text.size() > longestPiece) {
+        std::size_t end = longestPiece;
+        while (end > 0 && text[end - 1] == '\\') // which would escape the quote behind it
+            --end;
+        end = end > 0 ? end : longestPiece; // nothing but backslashes, two by two
+        result += text.substr(0, end);
+        result += "\" + \"";
+        text.remove_prefix(end);
+    }
+    result += text;
+    return result + "\"";
+}
 
 class Diagram
 {
@@ -107,7 +126,7 @@ private:
 
     void printNode(const std::string& node, const std::string& text, std::string_view style)
     {
-        m_out << "    " << node << " [label=\"" << text << "\"";
+        m_out << "    " << node << " [label=" << inQuotes(text);
         if (!style.empty())
             m_out << ", " << style;
         m_out << "];\n";
@@ -147,7 +166,7 @@ private:
     std::ostream& m_out;
     const Hierarchy& m_hierarchy;
     std::unordered_map<const ClassRecord*, std::string> m_nodes;
-    std::unordered_map<std::string, std::string> m_missing;
+    std::map<std::string, std::string> m_missing; // hashes can be made to collide
 };
 } // namespace
 

@@ -25,19 +25,29 @@ struct CloseFile {
     }
 };
 
-/// All bytes of the file; nothing, with the reason in `errno`, when it cannot be read.
-std::optional<std::string> readFile(const std::string& name)
+/// All bytes of the file; nothing, with the reason, when it cannot be read or is too long. One that
+/// never ends is too long as well.
+std::optional<std::string> readFile(const std::string& name, std::size_t limit, std::string& reason)
 {
     std::unique_ptr<std::FILE, CloseFile> file(
         name == standardInput ? stdin : std::fopen(name.c_str(), "rb"));
-    if (!file)
+    if (!file) {
+        reason = std::strerror(errno);
         return std::nullopt;
+    }
     std::string bytes;
     char piece[1 << 16];
-    while (std::size_t count = std::fread(piece, 1, sizeof piece, file.get()))
+    while (std::size_t count = std::fread(piece, 1, sizeof piece, file.get())) {
+        if (count > limit - bytes.size()) {
+            reason = "more than " + std::to_string(limit) + " bytes; --limit allows for more";
+            return std::nullopt;
+        }
         bytes.append(piece, count);
-    if (std::ferror(file.get()))
+    }
+    if (std::ferror(file.get())) {
+        reason = std::strerror(errno);
         return std::nullopt;
+    }
     return bytes;
 }
 
@@ -111,13 +121,13 @@ int dump(const Options& options, std::ostream& out, std::ostream& errors)
     std::vector<Contents> files;
     bool allRead = true;
     for (const std::string& name : names) {
-        std::optional<std::string> bytes = readFile(name);
+        std::string reason;
+        std::optional<std::string> bytes = readFile(name, options.limit, reason);
         if (bytes) {
             files.push_back(contentsOf(name, std::move(*bytes), options));
             continue;
         }
-        errors << "zintar-dump: " << shownName(titleOf(name)) << ": " << std::strerror(errno)
-               << "\n";
+        errors << "zintar-dump: " << shownName(titleOf(name)) << ": " << reason << "\n";
         allRead = false;
     }
     int code = files.empty() ? sound : show(files, options.form, out, errors);

@@ -21,6 +21,8 @@ struct Options {
     /// How many records of each file are left out, and how many follow that are not.
     std::size_t skip = 0;
     std::size_t count = std::numeric_limits<std::size_t>::max();
+    /// The most bytes that a file may have. What is read takes several times as many.
+    std::size_t limit = std::size_t{256} << 20;
 };
 
 // What the tool exits with.

@@ -3,6 +3,7 @@
 #include "records.h"
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -57,7 +58,7 @@ private:
     [[nodiscard]] const InvokableRecord* inheritedInvokable(const ClassRecord& record,
                                                             std::size_t index) const;
 
-    std::unordered_map<std::string, const ClassRecord*> m_byName;
+    std::map<std::string, const ClassRecord*> m_byName; // hashes can be made to collide
     std::unordered_map<const ClassRecord*, Lineage> m_lineages;
 };
 } // namespace dump

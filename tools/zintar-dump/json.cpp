@@ -7,7 +7,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
+#include <cstddef>
+#include <optional>
 #include <ostream>
+#include <string>
+#include <string_view>
+#include <type_traits>
 
 namespace dump
 {
@@ -15,169 +21,273 @@ namespace
 {
 using Json = nlohmann::ordered_json;
 
-template <class Entries, class Tell>
-Json listOf(const Entries& entries, Tell tell)
-{
-    Json list = Json::array();
-    for (const auto& entry : entries)
-        list.push_back(tell(entry));
-    return list;
-}
-
-Json indexOr(bool isKnown, std::size_t index) { return isKnown ? Json(index) : Json(nullptr); }
-
-Json annotationsOf(const std::vector<Annotation>& annotations)
-{
-    return listOf(annotations, [](const Annotation& annotation) {
-        return Json{{"key", annotation.key}, {"value", annotation.value}};
-    });
-}
-
-Json enumOf(const EnumRecord& metaEnum)
-{
-    return {{"name", metaEnum.name},
-            {"enumerators", listOf(metaEnum.enumerators, [](const Enumerator& enumerator) {
-                 return Json{{"name", enumerator.name}, {"value", enumerator.value}};
-             })}};
-}
-
-Json invokableOf(const InvokableRecord& invokable, const Json& index)
-{
-    bool isNamed = invokable.access >= 0 && invokable.access <= 2;
-    return {{"name", invokable.name},
-            {"index", index},
-            {"event", invokable.isEvent},
-            {"const", invokable.isConst},
-            {"access", isNamed ? Json(accessName(invokable.access)) : Json(invokable.access)},
-            {"returnType", invokable.returnType},
-            {"parameterTypes", invokable.parameterTypes}};
-}
-
-class ClassJson
+/// Writes JSON piece by piece, so that no more of it is in memory than one text. What stands in
+/// an object or a list is written by a callable.
+class JsonWriter
 {
 public:
-    ClassJson(const ClassRecord& record, const Hierarchy& hierarchy)
-        : m_class(record), m_hierarchy(hierarchy), m_lineage(hierarchy.of(record))
-    {}
+    explicit JsonWriter(std::ostream& out) : m_out(out) {}
 
-    [[nodiscard]] Json make() const
+    /// A text, a number, a boolean or null. What of a text is no UTF-8 becomes the replacement
+    /// character.
+    void value(const Json& scalar)
     {
-        Json super = m_lineage.kind == SuperKind::None ? Json(nullptr) : Json(m_class.super);
-        return {{"name", m_class.name},
-                {"super", super},
-                {"offset", m_class.offset},
-                {"end", m_class.end},
-                {"complete", m_class.isComplete},
-                {"annotations", annotationsOf(m_class.annotations)},
-                {"enums", listOf(m_class.enums, enumOf)},
-                {"invokables", invokables()},
-                {"properties", properties()}};
+        m_out << escapedJson(scalar.dump(-1, ' ', false, Json::error_handler_t::replace));
+    }
+    template <class Members>
+    void object(Members writeMembers)
+    {
+        enclosed('{', '}', writeMembers);
+    }
+    template <class Entries, class WriteOne>
+    void list(const Entries& entries, WriteOne writeOne)
+    {
+        enclosed('[', ']', [&] {
+            for (const auto& entry : entries) {
+                nextLine();
+                writeOne(entry);
+            }
+        });
+    }
+    /// Within an object.
+    void key(std::string_view name)
+    {
+        nextLine();
+        value(name);
+        m_out << ": ";
+    }
+    void member(std::string_view name, const Json& scalar)
+    {
+        key(name);
+        value(scalar);
+    }
+    template <class Entries, class WriteOne>
+    void listMember(std::string_view name, const Entries& entries, WriteOne writeOne)
+    {
+        key(name);
+        list(entries, writeOne);
     }
 
 private:
-    [[nodiscard]] Json invokables() const
+    template <class Write>
+    void enclosed(char open, char close, Write write)
     {
-        std::size_t index = m_lineage.invokableOffset;
-        return listOf(m_class.invokables, [&](const InvokableRecord& invokable) {
-            return invokableOf(invokable, indexOr(m_lineage.isKnown, index++));
-        });
+        m_out << open;
+        m_isFirst = true;
+        ++m_depth;
+        write();
+        --m_depth;
+        if (!m_isFirst)
+            indent();
+        m_isFirst = false;
+        m_out << close;
     }
-
-    [[nodiscard]] Json properties() const
+    void nextLine()
     {
-        std::size_t index = m_lineage.propertyOffset;
-        return listOf(m_class.properties, [&](const PropertyRecord& property) {
-            return propertyOf(property, indexOr(m_lineage.isKnown, index++));
-        });
+        if (!m_isFirst)
+            m_out << ',';
+        m_isFirst = false;
+        indent();
     }
+    void indent() { m_out << '\n' << std::string(2 * m_depth, ' '); }
 
-    [[nodiscard]] Json propertyOf(const PropertyRecord& property, const Json& index) const
-    {
-        return {{"name", property.name},
-                {"index", index},
-                {"type", property.type},
-                {"canGet", property.canGet},
-                {"canSet", property.canSet},
-                {"changeEvent", changeEventOf(property)},
-                {"annotations", annotationsOf(property.annotations)}};
-    }
-
-    [[nodiscard]] Json changeEventOf(const PropertyRecord& property) const
-    {
-        if (property.changeEvent == -1)
-            return nullptr;
-        const InvokableRecord* event = m_hierarchy.changeEventRecord(m_class, property);
-        return {{"position", property.changeEvent},
-                {"name", event ? Json(shortened(event->name)) : Json(nullptr)}};
-    }
-
-    const ClassRecord& m_class;
-    const Hierarchy& m_hierarchy;
-    const Lineage& m_lineage;
+    std::ostream& m_out;
+    std::size_t m_depth = 0;
+    bool m_isFirst = true; ///< of the entries of what is being written
 };
 
-Json valueOf(const ZTVariant& variant);
+Json indexOr(bool isKnown, std::size_t index) { return isKnown ? Json(index) : Json(nullptr); }
 
-/// Appends nothing but the value, when the variant holds a `T`.
+/// Numbers and text are JSON's own, as far as it has them.
 template <class T>
-bool takeValue(const ZTVariant& variant, Json& value)
+Json scalarOf(const T& value)
 {
-    const T* held = ztVariantPointer<T>(variant);
-    if (held)
-        value = *held;
-    return held;
-}
-
-template <class... T>
-bool takeAnyOf(const ZTVariant& variant, Json& value)
-{
-    return (takeValue<T>(variant, value) || ...);
-}
-
-/// Numbers and text are JSON's own; what JSON does not have is text as the library prints it.
-Json valueOf(const ZTVariant& variant)
-{
-    Json value;
-    if (!variant.isValid())
-        return value;
-    if (const auto* inner = ztVariantPointer<ZTVariant>(variant))
-        return {{"type", inner->type().name()}, {"value", valueOf(*inner)}};
-    if (!takeAnyOf<bool, unsigned char, short, unsigned short, int, unsigned int, long long,
-                   unsigned long long, float, double, std::string>(variant, value))
-        value = printedValue(variant);
+    if constexpr (std::is_floating_point_v<T>) {
+        if (std::isnan(value))
+            return "NaN";
+        if (std::isinf(value))
+            return value < 0 ? "-Infinity" : "Infinity";
+    }
     return value;
 }
 
-Json variantOf(const VariantRecord& variant)
+/// @return nothing unless the variant holds a `T`
+template <class T>
+std::optional<Json> scalarIn(const ZTVariant& variant)
 {
-    Json json{{"type", variant.type}, {"value", valueOf(variant.value)}};
-    if (!variant.unreadBytes.empty())
-        json["bytes"] = hex(variant.unreadBytes).substr(1);
-    json["offset"] = variant.offset;
-    json["end"] = variant.end;
-    return json;
+    const T* held = ztVariantPointer<T>(variant);
+    return held ? std::optional<Json>(scalarOf(*held)) : std::nullopt;
 }
 
-Json fileOf(const Contents& contents, const Hierarchy& hierarchy)
+template <class... T>
+std::optional<Json> scalarOfAny(const ZTVariant& variant)
 {
-    return {{"name", contents.file},
-            {"size", contents.size},
-            {"classes", listOf(contents.shownClasses(),
-                               [&](const ClassRecord& record) {
-                                   return ClassJson(record, hierarchy).make();
-                               })},
-            {"variants", listOf(contents.shownVariants(), variantOf)},
-            {"damages", listOf(contents.damages, [](const Damage& damage) {
-                 return Json{{"offset", damage.offset}, {"what", damage.what}};
-             })}};
+    std::optional<Json> found;
+    (void)((found = scalarIn<T>(variant)) || ...);
+    return found;
 }
+
+class Printer
+{
+public:
+    Printer(std::ostream& out, const Hierarchy& hierarchy) : m_json(out), m_hierarchy(hierarchy) {}
+
+    void print(const std::vector<Contents>& files)
+    {
+        m_json.object([&] {
+            m_json.listMember("files", files, [this](const Contents& one) { printFile(one); });
+        });
+    }
+
+private:
+    void printFile(const Contents& contents)
+    {
+        m_json.object([&] {
+            m_json.member("name", contents.file);
+            m_json.member("size", contents.size);
+            m_json.listMember("classes", contents.shownClasses(),
+                              [this](const ClassRecord& record) { printClass(record); });
+            m_json.listMember("variants", contents.shownVariants(),
+                              [this](const VariantRecord& variant) { printVariant(variant); });
+            m_json.listMember("damages", contents.damages,
+                              [this](const Damage& damage) { printDamage(damage); });
+        });
+    }
+
+    void printDamage(const Damage& damage)
+    {
+        m_json.object([&] {
+            m_json.member("offset", damage.offset);
+            m_json.member("what", damage.what);
+        });
+    }
+
+    void printClass(const ClassRecord& record)
+    {
+        const Lineage& lineage = m_hierarchy.of(record);
+        m_json.object([&] {
+            m_json.member("name", record.name);
+            m_json.member("super",
+                          lineage.kind == SuperKind::None ? Json(nullptr) : Json(record.super));
+            m_json.member("offset", record.offset);
+            m_json.member("end", record.end);
+            m_json.member("complete", record.isComplete);
+            printAnnotations(record.annotations);
+            m_json.listMember("enums", record.enums,
+                              [this](const EnumRecord& metaEnum) { printEnum(metaEnum); });
+            std::size_t index = lineage.invokableOffset;
+            m_json.listMember("invokables", record.invokables, [&](const InvokableRecord& one) {
+                printInvokable(one, indexOr(lineage.isKnown, index++));
+            });
+            index = lineage.propertyOffset;
+            m_json.listMember("properties", record.properties, [&](const PropertyRecord& one) {
+                printProperty(record, one, indexOr(lineage.isKnown, index++));
+            });
+        });
+    }
+
+    void printAnnotations(const std::vector<Annotation>& annotations)
+    {
+        m_json.listMember("annotations", annotations, [this](const Annotation& annotation) {
+            m_json.object([&] {
+                m_json.member("key", annotation.key);
+                m_json.member("value", annotation.value);
+            });
+        });
+    }
+
+    void printEnum(const EnumRecord& metaEnum)
+    {
+        m_json.object([&] {
+            m_json.member("name", metaEnum.name);
+            m_json.listMember("enumerators", metaEnum.enumerators, [this](const Enumerator& one) {
+                m_json.object([&] {
+                    m_json.member("name", one.name);
+                    m_json.member("value", one.value);
+                });
+            });
+        });
+    }
+
+    void printInvokable(const InvokableRecord& invokable, const Json& index)
+    {
+        const bool isNamed = invokable.access >= 0 && invokable.access <= 2;
+        m_json.object([&] {
+            m_json.member("name", invokable.name);
+            m_json.member("index", index);
+            m_json.member("event", invokable.isEvent);
+            m_json.member("const", invokable.isConst);
+            m_json.member("access",
+                          isNamed ? Json(accessName(invokable.access)) : Json(invokable.access));
+            m_json.member("returnType", invokable.returnType);
+            m_json.listMember("parameterTypes", invokable.parameterTypes,
+                              [this](const std::string& type) { m_json.value(type); });
+        });
+    }
+
+    void printProperty(const ClassRecord& record, const PropertyRecord& property, const Json& index)
+    {
+        m_json.object([&] {
+            m_json.member("name", property.name);
+            m_json.member("index", index);
+            m_json.member("type", property.type);
+            m_json.member("canGet", property.canGet);
+            m_json.member("canSet", property.canSet);
+            m_json.key("changeEvent");
+            printChangeEvent(record, property);
+            printAnnotations(property.annotations);
+        });
+    }
+
+    void printChangeEvent(const ClassRecord& record, const PropertyRecord& property)
+    {
+        if (property.changeEvent == -1)
+            return m_json.value(nullptr);
+        const InvokableRecord* event = m_hierarchy.changeEventRecord(record, property);
+        m_json.object([&] {
+            m_json.member("position", property.changeEvent);
+            m_json.member("name", event ? Json(shortened(event->name)) : Json(nullptr));
+        });
+    }
+
+    void printVariant(const VariantRecord& variant)
+    {
+        m_json.object([&] {
+            m_json.member("type", variant.type);
+            m_json.key("value");
+            printValue(variant.value);
+            if (!variant.unreadBytes.empty())
+                m_json.member("bytes", hex(variant.unreadBytes).substr(1));
+            m_json.member("offset", variant.offset);
+            m_json.member("end", variant.end);
+        });
+    }
+
+    /// What JSON does not have is text as the library prints it.
+    void printValue(const ZTVariant& variant)
+    {
+        if (!variant.isValid())
+            return m_json.value(nullptr);
+        if (const auto* inner = ztVariantPointer<ZTVariant>(variant))
+            return m_json.object([&] {
+                m_json.member("type", inner->type().name());
+                m_json.key("value");
+                printValue(*inner);
+            });
+        const auto scalar =
+            scalarOfAny<bool, unsigned char, short, unsigned short, int, unsigned int, long long,
+                        unsigned long long, float, double, std::string>(variant);
+        m_json.value(scalar ? *scalar : Json(printedValue(variant)));
+    }
+
+    JsonWriter m_json;
+    const Hierarchy& m_hierarchy;
+};
 } // namespace
 
 void printJson(std::ostream& out, const std::vector<Contents>& files, const Hierarchy& hierarchy)
 {
-    Json json{{"files", listOf(files, [&](const Contents& contents) {
-                   return fileOf(contents, hierarchy);
-               })}};
-    out << json.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";
+    Printer(out, hierarchy).print(files);
+    out << "\n";
 }
 } // namespace dump

@@ -6,6 +6,7 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <string>
 
 namespace
@@ -22,6 +23,9 @@ A stream does not say whether it holds classes or variants; it is taken for clas
 unless an option tells otherwise. A class without name, super class and members ends
 them, and variants follow. A variant can be shown when its type is one of the
 library's own. A super class may stand in any of the files, whatever their order.
+
+In text, what a terminal would not show as it is stands escaped. In JSON a number that
+is none of JSON's is one of the texts "NaN", "Infinity" and "-Infinity".
 
 The byte at which a file stops making sense is told on standard error, and what was
 read before it is shown.
@@ -90,6 +94,8 @@ void describe(CLI::App& app, dump::Options& options)
     addNumber(app, "--from", options.from, "Begin at byte N of each file; the first is byte 0");
     addNumber(app, "--skip", options.skip, "Leave out the first N classes and variants of a file");
     addNumber(app, "--count", options.count, "Show no more than N classes and variants of a file");
+    addNumber(app, "--limit", options.limit,
+              "Refuse a file of more than N bytes, or than 256 MiB when absent");
     dot->excludes(json)->excludes(variants);
 }
 } // namespace
@@ -104,6 +110,9 @@ int main(int argc, char** argv)
         return dump::dump(options, std::cout, std::cerr);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? dump::sound : dump::failed;
+    } catch (const std::bad_alloc&) {
+        std::cerr << "zintar-dump: there is not enough memory for what was read\n";
+        return dump::failed;
     } catch (const std::exception& error) {
         std::cerr << "zintar-dump: " << error.what() << "\n";
         return dump::failed;

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <optional>
+#include <utility>
 
 namespace dump
 {
@@ -37,11 +40,49 @@ std::size_t characterLength(std::string_view text)
     return overlong || surrogate || beyondLast ? 0 : length;
 }
 
-/// The control characters of ASCII, and those that Unicode has behind it.
-bool isControl(std::string_view character)
+/// @param character  whole and no damaged UTF-8
+char32_t codePoint(std::string_view character)
 {
-    unsigned int first = byteAt(character, 0);
-    return first < 0x20 || first == 0x7F || (first == 0xC2 && byteAt(character, 1) < 0xA0);
+    if (character.size() == 1)
+        return byteAt(character, 0);
+    char32_t code = byteAt(character, 0) & (0x7FU >> character.size());
+    for (std::size_t i = 1; i < character.size(); ++i)
+        code = code << 6 | (byteAt(character, i) & 0x3F);
+    return code;
+}
+
+/// What is there without being seen, or is seen as something else: Unicode's categories of
+/// controls, of formats, which change the direction of text among other things, of line and
+/// paragraph separators and of private use. Some unassigned ones among them are taken along.
+bool isUnseen(char32_t code)
+{
+    struct Range {
+        char32_t first;
+        char32_t last;
+    };
+    static constexpr Range unseen[] = {
+        {0x0, 0x1F},        {0x7F, 0x9F},       {0xAD, 0xAD},       {0x600, 0x605},
+        {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},     {0x890, 0x891},
+        {0x8E2, 0x8E2},     {0x180E, 0x180E},   {0x200B, 0x200F},   {0x2028, 0x202E},
+        {0x2060, 0x206F},   {0xE000, 0xF8FF},   {0xFEFF, 0xFEFF},   {0xFFF0, 0xFFFB},
+        {0x110BD, 0x110BD}, {0x110CD, 0x110CD}, {0x13430, 0x1345F}, {0x1BCA0, 0x1BCA3},
+        {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}, {0xF0000, 0x10FFFF}};
+    const Range* range =
+        std::lower_bound(std::begin(unseen), std::end(unseen), code,
+                         [](const Range& one, char32_t wanted) { return one.last < wanted; });
+    return range != std::end(unseen) && range->first <= code;
+}
+
+/// Takes the next character from the front, or one byte that belongs to none.
+/// @return it, and its code point where it has one
+std::pair<std::string_view, std::optional<char32_t>> takeCharacter(std::string_view& text)
+{
+    const std::size_t length = characterLength(text);
+    const std::string_view character = text.substr(0, std::max<std::size_t>(length, 1));
+    text.remove_prefix(character.size());
+    if (length == 0)
+        return {character, std::nullopt};
+    return {character, codePoint(character)};
 }
 
 std::string hexOf(std::string_view bytes, std::string_view before)
@@ -56,7 +97,7 @@ std::string hexOf(std::string_view bytes, std::string_view before)
     return text;
 }
 
-void appendEscaped(std::string& text, std::string_view character, std::size_t length)
+void appendEscaped(std::string& text, std::string_view character, std::optional<char32_t> code)
 {
     if (character == "\n")
         text += "\\n";
@@ -64,10 +105,21 @@ void appendEscaped(std::string& text, std::string_view character, std::size_t le
         text += "\\t";
     else if (character == "\\")
         text += "\\\\";
-    else if (length == 0 || isControl(character))
+    else if (!code || isUnseen(*code))
         text += hexOf(character, "\\x");
     else
         text += character;
+}
+
+/// As JSON writes characters that are not to stand there themselves.
+void appendUtf16(std::string& text, char32_t code)
+{
+    if (code > 0xFFFF) {
+        appendUtf16(text, 0xD800 + ((code - 0x10000) >> 10));
+        code = 0xDC00 + (code & 0x3FF);
+    }
+    const char units[] = {static_cast<char>(code >> 8), static_cast<char>(code)};
+    text += hexOf({units, 1}, "\\u") + hexOf({units + 1, 1}, "");
 }
 } // namespace
 
@@ -76,10 +128,22 @@ std::string escaped(std::string_view text)
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
-        std::size_t length = characterLength(text);
-        std::string_view character = text.substr(0, std::max<std::size_t>(length, 1));
-        appendEscaped(result, character, length);
-        text.remove_prefix(character.size());
+        const auto [character, code] = takeCharacter(text);
+        appendEscaped(result, character, code);
+    }
+    return result;
+}
+
+std::string escapedJson(std::string_view json)
+{
+    std::string result;
+    result.reserve(json.size());
+    while (!json.empty()) {
+        const auto [character, code] = takeCharacter(json);
+        if (code && isUnseen(*code))
+            appendUtf16(result, *code);
+        else
+            result += character;
     }
     return result;
 }

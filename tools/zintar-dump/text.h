@@ -5,9 +5,12 @@
 
 namespace dump
 {
-/// The text with everything escaped that a terminal would act on rather than show: control
-/// characters, the bytes of broken UTF-8, and the backslash that starts an escape.
+/// The text with everything escaped that a terminal would act on rather than show: control and
+/// format characters, the bytes of broken UTF-8, and the backslash that starts an escape.
 [[nodiscard]] std::string escaped(std::string_view text);
+
+/// A JSON string, in which JSON's own escapes stand for the same characters.
+[[nodiscard]] std::string escapedJson(std::string_view json);
 
 /// The bytes as " 00 ff".
 [[nodiscard]] std::string hex(std::string_view bytes);

@@ -110,14 +110,19 @@ private:
             return fail(valueOffset,
                         "the bytes end in the value of type " + shownType(m_innermost));
         if (!log.isEmpty())
-            return fail(m_record.offset, isTooDeep() ? "variants are nested too deep to be read"
-                                                     : "a value of type " + shownType(m_innermost) +
-                                                           " cannot be read back");
+            return fail(m_record.offset,
+                        isTooDeep(valueOffset)
+                            ? "variants are nested too deep to be read"
+                            : "a value of type " + shownType(m_innermost) + " cannot be read back");
         return true;
     }
 
-    /// Reading ended before the innermost type was reached.
-    [[nodiscard]] bool isTooDeep() const { return m_stream.position() <= m_typeOffset; }
+    /// Reading ended before the innermost value, though a value of its type can be read.
+    [[nodiscard]] bool isTooDeep(std::size_t valueOffset) const
+    {
+        return m_stream.position() <= m_typeOffset ||
+               (m_stream.position() == valueOffset && formOf(ztMetaType(m_innermost)).isRead);
+    }
 
     /// Such types are written with a fixed width, or with nothing.
     bool stepOver()

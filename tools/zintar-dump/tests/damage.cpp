@@ -2,20 +2,19 @@
 // what can be read back, is for the fuzz target, which runs over all that may become of the
 // samples.
 
-#include "contents.h"
-#include "dump.h"
+#include "bytes.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <limits>
-#include <sstream>
 
 namespace
 {
-constexpr std::size_t classesOnly = std::numeric_limits<std::size_t>::max();
+using support::classesOnly;
+using support::number;
+using support::text;
 
 /// The file is in the directory where the test starts.
 std::string bytesOf(const std::string& file)
@@ -42,20 +41,8 @@ std::vector<std::size_t> endsOfRecords(const std::string& bytes, std::size_t cla
 
 std::string shownAs(dump::Form form, const std::string& bytes)
 {
-    std::ostringstream out, errors;
-    dump::show({dump::readContents("sample", bytes, classesOnly, 0)}, form, out, errors);
-    return out.str();
+    return support::shownAs(form, bytes, classesOnly);
 }
-
-std::string number(unsigned long long value, unsigned int bytes)
-{
-    std::string text;
-    for (unsigned int i = 0; i < bytes; ++i, value >>= 8)
-        text += static_cast<char>(value & 0xFF);
-    return text;
-}
-
-std::string text(const std::string& bytes) { return number(bytes.size(), 8) + bytes; }
 
 std::string classHead(const std::string& name) { return text(name) + text("ZTNone"); }
 } // namespace
@@ -110,14 +97,27 @@ TEST(DumpDamage, IsNoEventThatIsInheritedFromTheFirstPlace)
     EXPECT_NE(shownAs(dump::Form::Listing, bytes).find("notifies destroyed"), std::string::npos);
 }
 
-TEST(DumpDamage, IsNestingThatIsTooDeep)
+/// What is wrong with a value in so many variants, one within the other.
+std::string faultOfNested(int depth, const std::string& value)
 {
     std::string nested;
-    for (int i = 0; i < 100'000; ++i)
+    for (int i = 1; i < depth; ++i)
         nested += text("struct ZTVariant");
-    auto damages = damagesIn(nested + text("int") + number(5, 4), 0);
-    ASSERT_EQ(damages.size(), 1U);
-    EXPECT_EQ(damages[0].what, "variants are nested too deep to be read");
+    auto damages = damagesIn(nested + value, 0);
+    return damages.empty() ? "" : damages[0].what;
+}
+
+TEST(DumpDamage, IsNestingThatIsTooDeep)
+{
+    const std::string five = text("int") + number(5, 4), letter = text("char") + number(97, 4);
+    const std::string tooDeep = "variants are nested too deep to be read";
+    EXPECT_EQ(faultOfNested(500, five), "");
+    for (int depth : {501, 502, 100'000}) {
+        EXPECT_EQ(faultOfNested(depth, five), tooDeep) << depth;
+        EXPECT_EQ(faultOfNested(depth, text("ZTBadMetaType")), depth == 501 ? "" : tooDeep);
+    }
+    EXPECT_EQ(faultOfNested(500, letter), "a value of type char cannot be read back");
+    EXPECT_EQ(faultOfNested(502, letter), tooDeep);
 }
 
 TEST(DumpDamage, DoesNotMultiplyTheOutput)
