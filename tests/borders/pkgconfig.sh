@@ -4,7 +4,22 @@ set -euo pipefail
 compiler=$1 libdir=$2 work=$3
 export PKG_CONFIG_PATH=$libdir/pkgconfig
 mkdir -p "$work"
-# shellcheck disable=SC2046
-"$compiler" "$(dirname "$0")/consumer/main.cpp" $(pkg-config --cflags --libs zintar) \
-    -Wl,-rpath,"$libdir" -o "$work/consumer"
-"$work/consumer"
+cd "$(dirname "$0")"
+read -ra flags <<<"$(pkg-config --cflags --libs zintar)"
+
+for standard in c++20 c++2b; do
+    "$compiler" -std=$standard consumer/main.cpp "${flags[@]}" -Wl,-rpath,"$libdir" \
+        -o "$work/consumer"
+    "$work/consumer"
+done
+
+# The standard stays the consumer's own choice; an older one gets a sentence.
+"$compiler" -std=c++2b -fsyntax-only -include /dev/stdin -x c++ /dev/null "${flags[@]}" <<'END'
+#include <zintar/zintar.h>
+static_assert(__cplusplus > 202002L);
+END
+if "$compiler" -std=c++17 -fsyntax-only consumer/main.cpp "${flags[@]}" 2>"$work/told"; then
+    echo "C++17 was accepted" >&2
+    exit 1
+fi
+grep -m1 error "$work/told" | grep "Zintar needs C++20"
