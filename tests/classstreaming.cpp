@@ -61,7 +61,10 @@ TEST(ClassReader, BringsEverythingBackButTheFunctions)
     ZTMetaClassBuilder builder;
     EXPECT_LOGS_NOTHING([&] { builder.deserialize(stream, withDevice); });
     auto serial = builder.property(0), level = builder.property(1);
-    EXPECT_TRUE(serial.canGet() && !serial.canSet() && level.canGet() && level.canSet());
+    EXPECT_TRUE(serial.canGet());
+    EXPECT_FALSE(serial.canSet());
+    EXPECT_TRUE(level.canGet());
+    EXPECT_TRUE(level.canSet());
     const std::string without = bytesOf(builder); // what is not given back is forgotten
     EXPECT_EQ(support::hex(without), support::hex(heaterBytes(false)));
     EXPECT_EQ(streamed(*readClass(without)), without);
@@ -123,7 +126,8 @@ TEST(ClassReader, LinksTheChangeEventByItsPositionInTheOwnList)
     builder.addInvokable().setName("older");
     auto stream = support::streamOf(classWithPosition(0));
     builder.deserialize(stream, {});
-    EXPECT_TRUE(builder.typeName() == "A" && builder.invokableCount() == 2);
+    EXPECT_EQ(builder.typeName(), "A");
+    EXPECT_EQ(builder.invokableCount(), 2);
     const Owned made(builder.toMetaClass());
     EXPECT_EQ(made->property(0U)->changeEvent()->name(), "older");
 }

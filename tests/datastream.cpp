@@ -32,7 +32,9 @@ TEST(DataStream, TakesIntegersThatAreNoTypeOfTheRegistry)
     long large = 0;
     stream << static_cast<signed char>(-2) << -3L;
     stream >> small >> large;
-    EXPECT_TRUE(small == -2 && large == -3 && stream.data().size() == 1 + sizeof large);
+    EXPECT_EQ(small, -2);
+    EXPECT_EQ(large, -3);
+    EXPECT_EQ(stream.data().size(), 1 + sizeof large);
 }
 
 TEST(DataStream, FailsAtAReadPastItsEndAndStaysSo)
@@ -43,15 +45,22 @@ TEST(DataStream, FailsAtAReadPastItsEndAndStaysSo)
     stream >> damaged;
     EXPECT_EQ(damaged, true);
     stream.read(nullptr, 0).write(nullptr, 0);
-    EXPECT_TRUE(stream.good() && stream() && !!stream && !stream.atEnd());
+    EXPECT_TRUE(stream.good());
+    EXPECT_TRUE(stream());
+    EXPECT_FALSE(!stream);
+    EXPECT_FALSE(stream.atEnd());
     stream >> value;
     EXPECT_EQ(value, 0x77662211);
-    EXPECT_FALSE(stream.good() || stream() || !!stream || !stream.atEnd());
+    EXPECT_FALSE(stream.good());
+    EXPECT_FALSE(stream());
+    EXPECT_TRUE(!stream);
+    EXPECT_TRUE(stream.atEnd());
     stream << 5;
     EXPECT_EQ(bytesOf(stream), "02 11 22");
     stream.setData("abcd");
     stream >> value;
-    EXPECT_TRUE(value == 0x77662211 && !stream.good());
+    EXPECT_EQ(value, 0x77662211);
+    EXPECT_FALSE(stream.good());
 }
 
 TEST(DataStream, ReadsAndWritesAtPositionsOfTheirOwn)
@@ -118,9 +127,12 @@ TEST(DerivedStream, ChangesTheMediumOfEveryOperator)
     stream << "abc" << short(0x1234);
     EXPECT_EQ(support::hex(stream.bytes), "12 34 63 62 61 00 00 00 00 00 00 00 03");
     stream >> text >> number;
-    EXPECT_TRUE(text == "abc" && number == 0x1234 && !!stream);
+    EXPECT_EQ(text, "abc");
+    EXPECT_EQ(number, 0x1234);
+    EXPECT_FALSE(!stream);
     stream >> number;
-    EXPECT_TRUE(!stream && !stream());
+    EXPECT_FALSE(stream);
+    EXPECT_FALSE(stream());
     static_cast<ZTDataStream&>(stream).setData(std::string("ab"));
     EXPECT_EQ(stream.bytes, "ba");
 }
@@ -135,7 +147,8 @@ TEST(AnyStream, ReadsALongText)
             std::string read, next;
             *stream << text << "end";
             *stream >> read >> next;
-            EXPECT_TRUE(read == text && next == "end") << size;
+            EXPECT_EQ(read, text) << size;
+            EXPECT_EQ(next, "end") << size;
         }
     }
 }
@@ -150,7 +163,8 @@ TEST(AnyStream, FailsAtAForgedLengthAndTakesNoMemory)
             (*stream << length).write("abc", 3);
             std::string text = "old";
             *stream >> text;
-            EXPECT_TRUE(!stream->good() && text.empty()) << length;
+            EXPECT_FALSE(stream->good()) << length;
+            EXPECT_TRUE(text.empty()) << length;
             EXPECT_LT(text.capacity(), 100'000U);
         }
         EXPECT_LT(derived.largestRead, 100'000U);

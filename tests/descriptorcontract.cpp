@@ -129,7 +129,8 @@ TEST_P(DescriptorContract, IndicesOutOfRangeGiveNeutralAnswers)
         EXPECT_EQ(heater.metaEnum(heater.enumCount() + beyond), nullptr);
         EXPECT_EQ(heater.property(heater.propertyCount() + beyond), nullptr);
         EXPECT_EQ(heater.invokable(heater.invokableCount() + beyond), nullptr);
-        EXPECT_TRUE(isEmptyView(mode.enumerator(2 + beyond)) && mode.value(2 + beyond) == -1);
+        EXPECT_TRUE(isEmptyView(mode.enumerator(2 + beyond)));
+        EXPECT_EQ(mode.value(2 + beyond), -1);
         EXPECT_TRUE(isEmptyView(level.propInfoKey(2 + beyond)));
         EXPECT_TRUE(isEmptyView(level.propInfoValue(2 + beyond)));
         EXPECT_FALSE(heater.invokable(5U)->parameterMetaType(2 + beyond));
@@ -138,7 +139,8 @@ TEST_P(DescriptorContract, IndicesOutOfRangeGiveNeutralAnswers)
 
 TEST_P(DescriptorContract, NamesFindTheOwnMemberFirst)
 {
-    EXPECT_TRUE(device && heater);
+    EXPECT_TRUE(device);
+    EXPECT_TRUE(heater);
     EXPECT_EQ(device.classInfo("vendor")->value(), "acme");
     EXPECT_EQ(heater.classInfo("vendor")->value(), "thermo");
     EXPECT_EQ(heater.classInfo(""), heater.classInfo(2U));
@@ -146,8 +148,11 @@ TEST_P(DescriptorContract, NamesFindTheOwnMemberFirst)
     EXPECT_EQ(heater.property("label"), device.property("label"));
     EXPECT_EQ(heater.property("level"), heater.property(3U));
     EXPECT_EQ(device.property("level"), device.property(1U));
-    EXPECT_TRUE(!heater.property("leve") && !heater.property("") && !device.property("serial"));
-    EXPECT_TRUE(!device.classInfo("") && !device.classInfo("vendors"));
+    EXPECT_FALSE(heater.property("leve"));
+    EXPECT_FALSE(heater.property(""));
+    EXPECT_FALSE(device.property("serial"));
+    EXPECT_FALSE(device.classInfo(""));
+    EXPECT_FALSE(device.classInfo("vendors"));
 }
 
 TEST_P(DescriptorContract, InvokablesAreFoundByNameConstnessAndTypes)
@@ -170,7 +175,8 @@ TEST_P(DescriptorContract, InvokablesAreFoundByNameConstnessAndTypes)
 TEST_P(DescriptorContract, IsOneFamilyThroughout)
 {
     const bool dynamic = GetParam().make != &declared;
-    EXPECT_TRUE(heater.isDynamic() == dynamic && heater.invokable(5U)->isDynamic() == dynamic);
+    EXPECT_EQ(heater.isDynamic(), dynamic);
+    EXPECT_EQ(heater.invokable(5U)->isDynamic(), dynamic);
     EXPECT_EQ(heater.property("level")->isDynamic(), dynamic);
     EXPECT_EQ(&heater.metaType(), dynamic ? &ZTMetaType::ZTBadMetaType : &ztMetaType<Heater*>());
     EXPECT_FALSE(heater.invokable(0U)->isDynamic());
@@ -178,12 +184,14 @@ TEST_P(DescriptorContract, IsOneFamilyThroughout)
 
 TEST_P(DescriptorContract, IsDerivedFromComparesDescriptorsAndWarnsOfDynamicOnes)
 {
-    EXPECT_FALSE(device.isDerivedFrom(&heater) || Device::typeMetaClass().isDerivedFrom(nullptr));
+    EXPECT_FALSE(device.isDerivedFrom(&heater));
+    EXPECT_FALSE(Device::typeMetaClass().isDerivedFrom(nullptr));
     const std::string head = "Zintar: ZTMetaClass::isDerivedFrom called ";
     const std::string on = head + "on dynamic meta class \"struct sample::Heater\".\n";
     const std::string with = head + "with dynamic meta class \"struct sample::Device\".\n";
     support::CapturedLog log;
-    EXPECT_TRUE(heater.isDerivedFrom(&device) && heater.isDerivedFrom(&ZTBase::typeMetaClass()));
+    EXPECT_TRUE(heater.isDerivedFrom(&device));
+    EXPECT_TRUE(heater.isDerivedFrom(&ZTBase::typeMetaClass()));
     EXPECT_EQ(log.err(), GetParam().make == &declared ? "" : on + with + on);
     EXPECT_EQ(log.out(), "");
 }

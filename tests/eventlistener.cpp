@@ -58,7 +58,9 @@ TEST_F(Listener, RemovesAndClearsRecordsAndGivesCopies)
     EXPECT_EQ(story(), "ann2, ann3");
     EXPECT_TRUE(tellings.at(2).empty());
     tellings.clear();
-    EXPECT_TRUE(tellings.count() == 0 && tellings.last().empty() && !tellings.remove(0));
+    EXPECT_EQ(tellings.count(), 0);
+    EXPECT_TRUE(tellings.last().empty());
+    EXPECT_FALSE(tellings.remove(0));
     speaker->told("bob", 4);
     EXPECT_EQ(story(), "bob4");
 }
@@ -73,7 +75,8 @@ TEST_F(Listener, MayDieWhileTheSenderDelivers)
     });
     after.emplace(&*speaker, &Speaker::said);
     speaker->said(1);
-    EXPECT_FALSE(before || after);
+    EXPECT_FALSE(before);
+    EXPECT_FALSE(after);
     scoped.reset();
     speaker->said(2);
 }
@@ -85,7 +88,9 @@ TEST_F(Listener, OfNothingRecordsNothing)
         const ZTEventListener ofNoSender(nullptr, type.invokable(4U));
         const ZTEventListener ofNoEvent(&*speaker, static_cast<const ZTMetaInvokable*>(nullptr));
         const ZTEventListener ofAMethod(&*speaker, type.invokable(7U));
-        EXPECT_FALSE(ofNoSender.valid() || ofNoEvent.valid() || ofAMethod.valid());
+        EXPECT_FALSE(ofNoSender.valid());
+        EXPECT_FALSE(ofNoEvent.valid());
+        EXPECT_FALSE(ofAMethod.valid());
     });
 }
 

@@ -166,7 +166,8 @@ TEST_F(Move, EverythingThatNamesTheObjectFollows)
     Hearer mover(std::move(hearer));
 
     EXPECT_EQ(reference.get(), &second);
-    EXPECT_TRUE(second.isBlockingSentEvents() && mover.isBlockingReceivedEvents());
+    EXPECT_TRUE(second.isBlockingSentEvents());
+    EXPECT_TRUE(mover.isBlockingReceivedEvents());
     sent = received = ZTEventBlocker(nullptr, true);
     mover.then = [&] { diary.add(mover.active()); };
     second.said(1);
@@ -181,14 +182,17 @@ TEST_F(Move, MovedFromObjectIsNobody)
     EXPECT_LOGS_NOTHING([&] {
         source.childAdded(nullptr);
         source.setParent(&observer);
-        EXPECT_FALSE(source.setProperty("name", 1, true) || source.property("name").isValid());
+        EXPECT_FALSE(source.setProperty("name", 1, true));
+        EXPECT_FALSE(source.property("name").isValid());
         EXPECT_FALSE(ZTBase::subscribe(&source, &ZTBase::childAdded, &observer, [] {}));
         EXPECT_FALSE(ZTBase::subscribe(&observer, &ZTBase::childAdded, &source, [] {}));
-        EXPECT_FALSE(source.unsubscribe(nullptr) || target->unsubscribe(&source));
+        EXPECT_FALSE(source.unsubscribe(nullptr));
+        EXPECT_FALSE(target->unsubscribe(&source));
         ZTEventBlocker blocker(&source, true);
         EXPECT_FALSE(source.isBlockingSentEvents());
     });
-    EXPECT_TRUE(source.children().empty() && observer.children().empty());
+    EXPECT_TRUE(source.children().empty());
+    EXPECT_TRUE(observer.children().empty());
     source = std::move(*target);
     target.reset();
     EXPECT_EQ(nameOf(&source), "o");
@@ -205,7 +209,8 @@ TEST_F(Move, AssignmentReplacesWithoutDestroyed)
     auto* o = new Named("o");
     EXPECT_EQ(become(b, o), "g-o ~b1");
     EXPECT_EQ(treeOf(g.get()) + treeOf(b), "g(a(a1(a2) d))o");
-    EXPECT_FALSE(old || b->isBlockingSentEvents());
+    EXPECT_FALSE(old);
+    EXPECT_FALSE(b->isBlockingSentEvents());
     delete b;
 }
 

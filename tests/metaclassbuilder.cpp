@@ -56,8 +56,10 @@ TEST_F(ClassBuilder, RemovesMembersByPosition)
     EXPECT_EQ(builder.classInfoCount() + builder.enumCount() + builder.propertyCount() +
                   builder.invokableCount(),
               8);
-    EXPECT_TRUE(builder.classInfo(1).key() == "c" && builder.metaEnum(1).name() == "c" &&
-                builder.property(1).name() == "c" && builder.invokable(1).name() == "c");
+    EXPECT_EQ(builder.classInfo(1).key(), "c");
+    EXPECT_EQ(builder.metaEnum(1).name(), "c");
+    EXPECT_EQ(builder.property(1).name(), "c");
+    EXPECT_EQ(builder.invokable(1).name(), "c");
 }
 
 TEST_F(ClassBuilder, ChangeEventFollowsItsInvokable)
@@ -113,7 +115,8 @@ TEST(MemberHandle, OutlivesItsMemberAndItsClassBuilder)
     EXPECT_TRUE(kind.add("A", 1));
     event.setEvent<int>();
     property.setName("late");
-    EXPECT_TRUE(property.changeEventIndex() == -1 && orphan.changeEventIndex() == -1);
+    EXPECT_EQ(property.changeEventIndex(), -1);
+    EXPECT_EQ(orphan.changeEventIndex(), -1);
     property.setChangeEvent(event);
     EXPECT_EQ(property.changeEventIndex(), -1);
     EXPECT_EQ(made->property(0U)->name(), "");
@@ -170,10 +173,14 @@ TEST_F(MemberBuilder, OfANewMemberReadsNeutrally)
         EXPECT_TRUE(builder.classInfo(position).key().empty());
         EXPECT_EQ(builder.metaEnum(position).count(), 0);
         auto invokable = builder.invokable(position);
-        EXPECT_FALSE(invokable.isConst() || invokable.isEvent() || invokable.returnMetaType());
+        EXPECT_FALSE(invokable.isConst());
+        EXPECT_FALSE(invokable.isEvent());
+        EXPECT_FALSE(invokable.returnMetaType());
         EXPECT_EQ(invokable.accessSpecifier(), ZTAccessSpecifier::Private);
         auto property = builder.property(position);
-        EXPECT_FALSE(property.canGet() || property.canSet() || property.metaType());
+        EXPECT_FALSE(property.canGet());
+        EXPECT_FALSE(property.canSet());
+        EXPECT_FALSE(property.metaType());
         EXPECT_EQ(property.changeEventIndex(), -1);
     }
 }
@@ -182,11 +189,15 @@ TEST_F(MemberBuilder, OfAnEnumRefusesNamesAndValuesThatAreThere)
 {
     auto kind = builder.addEnum();
     EXPECT_TRUE(kind.add("A", 1));
-    EXPECT_FALSE(kind.add("A", 2) || kind.add("B", 1));
-    EXPECT_TRUE(kind.add("B", 2) && kind.add("", -1));
+    EXPECT_FALSE(kind.add("A", 2));
+    EXPECT_FALSE(kind.add("B", 1));
+    EXPECT_TRUE(kind.add("B", 2));
+    EXPECT_TRUE(kind.add("", -1));
     kind.remove(3);
     kind.remove(0);
-    EXPECT_TRUE(kind.count() == 2 && kind.enumerator(0) == "B" && kind.value(0) == 2);
+    EXPECT_EQ(kind.count(), 2);
+    EXPECT_EQ(kind.enumerator(0), "B");
+    EXPECT_EQ(kind.value(0), 2);
     EXPECT_TRUE(kind.add("A", 1));
 
     // A prototype's are taken as they are.
@@ -195,7 +206,9 @@ TEST_F(MemberBuilder, OfAnEnumRefusesNamesAndValuesThatAreThere)
     const zt::detail::ZTStaticMetaEnumData data("Kind", 3, names, values);
     const ZTStaticMetaEnum prototype(&data);
     auto copy = builder.addEnum(&prototype);
-    EXPECT_TRUE(copy.count() == 3 && copy.enumerator(1) == "A" && copy.value(2) == 1);
+    EXPECT_EQ(copy.count(), 3);
+    EXPECT_EQ(copy.enumerator(1), "A");
+    EXPECT_EQ(copy.value(2), 1);
     EXPECT_FALSE(copy.add("B", 7));
 }
 
@@ -207,7 +220,8 @@ TEST_F(MemberBuilder, OfAPropertyKeepsAnnotationsInTheirOrder)
     property.removePropInfo(3);
     property.removePropInfo(0);
     EXPECT_EQ(property.propInfoCount(), 2U);
-    EXPECT_TRUE(property.propInfoKey(0) == "k" && property.propInfoValue(0) == "2");
+    EXPECT_EQ(property.propInfoKey(0), "k");
+    EXPECT_EQ(property.propInfoValue(0), "2");
 }
 
 TEST_F(MemberBuilder, OfAPropertyTakesTypedFunctionsWithTheType)
@@ -242,7 +256,8 @@ TEST_F(MemberBuilder, OfAMethodTakesTypedFunctionsWithTheSignature)
     method.setFunction([](const Heater& self, const std::string& text, float) {
         return text + std::to_string(self.level());
     });
-    EXPECT_TRUE(method.isConst() && method.returnMetaType() == ztMetaType<std::string>());
+    EXPECT_TRUE(method.isConst());
+    EXPECT_EQ(method.returnMetaType(), ztMetaType<std::string>());
     EXPECT_EQ(method.parameterMetaTypes(),
               (std::vector{&ztMetaType<std::string>(), &ztMetaType<float>()}));
     const Owned made(builder.toMetaClass());
@@ -250,7 +265,8 @@ TEST_F(MemberBuilder, OfAMethodTakesTypedFunctionsWithTheSignature)
     EXPECT_EQ(made->invokable(0U)->invoke(&constant, "level ", 1.0F), ZTVariant("level 1"));
 
     method.setFunction([](Heater& self, int to) { self.setLevel(to); });
-    EXPECT_TRUE(!method.isConst() && method.returnMetaType() == ztMetaType<void>());
+    EXPECT_FALSE(method.isConst());
+    EXPECT_EQ(method.returnMetaType(), ztMetaType<void>());
     const auto function = method.function();
     EXPECT_LOGS(strangeObject("struct sample::Heater*"),
                 [&] { EXPECT_FALSE(function(strangePointer, {ZTVariant(1)})); });
@@ -293,7 +309,9 @@ TEST_F(MemberBuilder, TakesItsFunctionsBack)
     auto property = builder.addProperty(declared.property("level"));
     property.setGetter({});
     property.setSetter({});
-    EXPECT_FALSE(method.function() || property.canGet() || property.canSet());
+    EXPECT_FALSE(method.function());
+    EXPECT_FALSE(property.canGet());
+    EXPECT_FALSE(property.canSet());
 }
 
 TEST_F(MemberBuilder, OfAPropertyTakesAnEventOfItsOwnClassBuilder)
@@ -322,7 +340,10 @@ TEST_F(MemberBuilder, OfACopiedPropertyFindsItsEventByPosition)
         builder.addInvokable().setName(name);
     auto level = builder.addProperty(declared.property("level"));
     auto serial = builder.addProperty(declared.property("serial"));
-    EXPECT_TRUE(level.canGet() && level.canSet() && serial.canGet() && !serial.canSet());
+    EXPECT_TRUE(level.canGet());
+    EXPECT_TRUE(level.canSet());
+    EXPECT_TRUE(serial.canGet());
+    EXPECT_FALSE(serial.canSet());
     EXPECT_EQ(level.getter()(pointer), ZTVariant(1));
     EXPECT_EQ(level.propInfoValue(1), "W");
     EXPECT_EQ(level.changeEventIndex(), 6); // whatever stands third here

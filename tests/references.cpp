@@ -43,16 +43,21 @@ TYPED_TEST(AnyReference, CopiesShareAndMovesHandOver)
     Ref first(owner.get()), copy(first), moved(std::move(first)), null(nullptr);
     moved->value = 9;
     EXPECT_EQ((*copy).value, 9);
-    EXPECT_TRUE(!first && moved == copy && first == null && null == nullptr);
+    EXPECT_FALSE(first);
+    EXPECT_EQ(moved, copy);
+    EXPECT_EQ(first, null);
+    EXPECT_EQ(null, nullptr);
     first = copy;
     copy = std::move(first);
-    EXPECT_TRUE(copy == moved && !first);
+    EXPECT_EQ(copy, moved);
+    EXPECT_FALSE(first);
     Ref& itself = copy;
     copy = itself;
     copy = std::move(itself);
     EXPECT_EQ(copy, owner);
     std::swap(copy, first);
-    EXPECT_TRUE(first && !copy);
+    EXPECT_TRUE(first);
+    EXPECT_FALSE(copy);
 }
 
 TYPED_TEST(AnyReference, ConvertsComparesAndHashesByObject)
@@ -69,9 +74,15 @@ TYPED_TEST(AnyReference, ConvertsComparesAndHashesByObject)
     const Base base = leaf;
     const Constant constant = leaf;
     const Base taken = std::move(leaf);
-    EXPECT_TRUE(constant == base && taken == base && !leaf);
+    EXPECT_EQ(constant, base);
+    EXPECT_EQ(taken, base);
+    EXPECT_FALSE(leaf);
     const Ref a(one.get());
-    EXPECT_TRUE(a == one && a == one.get() && one.get() == a && a != other && a != nullptr);
+    EXPECT_EQ(a, one);
+    EXPECT_EQ(a, one.get());
+    EXPECT_EQ(one.get(), a);
+    EXPECT_NE(a, other);
+    EXPECT_NE(a, nullptr);
     const std::unordered_set<Ref> set{a, Ref(one.get()), Ref(other.get()), Ref()};
     EXPECT_EQ(set.size(), 3U);
 }
@@ -113,7 +124,8 @@ TYPED_TEST(AnyReference, ReadsNullOnceTheObjectIsGone)
             EXPECT_EQ(log.err(), strong ? heldLine : "");
             EXPECT_EQ(log.out(), "");
         }
-        EXPECT_FALSE(child || copy);
+        EXPECT_FALSE(child);
+        EXPECT_FALSE(copy);
         EXPECT_EQ(std::hash<Ref>()(child), std::hash<Ref>()(nullptr));
         if (!byParent)
             delete parent;
@@ -132,11 +144,14 @@ TEST(StrongReference, EndsItsObjectWithTheLastOne)
     auto dies = ZTBase::subscribe(first.get(), &ZTBase::destroyed, [&](ZTBase*) { ++died; });
     EXPECT_LOGS_NOTHING([&] {
         first.reset();
-        EXPECT_TRUE(weak && died == 0);
+        EXPECT_TRUE(weak);
+        EXPECT_EQ(died, 0);
         second = ZTStrongRef<Leaf>();
     });
-    EXPECT_TRUE(died == 1 && parent.children().empty());
-    EXPECT_FALSE(weak || below);
+    EXPECT_EQ(died, 1);
+    EXPECT_TRUE(parent.children().empty());
+    EXPECT_FALSE(weak);
+    EXPECT_FALSE(below);
 }
 
 TEST(StrongReference, TakenWhileTheObjectDiesDoesNotKeepIt)

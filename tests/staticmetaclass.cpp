@@ -64,11 +64,14 @@ struct StaticClass : testing::Test {
 
 TEST_F(StaticClass, WithoutListsAndFunctionsAnswersNeutrally)
 {
-    EXPECT_TRUE(lamp.metaEnum(0)->enumerator(1).empty() && lamp.metaEnum(0)->value(1) == -1);
+    EXPECT_TRUE(lamp.metaEnum(0)->enumerator(1).empty());
+    EXPECT_EQ(lamp.metaEnum(0)->value(1), -1);
     EXPECT_FALSE(lamp.invokable(0U)->invoke(ZTVariant(), {ZTVariant(2)}));
     EXPECT_FALSE(lamp.invokable(1U)->parameterMetaType(0));
     const ZTMetaProperty& bare = *lamp.property(1U);
-    EXPECT_FALSE(bare.metaType() || bare.get(ZTVariant(1)) || bare.set(ZTVariant(), ZTVariant(1)));
+    EXPECT_FALSE(bare.metaType());
+    EXPECT_FALSE(bare.get(ZTVariant(1)));
+    EXPECT_FALSE(bare.set(ZTVariant(), ZTVariant(1)));
 }
 
 TEST_F(StaticClass, InvokesWithTooFewArgumentsAndWarns)
@@ -91,21 +94,39 @@ TEST_F(StaticClass, SlicedDescriptorsAnswerNeutrally)
     const ZTMetaInvokable invokable = *lamp.invokable(1U);
     const ZTMetaProperty property = *lamp.property(0U);
     ZTMetaClass sliced = lamp;
-    EXPECT_TRUE(info && enumeration && invokable && property && sliced);
-    EXPECT_TRUE(isEmptyView(info.key()) && isEmptyView(enumeration.enumerator(0)));
-    EXPECT_FALSE(enumeration.count() || enumeration.value(0));
-    EXPECT_FALSE(invokable.isConst() || invokable.isEvent() || invokable.isDynamic());
-    EXPECT_FALSE(invokable.returnMetaType() || invokable.parameterMetaType(0));
-    EXPECT_FALSE(invokable.parameterCount() || invokable.index());
+    EXPECT_TRUE(info);
+    EXPECT_TRUE(enumeration);
+    EXPECT_TRUE(invokable);
+    EXPECT_TRUE(property);
+    EXPECT_TRUE(sliced);
+    EXPECT_TRUE(isEmptyView(info.key()));
+    EXPECT_TRUE(isEmptyView(enumeration.enumerator(0)));
+    EXPECT_FALSE(enumeration.count());
+    EXPECT_FALSE(enumeration.value(0));
+    EXPECT_FALSE(invokable.isConst());
+    EXPECT_FALSE(invokable.isEvent());
+    EXPECT_FALSE(invokable.isDynamic());
+    EXPECT_FALSE(invokable.returnMetaType());
+    EXPECT_FALSE(invokable.parameterMetaType(0));
+    EXPECT_FALSE(invokable.parameterCount());
+    EXPECT_FALSE(invokable.index());
     EXPECT_EQ(invokable.accessSpecifier(), ZTAccessSpecifier::Public);
     EXPECT_LOGS_NOTHING([&] { EXPECT_FALSE(invokable.invoke(ZTVariant())); });
-    EXPECT_FALSE(property.metaType() || property.canGet() || property.canSet());
-    EXPECT_FALSE(property.get(ZTVariant(1)) || property.set(ZTVariant(1), ZTVariant(1)));
-    EXPECT_TRUE(property.changeEventIndex() == -1 && !property.changeEvent());
-    EXPECT_TRUE(isEmptyView(property.propInfoKey(0)) && isEmptyView(property.propInfoValue(0)));
+    EXPECT_FALSE(property.metaType());
+    EXPECT_FALSE(property.canGet());
+    EXPECT_FALSE(property.canSet());
+    EXPECT_FALSE(property.get(ZTVariant(1)));
+    EXPECT_FALSE(property.set(ZTVariant(1), ZTVariant(1)));
+    EXPECT_EQ(property.changeEventIndex(), -1);
+    EXPECT_FALSE(property.changeEvent());
+    EXPECT_TRUE(isEmptyView(property.propInfoKey(0)));
+    EXPECT_TRUE(isEmptyView(property.propInfoValue(0)));
     sliced.setUserData(&sliced);
-    EXPECT_TRUE(isEmptyView(sliced.typeName()) && !sliced.userData() && !sliced.superClass());
-    EXPECT_FALSE(sliced.invokable(0U) || sliced.invokableCount());
+    EXPECT_TRUE(isEmptyView(sliced.typeName()));
+    EXPECT_FALSE(sliced.userData());
+    EXPECT_FALSE(sliced.superClass());
+    EXPECT_FALSE(sliced.invokable(0U));
+    EXPECT_FALSE(sliced.invokableCount());
     EXPECT_EQ(sliced.indexOfInvokable<void()>("name") + sliced.indexOfInvokable(&sliced), -2);
 }
 
@@ -114,9 +135,15 @@ TEST_F(StaticClass, DescriptorsAreTrueWhenTheirTextsWereSet)
     const ZTStaticMetaClassInfoData infos[] = {{"", ""}, {"k", {}}, {{}, "v"}, {}};
     for (const ZTStaticMetaClassInfoData& info : infos)
         EXPECT_EQ(static_cast<bool>(ZTStaticMetaClassInfo(&info)), &info == &infos[0]);
-    EXPECT_TRUE(lamp && *lamp.metaEnum(0) && *lamp.property(0U) && *lamp.invokable(0U));
+    EXPECT_TRUE(lamp);
+    EXPECT_TRUE(*lamp.metaEnum(0));
+    EXPECT_TRUE(*lamp.property(0U));
+    EXPECT_TRUE(*lamp.invokable(0U));
     beam.name = level.name = changed.name = table.typeName = {};
-    EXPECT_FALSE(lamp || *lamp.metaEnum(0) || *lamp.property(0U) || *lamp.invokable(0U));
+    EXPECT_FALSE(lamp);
+    EXPECT_FALSE(*lamp.metaEnum(0));
+    EXPECT_FALSE(*lamp.property(0U));
+    EXPECT_FALSE(*lamp.invokable(0U));
 }
 
 TEST_F(StaticClass, FindsTheFirstOfItsOwn)
@@ -124,7 +151,9 @@ TEST_F(StaticClass, FindsTheFirstOfItsOwn)
     EXPECT_EQ(lamp.property("level"), lamp.property(0U));
     EXPECT_EQ(spot.property("level"), spot.property(2U));
     spotTable.superClass = nullptr;
-    EXPECT_FALSE(spot.metaEnum(0) || spot.property(0U) || spot.invokable(0U));
+    EXPECT_FALSE(spot.metaEnum(0));
+    EXPECT_FALSE(spot.property(0U));
+    EXPECT_FALSE(spot.invokable(0U));
 }
 
 TEST_F(StaticClass, AsksItsCallbacksThenTheSuperClass)
@@ -146,7 +175,9 @@ TEST_F(StaticClass, OfABlankTableIsEmpty)
     blank.enumCount = 1; // of a list that is not there
     const auto owned = createStaticMetaClass(&blank);
     const ZTMetaClass& empty = *owned;
-    EXPECT_FALSE(empty.metaType() || empty.classInfo("") || empty.property(""));
+    EXPECT_FALSE(empty.metaType());
+    EXPECT_FALSE(empty.classInfo(""));
+    EXPECT_FALSE(empty.property(""));
     EXPECT_EQ(empty.indexOfInvokable(static_cast<void*>(&spot)), -1);
     EXPECT_EQ(empty.indexOfInvokable<void()>("changed"), -1);
 }
@@ -158,7 +189,8 @@ TEST_F(StaticClass, CopyHasDescriptorsOfItsOwnAndAMoveTakesThem)
     copy.setUserData(&word);
     EXPECT_EQ(spot.userData(), &word); // which is in the table
     EXPECT_NE(copy.property(2U), spot.property(2U));
-    EXPECT_TRUE(copy.isDerivedFrom(&lamp) && !copy.isDerivedFrom(&spot));
+    EXPECT_TRUE(copy.isDerivedFrom(&lamp));
+    EXPECT_FALSE(copy.isDerivedFrom(&spot));
 
     ZTStaticMetaClass source(lamp);
     const ZTMetaInvokable* first = source.invokable(0U);

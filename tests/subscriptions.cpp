@@ -163,7 +163,8 @@ TEST_F(Unsubscribing, ByHandle)
         addAll();
         ZTSubscription twice = add(said, &a, kind);
         EXPECT_TRUE(ZTBase::unsubscribe(twice));
-        EXPECT_FALSE(twice || ZTBase::unsubscribe(twice));
+        EXPECT_FALSE(twice);
+        EXPECT_FALSE(ZTBase::unsubscribe(twice));
         // With one subscription of an invokable the same ones fall.
         for (const One& one : all)
             EXPECT_EQ(bool(one.handle), one.event != said || one.receiver != &a ||
@@ -179,18 +180,24 @@ TEST_F(Subscription, HandlesCompareByWhatTheyName)
     auto a = std::make_unique<Hearer>("a", diary);
     const ZTSubscription none;
     ZTSubscription member = listen(*a), same = listen(*a), copy = member;
-    EXPECT_TRUE(copy == member && !(member == same) && !(member == none));
+    EXPECT_EQ(copy, member);
+    EXPECT_FALSE(member == same);
+    EXPECT_FALSE(member == none);
     ZTSubscription described = ZTBase::subscribe(speaker.get(), said, a.get(), hear);
     EXPECT_TRUE(described == ZTBase::subscribe(speaker.get(), said, a.get(), hear));
     EXPECT_FALSE(described == ZTBase::subscribe(speaker.get(), said, a.get(), hearAny));
     EXPECT_FALSE(described == member);
 
     EXPECT_TRUE(ZTBase::unsubscribe(member));
-    EXPECT_TRUE(!member && !copy && copy == none && same);
+    EXPECT_FALSE(member);
+    EXPECT_FALSE(copy);
+    EXPECT_EQ(copy, none);
+    EXPECT_TRUE(same);
     a.reset(); // the end of either object ends it too
     Hearer b("b", diary);
     ZTSubscription other = listen(b);
-    EXPECT_TRUE(!same && other);
+    EXPECT_FALSE(same);
+    EXPECT_TRUE(other);
     speaker.reset();
     EXPECT_FALSE(other);
 }
@@ -203,7 +210,9 @@ TEST_F(Subscription, ScopedOneEndsWithItsHolder)
         ZTScopedSubscription held = make(), ended = make();
         ended.reset();
         ZTScopedSubscription moved = std::move(held);
-        EXPECT_TRUE(!held && !ended && moved);
+        EXPECT_FALSE(held);
+        EXPECT_FALSE(ended);
+        EXPECT_TRUE(moved);
         EXPECT_EQ(say(1), "1");
         moved = make();
         auto& itself = moved;

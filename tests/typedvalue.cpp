@@ -202,11 +202,15 @@ TEST_F(Converters, MayRefuseAValueAndBeReplaced)
 
 TEST_F(Converters, HaveNothingToDoWithTheBadType)
 {
-    for (auto [from, to] : {std::pair(&celsius, &bad), {&bad, &bad}, {&bad, &kelvin}})
-        EXPECT_FALSE(from->canConvert(*to) || from->convert(&source, *to, &target));
+    for (auto [from, to] : {std::pair(&celsius, &bad), {&bad, &bad}, {&bad, &kelvin}}) {
+        EXPECT_FALSE(from->canConvert(*to));
+        EXPECT_FALSE(from->convert(&source, *to, &target));
+    }
     EXPECT_EQ(target.degrees, 1);
-    EXPECT_TRUE(ZTVariant(source).canConvert(celsius) && ZTVariant(source).canConvert(kelvin));
-    EXPECT_FALSE(ZTVariant(source).canConvert(bad) || ZTVariant().canConvert(bad));
+    EXPECT_TRUE(ZTVariant(source).canConvert(celsius));
+    EXPECT_TRUE(ZTVariant(source).canConvert(kelvin));
+    EXPECT_FALSE(ZTVariant(source).canConvert(bad));
+    EXPECT_FALSE(ZTVariant().canConvert(bad));
 }
 
 TEST_F(Converters, TouchATargetOfTheSameTypeOnlyWhenTheyAreRegistered)

@@ -17,7 +17,8 @@ using support::Counted;
 
 void expectInvalid(const ZTVariant& variant)
 {
-    EXPECT_FALSE(variant.isValid() || variant);
+    EXPECT_FALSE(variant.isValid());
+    EXPECT_FALSE(variant);
     EXPECT_EQ(variant.data(), nullptr);
     EXPECT_EQ(&variant.type(), &ZTMetaType::ZTBadMetaType);
 }
@@ -57,7 +58,9 @@ struct Pin {
 TEST(Variant, WithoutABlockIsComparedPrintedAndCopied)
 {
     const ZTVariant none(ztMetaType<Pin>(), nullptr);
-    EXPECT_TRUE(!none.data() && none != ZTVariant(Pin(5)) && ZTVariant(Pin(5)) != none);
+    EXPECT_FALSE(none.data());
+    EXPECT_NE(none, ZTVariant(Pin(5)));
+    EXPECT_NE(ZTVariant(Pin(5)), none);
     EXPECT_EQ(ZTVariant(none).data(), nullptr);
     EXPECT_EQ(printed(none), "ZTVariant(" + none.type().name() + ", )");
     const ZTVariant six(Pin(6));
@@ -69,7 +72,8 @@ TEST(Variant, WithoutABlockIsComparedPrintedAndCopied)
     // A type that cannot copy but makes a default value is asked for one.
     std::unique_ptr<int> source;
     const ZTVariant uncopied(ztMetaType<std::unique_ptr<int>>(), &source);
-    EXPECT_TRUE(!uncopied.data() && ZTVariant(uncopied).data());
+    EXPECT_FALSE(uncopied.data());
+    EXPECT_TRUE(ZTVariant(uncopied).data());
 }
 
 TEST(Variant, HoldsTextAsString)
@@ -160,7 +164,10 @@ TEST(Variant, ComparesFarBelow)
         one = ZTVariant(ztMetaType<ZTVariant>(), &one);
         two = ZTVariant(ztMetaType<ZTVariant>(), &two);
     }
-    EXPECT_TRUE(one < two && one != two && two > one && one == ZTVariant(one));
+    EXPECT_TRUE(one < two);
+    EXPECT_NE(one, two);
+    EXPECT_TRUE(two > one);
+    EXPECT_EQ(one, ZTVariant(one));
 }
 
 TEST(Variant, PrintsItsTypeAndValue)
