@@ -44,8 +44,7 @@ void checkMembers(const ZTMetaClass& metaClass)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    ZTDataStream stream;
-    stream.setData(std::string(data, data + size));
+    ZTDataStream stream(std::string(data, data + size));
     do {
         const auto metaClass = readClass(stream);
         checkMembers(*metaClass);

@@ -33,8 +33,7 @@ enum class Colour : short { Red, Green };
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    ZTDataStream stream;
-    stream.setData(std::string(data, data + size));
+    ZTDataStream stream(std::string(data, data + size));
     do {
         const ZTVariant variant = readVariant(stream);
         const ZTVariant copy(variant);

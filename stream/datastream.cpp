@@ -1,6 +1,7 @@
 #include "datastreamprivate.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <new>
 #include <utility>
@@ -59,6 +60,10 @@ void ZTDataStreamPrivate::grow(std::size_t wanted)
 }
 
 ZTDataStream::ZTDataStream() : priv(new ZTDataStreamPrivate) {}
+ZTDataStream::ZTDataStream(std::string bytes) : priv(new ZTDataStreamPrivate)
+{
+    priv->takeOver(std::move(bytes));
+}
 ZTDataStream::ZTDataStream(ZTDataStream&& other) noexcept : priv(std::exchange(other.priv, nullptr))
 {}
 
@@ -67,14 +72,6 @@ ZTDataStream::~ZTDataStream() { delete priv; }
 std::string ZTDataStream::data() const { return {priv->bytes, priv->size}; }
 
 void ZTDataStream::setData(const std::string& bytes) { priv->assign(bytes); }
-
-void ZTDataStream::setData(std::string&& bytes)
-{
-    if (auto* plain = ZTDataStreamPrivate::ofPlain(*this))
-        plain->takeOver(std::move(bytes));
-    else
-        setData(std::as_const(bytes));
-}
 
 bool ZTDataStream::atEnd() const { return priv->pastEnd; }
 
@@ -92,8 +89,6 @@ ZTDataStream& ZTDataStream::read(char* bytes, unsigned int count)
 
 bool ZTDataStream::good() const { return !priv->pastEnd; }
 
-using zt::detail::BytesOf;
-using zt::detail::fromBytes;
 using zt::detail::toBytes;
 
 namespace
@@ -120,25 +115,42 @@ ZTDataStream& writeValue(ZTDataStream& stream, T value)
     return stream;
 }
 
-/// What the stream does not give keeps the bytes of the old value.
-template <class T>
-[[gnu::noinline]] ZTDataStream& readTheLongWay(ZTDataStream& stream, T& value)
+// Both ways of reading fill the value itself, which may never have been written: what the stream
+// does not give keeps its bytes, and nobody looks at them.
+
+template <std::size_t Size>
+void turnAround(void* value)
 {
-    auto bytes = toBytes(value);
-    stream.read(bytes.data(), bytes.size());
-    value = fromBytes<T>(bytes);
-    return stream;
+    auto* bytes = static_cast<unsigned char*>(value);
+    if constexpr (std::endian::native == std::endian::big)
+        std::reverse(bytes, bytes + Size);
+}
+
+template <std::size_t Size>
+[[gnu::noinline]] void readTheLongWay(ZTDataStream& stream, void* value)
+{
+    turnAround<Size>(value);
+    stream.read(static_cast<char*>(value), Size);
+    turnAround<Size>(value);
+}
+
+/// The short way alone; false where it is closed.
+template <std::size_t Size>
+bool takeBytes(ZTDataStream& stream, void* value)
+{
+    auto* plain = ZTDataStreamPrivate::ofPlain(stream);
+    if (!plain || !plain->has(Size)) [[unlikely]]
+        return false;
+    std::copy_n(plain->take(Size), Size, static_cast<char*>(value));
+    turnAround<Size>(value);
+    return true;
 }
 
 template <class T>
 ZTDataStream& readValue(ZTDataStream& stream, T& value)
 {
-    auto* plain = ZTDataStreamPrivate::ofPlain(stream);
-    if (!plain || !plain->has(sizeof(T))) [[unlikely]]
-        return readTheLongWay(stream, value);
-    BytesOf<T> bytes;
-    std::copy_n(plain->take(sizeof(T)), sizeof(T), bytes.data());
-    value = fromBytes<T>(bytes);
+    if (!takeBytes<sizeof(T)>(stream, &value)) [[unlikely]]
+        readTheLongWay<sizeof(T)>(stream, &value);
     return stream;
 }
 
@@ -197,12 +209,23 @@ ZTDataStream& operator>>(ZTDataStream& stream, long long& value) { return readVa
 ZTDataStream& operator>>(ZTDataStream& stream, unsigned long long& value) { return readValue(stream, value); }
 // clang-format on
 
+ZTDataStream& zt::detail::readEightBytes(ZTDataStream& stream, void* integer)
+{
+    if (!takeBytes<8>(stream, integer)) [[unlikely]]
+        readTheLongWay<8>(stream, integer);
+    return stream;
+}
+
 ZTDataStream& operator>>(ZTDataStream& stream, bool& value)
 {
-    // Not into the `bool` itself: a damaged byte would make one that is neither true nor false.
-    unsigned char byte = value ? 1 : 0;
-    readValue(stream, byte);
-    value = byte != 0;
+    // Not as a `bool`: a damaged byte would make one that is neither true nor false.
+    auto& byte = reinterpret_cast<unsigned char&>(value);
+    if (!takeBytes<1>(stream, &byte)) [[unlikely]] {
+        readTheLongWay<1>(stream, &byte);
+        if (!stream.good())
+            return stream;
+    }
+    byte = byte != 0 ? 1 : 0;
     return stream;
 }
 

@@ -82,7 +82,8 @@ struct ZTDataStreamPrivate {
     std::size_t readPosition = 0;
     std::size_t writePosition = 0;
     bool pastEnd = false;
-    /// The type that was named last to a reader: mostly the next value is of the same one.
+    /// The type that was named last to a reader, by the name that the registry has it under: mostly
+    /// the next value is of the same one.
     const ZTMetaType* lastType = nullptr;
     /// Of `malloc`, since a large block grows there without being copied.
     std::unique_ptr<char, Free> block;

@@ -64,10 +64,15 @@ ZTDataStream& operator>>(ZTDataStream& stream, const ZTMetaType*& type)
         type = &readTypeTheLongWay(stream);
         return stream;
     }
-    const ZTMetaType*& last = plain->lastType;
-    if (!last || *name != ZTMetaTypePrivate::of(*last).name)
-        last = &typeOnStream(*name);
-    type = last;
+    if (plain->lastType && *name == ZTMetaTypePrivate::of(*plain->lastType).name) {
+        type = plain->lastType;
+        return stream;
+    }
+    type = &typeOnStream(*name);
+    // Only a name that leads to its own type is remembered: a type that was found by an alias may
+    // share its first name with another one, who owns it.
+    if (*name == ZTMetaTypePrivate::of(*type).name)
+        plain->lastType = type;
     return stream;
 }
 

@@ -4,6 +4,9 @@
 #include <zintar/base.h>
 #include <zintar/typedvalue.h>
 
+#include <utility>
+#include <vector>
+
 namespace
 {
 using support::streamed;
@@ -47,6 +50,37 @@ TEST(TypeOnStream, IsItsNameAndFoundByAnAlias)
     EXPECT_LOGS(unknown("no such type"), [&] { stream >> type; });
     EXPECT_EQ(type, &ZTMetaType::ZTBadMetaType);
     EXPECT_TRUE(stream.good());
+}
+
+/// Registers a type of its own under that name.
+template <class T>
+const ZTMetaType& registerAs(std::string_view name, const std::string& alias = {})
+{
+    using Functions = zt::detail::TypeFunctions<T>;
+    return zt::detail::ztRegisterMetaType(typeid(T), name, alias, Functions::create(),
+                                          Functions::destroy(), Functions::createDefault(), nullptr,
+                                          nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST(TypeOnStream, IsTheOneThatOwnsTheName)
+{
+    struct Owner {};
+    struct Namesake {};
+    struct Longer {};
+    struct Other {};
+    const std::vector<std::pair<std::string, const ZTMetaType*>> named = {
+        {"dup", &registerAs<Owner>("dup")}, {"bee", &registerAs<Namesake>("dup", "bee")},
+        {"dup", &ztMetaType<Owner>()},      {"dup*", &registerAs<Longer>("dup*")},
+        {"dup", &ztMetaType<Owner>()},      {"duq", &registerAs<Other>("duq")},
+        {"dup", &ztMetaType<Owner>()},      {"dup", &ztMetaType<Owner>()}};
+    ZTDataStream stream;
+    for (const auto& [name, type] : named)
+        stream << name;
+    for (const auto& [name, type] : named) {
+        const ZTMetaType* read = nullptr;
+        stream >> read;
+        EXPECT_EQ(read, type) << name;
+    }
 }
 
 enum class Wide : long long { Low = -2 };
@@ -137,6 +171,31 @@ TEST(VariantOnStream, ThatEndsEarlyHoldsWhatWasRead)
         EXPECT_FALSE(stream.good()) << size;
         EXPECT_FALSE(readOver(stream, unknown(""))) << size;
     }
+}
+
+/// As many variants, each in the next one, and an `int` in the innermost.
+std::string nested(int count)
+{
+    std::string bytes;
+    for (int i = 1; i < count; ++i)
+        bytes += streamed("struct ZTVariant");
+    return bytes + streamed(ZTVariant(7));
+}
+
+TEST(VariantOnStream, NestsUpToALimit)
+{
+    ZTDataStream deep = streamOf(nested(500));
+    const ZTVariant read = readOver(deep);
+    EXPECT_TRUE(deep.good());
+    const ZTVariant* innermost = &read;
+    while (const auto* inner = ztVariantPointer<ZTVariant>(*innermost))
+        innermost = inner;
+    EXPECT_EQ(*innermost, ZTVariant(7));
+
+    ZTDataStream tooDeep = streamOf(nested(501));
+    EXPECT_TRUE(readOver(tooDeep, failed("deserialization", "int")));
+    int left = 0;
+    EXPECT_EQ((tooDeep >> left, left), 7);
 }
 
 TEST(VariantOnStream, ThatNestsWithoutEndIsSurvived)

@@ -12,8 +12,7 @@ void streamRecords(benchmark::State& state)
         ZTDataStream out;
         for (const Record& record : records())
             out << record.number << record.weight << record.name;
-        ZTDataStream in;
-        in.setData(out.data());
+        ZTDataStream in(out.data());
         Record record;
         for (std::size_t i = 0; i < records().size(); ++i) {
             in >> record.number >> record.weight >> record.name;

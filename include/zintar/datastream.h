@@ -15,8 +15,7 @@ struct ZTDataStreamPrivate;
 ///
 ///     ZTDataStream out;
 ///     out << 1 << 0.5 << "abc";
-///     ZTDataStream in;
-///     in.setData(out.data());
+///     ZTDataStream in(out.data());
 ///     int number = 0;
 ///     in >> number;
 ///
@@ -33,6 +32,8 @@ class ZT_EXPORT ZTDataStream
 {
 public:
     ZTDataStream();
+    /// Both positions stand at the first byte. A string that is moved in is not copied.
+    explicit ZTDataStream(std::string bytes);
     ZTDataStream(ZTDataStream&& other) noexcept;
     virtual ~ZTDataStream();
 
@@ -40,8 +41,6 @@ public:
     [[nodiscard]] virtual std::string data() const;
     /// Replaces the bytes; both positions stand at the first one then. A failed stream stays so.
     virtual void setData(const std::string& bytes);
-    /// The same, without a copy where the stream can keep the string itself.
-    void setData(std::string&& bytes);
     /// True once a read has tried to go past the end; false still after the last byte was read.
     [[nodiscard]] virtual bool atEnd() const;
     virtual ZTDataStream& write(const char* bytes, unsigned int count);
@@ -88,6 +87,12 @@ ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, unsigned long long& val
 /// no more memory is taken than there are bytes.
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, std::string& text);
 
+namespace zt::detail
+{
+/// Fills the 8 bytes of an integer in place; those that are not read stay as they are.
+ZT_EXPORT ZTDataStream& readEightBytes(ZTDataStream& stream, void* integer);
+} // namespace zt::detail
+
 /// An 8-byte `long` (`std::int64_t` on many platforms) streams as the `long long` that it equals.
 template <class Long>
     requires(std::is_same_v<Long, long> && sizeof(Long) == 8)
@@ -105,17 +110,11 @@ template <class Long>
     requires(std::is_same_v<Long, long> && sizeof(Long) == 8)
 ZTDataStream& operator>>(ZTDataStream& stream, Long& value)
 {
-    long long wide = value;
-    stream >> wide;
-    value = wide;
-    return stream;
+    return zt::detail::readEightBytes(stream, &value);
 }
 template <class Long>
     requires(std::is_same_v<Long, unsigned long> && sizeof(Long) == 8)
 ZTDataStream& operator>>(ZTDataStream& stream, Long& value)
 {
-    unsigned long long wide = value;
-    stream >> wide;
-    value = wide;
-    return stream;
+    return zt::detail::readEightBytes(stream, &value);
 }

@@ -33,8 +33,6 @@ std::string streamed(const Values&... values)
 /// A stream that holds the bytes, to be read from the first one.
 inline ZTDataStream streamOf(const std::string& bytes)
 {
-    ZTDataStream stream;
-    stream.setData(bytes);
-    return stream;
+    return ZTDataStream(bytes);
 }
 } // namespace support
