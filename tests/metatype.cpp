@@ -1,12 +1,22 @@
 #include "support/bytes.h"
 #include "support/logs.h"
 
+#include <zintar/converter.h>
 #include <zintar/metaclass.h>
 #include <zintar/typedvalue.h>
 
+#include <array>
 #include <limits>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
 #include <sstream>
+#include <stack>
+#include <tuple>
 #include <type_traits>
+#include <variant>
+#include <vector>
 
 namespace
 {
@@ -197,6 +207,112 @@ TEST(LazyType, ComparesWithWhatTheTypeAndItsElementsOffer)
     EXPECT_EQ(compare(std::vector<int>{1, 2}, {1, 3}), ZTPartialOrdering::Less);
     EXPECT_EQ(compare(std::vector<Equal>{{1}}, {{2}}), ZTPartialOrdering::Unordered);
     EXPECT_EQ(compare(std::vector<Opaque>{{1}}, {{1}}), ZTPartialOrdering::Unordered);
+}
+
+/// Has a `value_type`, and a comparison of its own.
+struct Pool {
+    using value_type = Opaque;
+    int id = 0;
+    bool operator==(const Pool&) const = default;
+};
+template <class T>
+struct Key {
+    using value_type = T;
+    int id = 0;
+    bool operator==(const Key&) const = default;
+};
+/// Copies what its elements cannot copy.
+class Shapes
+{
+public:
+    using value_type = std::unique_ptr<int>;
+    explicit Shapes(int number) { m_all.push_back(std::make_unique<int>(number)); }
+    Shapes(const Shapes& other) : Shapes(*other.m_all.front()) {}
+    auto begin() const { return m_all.begin(); }
+    auto end() const { return m_all.end(); }
+    bool operator==(const Shapes& other) const { return **begin() == **other.begin(); }
+
+private:
+    std::vector<value_type> m_all;
+};
+/// Derive from a container; one compares by itself.
+struct Flock : std::vector<Opaque> {};
+struct Series : std::vector<Opaque> {
+    int id = 0;
+    bool operator==(const Series& other) const { return id == other.id; }
+};
+struct UniqueRow : std::vector<std::unique_ptr<int>> {};
+struct Tree : std::variant<int, std::vector<Tree>> {
+    using variant::variant;
+};
+class Secret
+{
+    [[maybe_unused]] bool operator==(const Secret&) const { return true; }
+};
+class Inherited : Equal
+{};
+
+/// Two values of a type compare like that, also as variants.
+template <class T>
+void expectCompared(const T& a, const T& b, ZTPartialOrdering order)
+{
+    const bool equal = order == ZTPartialOrdering::Equivalent;
+    EXPECT_EQ(compare(a, b), order) << ztTypeName<T>();
+    EXPECT_EQ(ZTVariant(a) == ZTVariant(b), equal) << ztTypeName<T>();
+}
+
+TEST(LazyType, WithAValueTypeSpeaksForItself)
+{
+    expectCompared(Pool{1}, Pool{1}, ZTPartialOrdering::Equivalent);
+    expectCompared(Key<Opaque>{1}, Key<Opaque>{1}, ZTPartialOrdering::Equivalent);
+    expectCompared(Shapes(2), Shapes(2), ZTPartialOrdering::Equivalent);
+    expectCompared(Series(), Series(), ZTPartialOrdering::Equivalent);
+    int numbers[2] = {1, 2};
+    const ZTVariant view(std::span<int>{numbers});
+    EXPECT_EQ(ztVariantPointer<std::span<int>>(view)->data(), numbers);
+    static_assert(zt::detail::isCopyable<std::span<std::unique_ptr<int>>>);
+}
+
+TEST(LazyType, DoesWhatAllOfItsPartsCanDo)
+{
+    const auto unordered = ZTPartialOrdering::Unordered;
+    const Opaque opaque;
+    expectCompared(std::tuple(1, opaque), std::tuple(1, opaque), unordered);
+    expectCompared(std::variant<int, Opaque>(1), std::variant<int, Opaque>(1), unordered);
+    expectCompared(std::pair(1, opaque), std::pair(1, opaque), unordered);
+    expectCompared(std::optional(std::vector{opaque}), {}, unordered);
+    expectCompared(std::map<int, Opaque>(), std::map<int, Opaque>(), unordered);
+    expectCompared(std::array<Opaque, 2>(), std::array<Opaque, 2>(), unordered);
+    expectCompared(std::stack<Opaque>(), std::stack<Opaque>(), unordered);
+    expectCompared(Flock(), Flock(), unordered);
+    expectCompared(Secret(), Secret(), unordered);
+    expectCompared(Inherited(), Inherited(), unordered);
+    expectCompared(std::tuple(1, 2), std::tuple(1, 3), ZTPartialOrdering::Less);
+    expectCompared(std::variant<int, bool>(2), std::variant<int, bool>(1),
+                   ZTPartialOrdering::Greater);
+    expectCompared(std::map<int, Equal>{{1, {}}}, {{1, {}}}, ZTPartialOrdering::Equivalent);
+    expectCompared(Tree(7), Tree(7), ZTPartialOrdering::Equivalent);
+    static_assert(!zt::detail::isCopyable<std::vector<std::unique_ptr<int>>>);
+    static_assert(!zt::detail::isCopyable<std::map<int, std::unique_ptr<int>>>);
+    static_assert(!zt::detail::isCopyable<std::optional<std::vector<std::unique_ptr<int>>>>);
+    static_assert(!zt::detail::isCopyable<UniqueRow>);
+}
+
+/// Nobody gets its address by asking for it.
+struct Shy {
+    int number = 0;
+    bool operator==(const Shy&) const = default;
+    Shy* operator&() const { return nullptr; }
+};
+
+TEST(LazyType, MayOverloadTheAddress)
+{
+    const ZTMetaType& type = ztMetaType<Shy>();
+    ZTVariant variant(Shy{5});
+    EXPECT_EQ(ztVariantValue<Shy>(variant).number, 5);
+    ztRegisterConverter([](int number) { return Shy{number}; });
+    EXPECT_EQ(ztVariantValue<Shy>(ZTVariant(3)).number, 3);
+    EXPECT_EQ(variant, ZTVariant(type, variant.data()));
 }
 
 struct Point {

@@ -48,6 +48,17 @@ TEST(RetrievedValue, IsACopyOrADefaultWithAWarning)
     EXPECT_EQ(zt::detail::ztMetaType(typeid(Unseen)), nullptr);
 }
 
+TEST(RetrievedValue, NeedNotBeAssignable)
+{
+    struct Limits {
+        const int low = 1;
+        bool operator==(const Limits&) const = default;
+    };
+    expectRetrieved<Limits>(ZTVariant(Limits{2}), Limits{2});
+    expectRetrieved<Limits>(ZTVariant(), Limits{}, invalid(ztTypeName<Limits>()));
+    expectRetrieved<Limits>(ZTVariant(5), Limits{}, failed(ztTypeName<Limits>(), "int"));
+}
+
 TEST(RetrievedValue, MayBeAnEnumeration)
 {
     enum class Mode : short { Off, Heat };
@@ -198,6 +209,27 @@ TEST_F(Converters, MayRefuseAValueAndBeReplaced)
     EXPECT_EQ(target.degrees, 0);
     zt::detail::ztRegisterConverter(celsius, kelvin, nullptr);
     EXPECT_FALSE(celsius.convert(&source, kelvin, &target));
+}
+
+/// No value of it can be made of a null source.
+struct Pin {
+    explicit Pin(int n) : number(n) {}
+    int number;
+};
+
+TEST_F(Converters, AreNotCalledForAVariantWithoutAValue)
+{
+    ztRegisterConverter([](const Pin& pin) { return Kelvin{double(pin.number)}; });
+    const ZTVariant none(ztMetaType<Pin>(), nullptr);
+    const std::string pin = none.type().name();
+    EXPECT_TRUE(none.isValid());
+    EXPECT_EQ(none.data(), nullptr);
+    EXPECT_TRUE(none.canConvert(kelvin));
+    expectRetrieved<Kelvin>(ZTVariant(Pin(3)), Kelvin{3});
+    expectRetrieved<Kelvin>(none, Kelvin{}, failed(kelvin.name(), pin));
+    expectRetrieved<ZTBase*>(none, nullptr, failed("struct ZTBase*", pin));
+    EXPECT_FALSE(none.type().convert(none.data(), kelvin, &target));
+    EXPECT_EQ(target.degrees, 1);
 }
 
 TEST_F(Converters, HaveNothingToDoWithTheBadType)

@@ -81,6 +81,10 @@ TEST(Variant, HoldsTextAsString)
     const char* null = nullptr;
     EXPECT_EQ(ZTVariant(std::string_view("abcd").substr(0, 3)), ZTVariant(std::string("abc")));
     EXPECT_EQ(ZTVariant(null), ZTVariant(std::string()));
+    char buffer[8] = "abc";
+    const char unended[3] = {'a', 'b', 'c'};
+    EXPECT_EQ(ZTVariant(buffer), ZTVariant("abc"));
+    EXPECT_EQ(ZTVariant(unended), ZTVariant("abc"));
 }
 
 struct CountedVariant : testing::Test {

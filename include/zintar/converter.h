@@ -38,8 +38,11 @@ struct TypedConverter<Convert, Parameters<Source>> {
     using Result = typename CallableTraits<Convert>::Result;
     using Target = Held<typename Converted<Result>::type>;
 
+    /// Null is what a variant without a block gives, which has no value to convert.
     static bool convert(const void* source, void* target)
     {
+        if (!source)
+            return false;
         Result result = Convert()(passAs<Source>(*static_cast<const Held<Source>*>(source)));
         if constexpr (Converted<Result>::always)
             *static_cast<Target*>(target) = std::move(result);

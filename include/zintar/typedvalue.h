@@ -57,20 +57,26 @@ const Value* heldAs(const ZTVariant& variant)
     return holds ? static_cast<const Value*>(variant.data()) : nullptr;
 }
 
+/// What a retrieval gives.
+template <class Value>
+struct Retrieved {
+    Value value;
+    bool found; ///< no default value stands in, for a reason that is logged
+};
+
 /// What `retrieve` does where `heldAs` gives null.
 template <class T>
-[[gnu::noinline]] bool retrieveOtherwise(const ZTVariant& variant, RetrievedType<T>& result)
+[[gnu::noinline]] Retrieved<RetrievedType<T>> retrieveOtherwise(const ZTVariant& variant)
 {
-    using Value = Canonical<RetrievedType<T>>;
+    using Result = RetrievedType<T>;
+    using Value = Canonical<Result>;
     if (!variant.isValid()) {
         warnInvalidVariant(askedName<T>());
-        return false;
+        return {Result(), false};
     }
     const ZTMetaType& target = ::ztMetaType<Value>();
-    if (const Value* held = heldAs<Value>(variant)) {
-        result = static_cast<RetrievedType<T>>(*held);
-        return true;
-    }
+    if (const Value* held = heldAs<Value>(variant))
+        return {static_cast<Result>(*held), true};
     if constexpr (isDataPointer<Value> && !std::is_same_v<Value, void*>) {
         using Pointee = std::remove_pointer_t<Value>;
         const ZTMetaType* nonConst = nullptr;
@@ -78,27 +84,25 @@ template <class T>
             nonConst = &::ztMetaType<std::remove_const_t<Pointee>*>();
         void* pointer = nullptr;
         bool found = retrievePointer(variant, target, nonConst, pointer, askedName<T>());
-        result = static_cast<Value>(pointer);
-        return found;
-    } else if constexpr (std::is_same_v<Value, RetrievedType<T>>) {
-        return convertOrWarn(variant, target, &result, askedName<T>());
+        return {static_cast<Value>(pointer), found};
+    } else if constexpr (std::is_same_v<Value, Result>) {
+        Retrieved<Result> result{Result(), false};
+        result.found = convertOrWarn(variant, target, addressOf(result.value), askedName<T>());
+        return result;
     } else {
         Value converted{};
         bool found = convertOrWarn(variant, target, &converted, askedName<T>());
-        result = static_cast<RetrievedType<T>>(converted);
-        return found;
+        return {static_cast<Result>(converted), found};
     }
 }
 
-/// Retrieves a value into `result`; logs the reason and gives false when a default value stands in.
+/// Retrieves a value, or a default value where there is none.
 template <class T>
-bool retrieve(const ZTVariant& variant, RetrievedType<T>& result)
+Retrieved<RetrievedType<T>> retrieve(const ZTVariant& variant)
 {
-    const auto* held = heldAs<Canonical<RetrievedType<T>>>(variant);
-    if (!held)
-        return retrieveOtherwise<T>(variant, result);
-    result = static_cast<RetrievedType<T>>(*held);
-    return true;
+    if (const auto* held = heldAs<Canonical<RetrievedType<T>>>(variant))
+        return {static_cast<RetrievedType<T>>(*held), true};
+    return retrieveOtherwise<T>(variant);
 }
 } // namespace zt::detail
 
@@ -120,9 +124,7 @@ template <class T>
                   "no T. Use ztVariantPointer<T> otherwise.");
     if (const auto* held = zt::detail::heldAs<zt::detail::Canonical<Result>>(variant))
         return static_cast<Result>(*held);
-    Result result{};
-    zt::detail::retrieveOtherwise<T>(variant, result);
-    return result;
+    return zt::detail::retrieveOtherwise<T>(variant).value;
 }
 
 /// The value in the variant's block, without a copy; null when the variant holds another type.

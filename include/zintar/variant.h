@@ -5,6 +5,8 @@
 #include <zintar/metatypeof.h>
 
 #include <array>
+#include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -27,11 +29,26 @@ struct Lending;
 template <class T>
 concept VariantValue = !std::is_same_v<std::remove_cvref_t<T>, ZTVariant>;
 
+template <class T>
+inline constexpr bool isInitializerList = false;
+template <class T>
+inline constexpr bool isInitializerList<std::initializer_list<T>> = true;
+
+/// The text in an array, which nothing needs to end but the array.
+template <std::size_t Size>
+std::string_view textIn(const char (&array)[Size])
+{
+    const char* end = std::char_traits<char>::find(array, Size, '\0');
+    return {array, end ? static_cast<std::size_t>(end - array) : Size};
+}
+
 /// What a host wrote, as the value that a variant holds; a null text is an empty one.
 template <class T>
 decltype(auto) asValue(T&& value)
 {
-    if constexpr (std::is_pointer_v<std::decay_t<T>> && isText<std::decay_t<T>>) {
+    if constexpr (std::is_array_v<std::remove_reference_t<T>> && isText<std::decay_t<T>>) {
+        return textIn(value);
+    } else if constexpr (std::is_pointer_v<std::decay_t<T>> && isText<std::decay_t<T>>) {
         const char* text = value;
         return text ? text : "";
     } else if constexpr (!std::is_same_v<std::decay_t<T>, ValueType<T>>) {
@@ -46,18 +63,27 @@ template <class Value, class Source>
 void* makeValue(const ZTMetaType& type, Source&& source)
 {
     // The library itself registers the built-in types.
-    if constexpr (!std::is_arithmetic_v<Value>) {
+    if constexpr (!std::is_arithmetic_v<Value> && !std::is_same_v<Value, std::string>) {
         if (!knownToBeInBlocks<Value>.load(std::memory_order_relaxed)) [[unlikely]] {
             const Value& value = source;
-            return type.create(&value);
+            return type.create(addressOf(value));
         }
     }
     return TypeFunctions<Value>::make(std::forward<Source>(source));
 }
 
-template <class Value>
+/// Tells the mistakes of a host that makes a variant from a `T`.
+template <class T>
 constexpr void assertHoldable()
 {
+    using Given = std::remove_reference_t<T>;
+    using Value = ValueType<T>;
+    static_assert(!std::is_array_v<Given> || isText<std::decay_t<T>>,
+                  "A variant cannot hold an array, nor text of other characters than char: use a "
+                  "std::array, a std::vector or a string.");
+    static_assert(!isInitializerList<Value>,
+                  "A variant cannot hold a std::initializer_list, which does not own what is in "
+                  "it: use a std::vector.");
     static_assert(!std::is_same_v<Value, void*>,
                   "A variant cannot hold a void*: the type says nothing of what it points to. Use "
                   "a pointer to a class, or a type of your own around it.");
@@ -89,8 +115,9 @@ public:
     /// the type even if the type cannot make a block.
     ZTVariant(const ZTMetaType& type, const void* value);
 
-    /// Holds a copy of `value`. A string literal, a `const char*` (null gives an empty text) and a
-    /// `std::string_view` become a `std::string`.
+    /// Holds a copy of `value`. A string literal, an array of `char`, a `const char*` (null gives
+    /// an empty text) and a `std::string_view` become a `std::string`. Other arrays, and a
+    /// `std::initializer_list`, do not compile.
     template <zt::detail::VariantValue T>
     explicit ZTVariant(T&& value);
 
@@ -160,5 +187,5 @@ ZTVariant::ZTVariant(T&& value)
       m_data(zt::detail::makeValue<zt::detail::ValueType<T>>(
           *m_type, zt::detail::asValue(std::forward<T>(value))))
 {
-    zt::detail::assertHoldable<zt::detail::ValueType<T>>();
+    zt::detail::assertHoldable<T>();
 }

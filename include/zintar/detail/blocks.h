@@ -39,6 +39,13 @@ struct InBlocks {
     }
 };
 
+/// Where a value is, whatever its class makes of `&`. (The standard library's costs <memory>.)
+template <class T>
+[[nodiscard]] constexpr T* addressOf(T& value) noexcept
+{
+    return __builtin_addressof(value);
+}
+
 template <class T>
 struct BlockOf : InBlocks {
     template <class... Arguments>

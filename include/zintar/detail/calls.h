@@ -183,8 +183,8 @@ ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, Store&& 
         }
         // What takes the value out may be code of the host that ends the object.
         const ZTLifeWatch watch(self);
-        Value held{};
-        if (!retrieve<Asked<P>>(value, held) || !watch.isStill(self))
+        const auto [held, found] = retrieve<Asked<P>>(value);
+        if (!found || !watch.isStill(self))
             return {};
         if constexpr (isDataPointer<Value>) {
             // Of an unrelated class: it came out as null, in silence.
@@ -193,7 +193,7 @@ ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, Store&& 
                 return {};
             }
         }
-        store(*self, std::as_const(held));
+        store(*self, held);
     }
     return {};
 }

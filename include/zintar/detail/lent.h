@@ -30,7 +30,7 @@ public:
         Lending::lend(m_variant, type, value);
     }
     template <class T>
-    explicit LentVariant(const T& value) : LentVariant(::ztMetaType<T>(), &value)
+    explicit LentVariant(const T& value) : LentVariant(::ztMetaType<T>(), addressOf(value))
     {}
     LentVariant(const LentVariant&) = delete;
     LentVariant& operator=(const LentVariant&) = delete;
@@ -52,7 +52,7 @@ class LentCopy
 public:
     explicit LentCopy(T&& value) : m_value(asValue(std::forward<T>(value))), m_lent(m_value)
     {
-        assertHoldable<ValueType<T>>();
+        assertHoldable<T>();
     }
     operator const ZTVariant&() const { return m_lent; }
 
@@ -96,7 +96,7 @@ public:
     explicit LentCopies(Arguments&&... arguments)
         : m_values(asValue(std::forward<Arguments>(arguments))...)
     {
-        (assertHoldable<ValueType<Arguments>>(), ...);
+        (assertHoldable<Arguments>(), ...);
         std::size_t position = 0;
         std::apply([&](const auto&... values) { (lend(position++, values), ...); }, m_values);
     }
@@ -109,7 +109,7 @@ private:
         if constexpr (std::is_same_v<Value, ZTVariant>)
             m_lent.lend(position, value);
         else
-            m_lent.lend(position, ::ztMetaType<Value>(), &value);
+            m_lent.lend(position, ::ztMetaType<Value>(), addressOf(value));
     }
 
     std::tuple<ValueType<Arguments>...> m_values;

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <zintar/datastream.h>
+#include <zintar/detail/abilities.h>
 #include <zintar/detail/blocks.h>
 #include <zintar/metatype.h>
 
 #include <concepts>
 #include <cstdint>
-#include <functional>
 #include <ostream>
 #include <type_traits>
 #include <utility>
@@ -22,57 +22,6 @@ concept Complete = requires
 {
     sizeof(T);
 };
-
-template <class T>
-concept HasElements = requires
-{
-    typename T::value_type;
-}
-&&!std::same_as<std::remove_cvref_t<typename T::value_type>, T>;
-
-template <class T>
-concept IsPair = requires
-{
-    typename T::first_type;
-    typename T::second_type;
-};
-
-/// Whether `Test` holds for `T` and for what it contains. The standard containers answer for
-/// themselves alone: a vector claims to be comparable and to be copyable whatever is in it.
-/// `Outer` are the types that contain `T`, which a class may do for itself.
-template <template <class> class Test, class T, class... Outer>
-constexpr bool holdsThroughout()
-{
-    if constexpr ((std::is_same_v<T, Outer> || ...))
-        return true;
-    else if constexpr (!Test<T>::value)
-        return false;
-    else if constexpr (IsPair<T>)
-        return holdsThroughout<Test, std::remove_cv_t<typename T::first_type>, T, Outer...>() &&
-               holdsThroughout<Test, std::remove_cv_t<typename T::second_type>, T, Outer...>();
-    else if constexpr (HasElements<T>)
-        return holdsThroughout<Test, std::remove_cvref_t<typename T::value_type>, T, Outer...>();
-    else
-        return true;
-}
-
-template <class T>
-    struct TestEqual : std::bool_constant < requires(const T& a, const T& b) {
-    {
-        a == b
-        } -> std::convertible_to<bool>;
-} > {};
-template <class T>
-    struct TestLess : std::bool_constant < requires(const T& a, const T& b) {
-    {
-        a < b
-        } -> std::convertible_to<bool>;
-} > {};
-template <class T>
-struct TestCopy : std::is_copy_constructible<T> {};
-
-template <class T>
-inline constexpr bool isCopyable = holdsThroughout<TestCopy, T>();
 
 template <class T>
 inline constexpr bool isDataPointer =
@@ -145,7 +94,7 @@ struct TypeFunctions {
     template <class... Arguments>
     static void* make(Arguments&&... arguments)
     {
-        return &(new BlockOf<T>(std::forward<Arguments>(arguments)...))->value;
+        return addressOf((new BlockOf<T>(std::forward<Arguments>(arguments)...))->value);
     }
     static void* makeCopy(const void* source) { return make(*static_cast<const T*>(source)); }
     static void* makeDefault() { return make(); }
@@ -174,7 +123,7 @@ struct TypeFunctions {
             return addressA == addressB  ? ZTPartialOrdering::Equivalent
                    : addressA < addressB ? ZTPartialOrdering::Less
                                          : ZTPartialOrdering::Greater;
-        } else if constexpr (holdsThroughout<TestLess, T>()) {
+        } else if constexpr (hasOrder<T>) {
             return a == b  ? ZTPartialOrdering::Equivalent
                    : a < b ? ZTPartialOrdering::Less
                            : ZTPartialOrdering::Greater;
@@ -249,7 +198,7 @@ struct TypeFunctions {
     }
     static constexpr CompareFunction compare()
     {
-        if constexpr (holdsThroughout<TestEqual, T>())
+        if constexpr (hasEquality<T>)
             return &compareValues;
         else
             return nullptr;
