@@ -1,5 +1,6 @@
 #include "support/bytes.h"
 #include "support/logs.h"
+#include "support/namesake.h"
 
 #include <zintar/converter.h>
 #include <zintar/metaclass.h>
@@ -197,6 +198,25 @@ struct Opaque {
     int number = 0;
 };
 enum class Byte : unsigned char { Zero, Top = 255 };
+
+struct Namesake {
+    int number;
+};
+
+TEST(LazyType, IsToldWhenItsNameIsTaken)
+{
+    EXPECT_LOGS_NOTHING([] {
+        (void)support::namesakeElsewhere(1);
+        (void)support::namesakeElsewhere(2);
+        zt::detail::registerType<Opaque>(nullptr, "Opaque");
+        zt::detail::registerType<Opaque>(nullptr); // as a plugin does that has it too
+    });
+    const std::string line =
+        "Zintar: ZTMetaType registration of a second type with name \"struct "
+        "(anonymous)::Namesake\". Its values are read from streams as those of the first one.\n";
+    EXPECT_LOGS(line, [] { (void)ZTVariant(Namesake{1}); });
+    EXPECT_LOGS_NOTHING([] { (void)ZTVariant(Namesake{2}); });
+}
 
 TEST(LazyType, ComparesWithWhatTheTypeAndItsElementsOffer)
 {

@@ -1,5 +1,6 @@
 #include "metatypeprivate.h"
 
+#include <zintar/log.h>
 #include <zintar/metaclass.h>
 
 #include <utility>
@@ -129,6 +130,30 @@ const ZTMetaType* ztMetaType(const std::type_index& type)
 }
 
 bool isInBlocks(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).isInBlocks; }
+
+namespace
+{
+void warnOfNamesake(const std::string& name)
+{
+    ztLog("Zintar: ZTMetaType registration of a second type with name \"" + name +
+              "\". Its values are read from streams as those of the first one.",
+          ZTLogType::Warning);
+}
+} // namespace
+
+void warnOfTakenName(const ZTMetaType& type)
+{
+    const std::string& name = ZTMetaTypePrivate::of(type).name;
+    if (ztMetaTypeRegistry().find(name) != &type)
+        warnOfNamesake(name);
+}
+
+void warnOfTakenIdentity(const ZTMetaType& type, DestroyFunction destroy)
+{
+    const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(type);
+    if (record.isInBlocks && record.destroy != destroy)
+        warnOfNamesake(record.name);
+}
 
 const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_view name,
                                      const std::string& alias, CreateFunction create,

@@ -128,6 +128,12 @@ ZT_EXPORT const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::
                                                AssignFunction assign = nullptr);
 [[nodiscard]] ZT_EXPORT bool isInBlocks(const ZTMetaType& type);
 
+/// Tells in the log that the type cannot be found by its name, since another one has it.
+ZT_EXPORT void warnOfTakenName(const ZTMetaType& type);
+/// Tells the same where that other one passes for the type itself: to some compilers two types of
+/// one name in two anonymous namespaces have one identity, though their functions differ.
+ZT_EXPORT void warnOfTakenIdentity(const ZTMetaType& type, DestroyFunction destroy);
+
 /// Registers the conversion of one ordered pair of types, in place of an earlier one. The
 /// converter writes into a living object of the target type and answers whether it could.
 ZT_EXPORT void ztRegisterConverter(const ZTMetaType& from, const ZTMetaType& to,

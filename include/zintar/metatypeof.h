@@ -18,10 +18,12 @@ const ZTMetaType& registerType(const ZTMetaClass* metaClass, const std::string& 
                                   nullptr, nullptr, nullptr, nullptr, nullptr);
     } else {
         using Functions = TypeFunctions<T>;
-        return ztRegisterMetaType(
+        const ZTMetaType& type = ztRegisterMetaType(
             typeid(T), ztTypeName<T>(), alias, Functions::create(), Functions::destroy(),
             Functions::createDefault(), Functions::compare(), Functions::serialize(),
             Functions::deserialize(), Functions::print(), metaClass, true, Functions::assign());
+        warnOfTakenName(type);
+        return type;
     }
 }
 
@@ -39,6 +41,9 @@ template <class T>
 {
     const ZTMetaType* known = ztMetaType(std::type_index(typeid(T)));
     const ZTMetaType& type = known ? *known : registerType<T>(classOfPointer<T>());
+    if constexpr (ztTypeName<T>().find(anonymousScope) != std::string_view::npos)
+        if (known)
+            warnOfTakenIdentity(type, TypeFunctions<T>::destroy());
     knownToBeInBlocks<T>.store(isInBlocks(type), std::memory_order_relaxed);
     knownType<T>.store(&type, std::memory_order_release);
     return type;

@@ -194,6 +194,9 @@ struct CompilerValue {
     static constexpr std::string_view text = compilerValueSpelling<Value>();
 };
 
+/// An anonymous namespace in a spelled name.
+inline constexpr std::string_view anonymousScope = "(anonymous)";
+
 /// The compiler's text in the one form that does not depend on the compiler.
 template <class Source>
 constexpr auto normalised()
@@ -204,7 +207,7 @@ constexpr auto normalised()
         if (in.skip("__cxx11::") || in.skip("_V2::"))
             continue;
         if (in.skip("{anonymous}") || in.skip("(anonymous namespace)")) {
-            out.append("(anonymous)");
+            out.append(anonymousScope);
         } else if (in.skip(", ")) {
             out.append(",");
         } else if (in.skip(" *") || in.skip(" &")) {
