@@ -14,11 +14,13 @@
 ///     ztTypeName<const Room*>()               "const struct Room*"
 ///     ztTypeName<std::vector<Room::Kind>>()   "struct std::vector<enum Room::Kind,..."
 ///
-/// What no template can take apart is spelled as the compiler does, which may differ between
-/// compilers, and in the case of lambdas of one function be the same for all of them: a type
-/// inside of a function, an inline namespace, the arguments of a class template in the name of a
-/// class within it, a floating-point number in a template argument. The text lives as long as the
-/// program (or the plugin that asked).
+/// It differs for different types, but for what no template can take apart, which is spelled as the
+/// compiler does, and may differ between compilers or be one name for several types: a type inside
+/// of a function, a lambda among them; the arguments of a class template in the name of a class
+/// within it; as a template argument an instance of a function template, a floating-point number
+/// or an object with pointers in it. An inline namespace is in the name under GCC alone: GCC does
+/// not tell that it is one, and Clang not that it is there. The text lives as long as the program
+/// (or the plugin that asked).
 template <class T>
 [[nodiscard]] constexpr std::string_view ztTypeName() noexcept
 {

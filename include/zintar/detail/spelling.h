@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zintar/fwd.h>
+#include <zintar/detail/compilertext.h>
 #include <zintar/integers.h>
 
 #include <array>
@@ -10,226 +10,16 @@
 #include <type_traits>
 
 /// @file
-/// How the compiler spells types and members, brought to one form.
+/// The names of types.
 ///
 /// A type is taken apart as far as templates can (pointers, functions, template arguments) and
 /// each piece is spelled by the library's own rules. What is left, the qualified name of a class
-/// or an enumeration, is cut out of the compiler's text for a function that has the type as its
-/// template argument, and is normalised, since GCC and Clang write it differently.
+/// or an enumeration, is the compiler's text.
 
 namespace zt::detail
 {
 template <class T>
-constexpr auto typeProbe() noexcept
-{
-    return std::string_view(__PRETTY_FUNCTION__);
-}
-
-template <auto Value>
-constexpr auto valueProbe() noexcept
-{
-    return std::string_view(__PRETTY_FUNCTION__);
-}
-
-/// The type as the compiler writes it: the part of the probe's text that changes with the type.
-template <class T>
-constexpr std::string_view compilerSpelling() noexcept
-{
-    constexpr std::string_view known = typeProbe<void>();
-    constexpr std::size_t before = known.rfind("void");
-    constexpr std::size_t behind = known.size() - before - 4;
-    std::string_view text = typeProbe<T>();
-    return text.substr(before, text.size() - before - behind);
-}
-
-/// The same for a value, with one way to write an address.
-template <auto Value>
-constexpr std::string_view compilerValueSpelling() noexcept
-{
-    constexpr std::string_view known = valueProbe<12345>();
-    constexpr std::size_t before = known.rfind("12345");
-    constexpr std::size_t behind = known.size() - before - 5;
-    std::string_view text = valueProbe<Value>();
-    text = text.substr(before, text.size() - before - behind);
-    if (text.starts_with("(& "))
-        text = text.substr(3, text.size() - 4);
-    else if (text.starts_with("&"))
-        text.remove_prefix(1);
-    return text;
-}
-
-constexpr bool isIdentifierChar(char c) noexcept
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
-/// The last identifier of the probe's text: the bare name of a member or an enumerator, or an
-/// empty view for a value that has no name.
-template <auto Value>
-constexpr std::string_view valueName() noexcept
-{
-    std::string_view text = valueProbe<Value>();
-    std::size_t end = text.size();
-    while (end > 0 && !isIdentifierChar(text[end - 1]))
-        --end;
-    std::size_t begin = end;
-    while (begin > 0 && isIdentifierChar(text[begin - 1]))
-        --begin;
-    bool named = begin < end && (text[begin] < '0' || text[begin] > '9');
-    return named ? text.substr(begin, end - begin) : std::string_view();
-}
-
-/// Text of at most `Capacity` bytes that can be built while compiling.
-template <std::size_t Capacity>
-struct TextBuffer {
-    std::array<char, Capacity + 1> bytes{};
-    std::size_t size = 0;
-
-    constexpr void append(std::string_view text)
-    {
-        for (char c : text)
-            bytes[size++] = c;
-    }
-    constexpr char last() const { return size == 0 ? '\0' : bytes[size - 1]; }
-    constexpr std::string_view view() const { return {bytes.data(), size}; }
-};
-
-template <class T>
 struct Spelling;
-// An 8-byte `long` within another type: told apart there, since `long*` is not `long long*`.
-template <>
-struct Spelling<long> {
-    static constexpr std::string_view text = longIsWide ? "long __int64" : "long";
-};
-template <>
-struct Spelling<unsigned long> {
-    static constexpr std::string_view text = longIsWide ? "unsigned long __int64" : "unsigned long";
-};
-
-/// The words of an integer type, in whatever order the compiler writes them.
-struct IntegerWords {
-    bool isUnsigned = false;
-    bool isSigned = false;
-    bool isChar = false;
-    bool isShort = false;
-    int longs = 0;
-
-    constexpr bool take(std::string_view word)
-    {
-        if (word == "unsigned")
-            isUnsigned = true;
-        else if (word == "signed")
-            isSigned = true;
-        else if (word == "char")
-            isChar = true;
-        else if (word == "short")
-            isShort = true;
-        else if (word == "long")
-            ++longs;
-        else if (word != "int")
-            return false;
-        return true;
-    }
-
-    constexpr std::string_view spelling() const
-    {
-        if (isChar)
-            return isUnsigned ? "unsigned char" : isSigned ? "signed char" : "char";
-        if (isShort)
-            return isUnsigned ? "unsigned short" : "short";
-        if (longs == 2)
-            return isUnsigned ? "unsigned __int64" : "__int64";
-        if (longs == 1)
-            return isUnsigned ? Spelling<unsigned long>::text : Spelling<long>::text;
-        return isUnsigned ? "unsigned int" : "int";
-    }
-};
-
-/// Reads the compiler's text token by token; see `normalised`.
-struct SpellingReader {
-    std::string_view rest;
-
-    constexpr bool skip(std::string_view text)
-    {
-        if (!rest.starts_with(text))
-            return false;
-        rest.remove_prefix(text.size());
-        return true;
-    }
-
-    constexpr std::string_view word() const
-    {
-        std::size_t size = 0;
-        while (size < rest.size() && isIdentifierChar(rest[size]))
-            ++size;
-        return rest.substr(0, size);
-    }
-
-    /// The integer type at the front, spelled in the library's way; empty if there is none.
-    constexpr std::string_view integer()
-    {
-        IntegerWords words;
-        bool any = false;
-        for (;;) {
-            std::string_view ahead = word();
-            if (ahead.empty() || !words.take(ahead))
-                break;
-            any = true;
-            rest.remove_prefix(ahead.size());
-            if (SpellingReader next{rest}; next.skip(" ") && IntegerWords().take(next.word()))
-                rest.remove_prefix(1);
-            else
-                break;
-        }
-        return any ? words.spelling() : std::string_view();
-    }
-};
-
-template <class T>
-struct CompilerType {
-    static constexpr std::string_view text = compilerSpelling<T>();
-};
-template <auto Value>
-struct CompilerValue {
-    static constexpr std::string_view text = compilerValueSpelling<Value>();
-};
-
-/// An anonymous namespace in a spelled name.
-inline constexpr std::string_view anonymousScope = "(anonymous)";
-
-/// The compiler's text in the one form that does not depend on the compiler.
-template <class Source>
-constexpr auto normalised()
-{
-    TextBuffer<2 * Source::text.size() + 16> out;
-    SpellingReader in{Source::text};
-    while (!in.rest.empty()) {
-        if (in.skip("__cxx11::") || in.skip("_V2::"))
-            continue;
-        if (in.skip("{anonymous}") || in.skip("(anonymous namespace)")) {
-            out.append(anonymousScope);
-        } else if (in.skip(", ")) {
-            out.append(",");
-        } else if (in.skip(" *") || in.skip(" &")) {
-            out.append(*(in.rest.data() - 1) == '*' ? "*" : "&");
-        } else if (in.skip(">")) {
-            out.append(out.last() == '>' ? " >" : ">");
-        } else if (std::string_view word = in.word(); !word.empty()) {
-            std::string_view integer = in.integer();
-            if (integer.empty()) {
-                in.rest.remove_prefix(word.size());
-                while (word[0] >= '0' && word[0] <= '9' &&
-                       (word.back() == 'U' || word.back() == 'L'))
-                    word.remove_suffix(1);
-            }
-            out.append(integer.empty() ? word : integer);
-        } else {
-            out.append(in.rest.substr(0, 1));
-            in.rest.remove_prefix(1);
-        }
-    }
-    return out;
-}
 
 template <const std::string_view&... Pieces>
 struct Joined {
@@ -249,7 +39,11 @@ inline constexpr std::string_view unionKey = "union ";
 inline constexpr std::string_view enumKey = "enum ";
 inline constexpr std::string_view constBefore = "const ";
 inline constexpr std::string_view constBehind = "const";
+inline constexpr std::string_view dots = "...";
 inline constexpr std::string_view volatileBefore = "volatile ";
+inline constexpr std::string_view volatileBehind = "volatile";
+inline constexpr std::string_view constVolatileBefore = "const volatile ";
+inline constexpr std::string_view constVolatileBehind = "const volatile";
 inline constexpr std::string_view star = "*";
 inline constexpr std::string_view ampersand = "&";
 inline constexpr std::string_view doubleAmpersand = "&&";
@@ -266,36 +60,21 @@ inline constexpr std::string_view memberStar = "::*";
 inline constexpr std::string_view noexceptBehind = "noexcept";
 } // namespace piece
 
-template <class T>
-struct QualifiedName {
-    static constexpr auto buffer = normalised<CompilerType<T>>();
-    static constexpr std::string_view text = buffer.view();
-};
-
-/// `QualifiedName` without the template arguments at its end.
-template <class T>
-struct TemplateName {
-    static constexpr std::string_view text = [] {
-        std::string_view whole = QualifiedName<T>::text;
-        int depth = 0;
-        for (std::size_t i = whole.size(); i-- > 0;) {
-            if (whole[i] == '>')
-                ++depth;
-            else if (whole[i] == '<' && --depth == 0)
-                return whole.substr(0, whole[i - 1] == ' ' ? i - 1 : i);
-        }
-        return whole;
-    }();
-};
-
-/// The spelled name of `T`. The primary template serves classes, unions and enumerations.
+/// The spelled name of `T`. The primary template serves classes, unions and enumerations, and what
+/// a compiler has beyond the language.
 template <class T>
 struct Spelling {
     static constexpr std::string_view key = std::is_enum_v<T>    ? piece::enumKey
                                             : std::is_union_v<T> ? piece::unionKey
-                                                                 : piece::structKey;
+                                            : std::is_class_v<T> ? piece::structKey
+                                                                 : piece::none;
     static constexpr std::string_view text = Joined<key, QualifiedName<T>::text>::text;
 };
+
+#if defined(__SIZEOF_INT128__)
+__extension__ using WideInteger = __int128;
+__extension__ using UnsignedWideInteger = unsigned __int128;
+#endif
 
 // clang-format off
 template <> struct Spelling<void> { static constexpr std::string_view text = "void"; };
@@ -314,9 +93,15 @@ template <> struct Spelling<int> { static constexpr std::string_view text = "int
 template <> struct Spelling<unsigned int> { static constexpr std::string_view text = "unsigned int"; };
 template <> struct Spelling<long long> { static constexpr std::string_view text = "__int64"; };
 template <> struct Spelling<unsigned long long> { static constexpr std::string_view text = "unsigned __int64"; };
+template <> struct Spelling<long> { static constexpr std::string_view text = longName; };
+template <> struct Spelling<unsigned long> { static constexpr std::string_view text = unsignedLongName; };
 template <> struct Spelling<float> { static constexpr std::string_view text = "float"; };
 template <> struct Spelling<double> { static constexpr std::string_view text = "double"; };
 template <> struct Spelling<long double> { static constexpr std::string_view text = "long double"; };
+#if defined(__SIZEOF_INT128__)
+template <> struct Spelling<WideInteger> { static constexpr std::string_view text = "__int128"; };
+template <> struct Spelling<UnsignedWideInteger> { static constexpr std::string_view text = "unsigned __int128"; };
+#endif
 template <> struct Spelling<FixedInteger<std::int32_t>> { static constexpr std::string_view text = "long"; };
 template <> struct Spelling<FixedInteger<std::uint32_t>> { static constexpr std::string_view text = "unsigned long"; };
 template <> struct Spelling<std::string> {
@@ -328,20 +113,27 @@ template <> struct Spelling<std::string> {
 template <class T>
 inline constexpr bool isPointerLike = std::is_pointer_v<T> || std::is_member_pointer_v<T>;
 
-template <class T>
-struct Spelling<const T> {
+/// What qualifies a pointer stands behind it, where it cannot be taken for what it points to.
+template <class T, const std::string_view& Before, const std::string_view& Behind>
+struct Qualified {
     static constexpr std::string_view text = [] {
         if constexpr (isPointerLike<T>)
-            return Joined<Spelling<T>::text, piece::constBehind>::text;
+            return Joined<Spelling<T>::text, Behind>::text;
         else
-            return Joined<piece::constBefore, Spelling<T>::text>::text;
+            return Joined<Before, Spelling<T>::text>::text;
     }();
 };
-
+// An array of const is const itself, and spelled by its elements.
 template <class T>
-struct Spelling<volatile T> : Joined<piece::volatileBefore, Spelling<T>::text> {};
+    requires(!std::is_array_v<T>)
+struct Spelling<const T> : Qualified<T, piece::constBefore, piece::constBehind> {};
 template <class T>
-struct Spelling<const volatile T> : Joined<piece::constBefore, Spelling<volatile T>::text> {};
+    requires(!std::is_array_v<T>)
+struct Spelling<volatile T> : Qualified<T, piece::volatileBefore, piece::volatileBehind> {};
+template <class T>
+    requires(!std::is_array_v<T>)
+struct Spelling<const volatile T>
+    : Qualified<T, piece::constVolatileBefore, piece::constVolatileBehind> {};
 template <class T>
 struct Spelling<T*> : Joined<Spelling<T>::text, piece::star> {};
 template <class T>
@@ -358,7 +150,7 @@ template <auto Value>
 struct NumberSpelling {
     static constexpr auto buffer = [] {
         using T = std::remove_cv_t<decltype(Value)>;
-        TextBuffer<Spelling<T>::text.size() + 24> out;
+        TextBuffer<Spelling<T>::text.size() + 44> out;
         if (!std::is_same_v<T, int>) {
             out.append("(");
             out.append(Spelling<T>::text);
@@ -366,7 +158,7 @@ struct NumberSpelling {
         }
         bool negative = Value < T(0);
         auto digit = [](long long d) { return static_cast<char>('0' + (d < 0 ? -d : d)); };
-        std::array<char, 24> digits{};
+        std::array<char, 40> digits{};
         std::size_t count = 0;
         if constexpr (std::is_same_v<T, bool>) {
             digits[count++] = Value ? '1' : '0';
@@ -386,6 +178,78 @@ struct NumberSpelling {
     static constexpr std::string_view text = buffer.view();
 };
 
+template <class T>
+inline constexpr bool isFunctionPointer =
+    std::is_member_function_pointer_v<T> || std::is_function_v<std::remove_pointer_t<T>>;
+
+template <auto Value>
+constexpr bool isNull()
+{
+    if constexpr (isPointerLike<decltype(Value)> || std::is_null_pointer_v<decltype(Value)>)
+        return Value == nullptr;
+    else
+        return false;
+}
+
+/// The name of a function. Only one compiler tells the arguments of a function template.
+template <auto Value>
+struct FunctionName {
+    static constexpr auto buffer = normalised<CompilerValue<Value>>();
+    static constexpr std::string_view text = withoutArguments(buffer.view());
+};
+
+template <auto Value>
+constexpr auto bytesOf()
+{
+    return __builtin_bit_cast(std::array<unsigned char, sizeof(Value)>, Value);
+}
+/// Takes each byte in hand, which does not compile if there is one that has no value.
+template <auto Value>
+constexpr int touchBytes()
+{
+    int sum = 0;
+    for (unsigned char byte : bytesOf<Value>())
+        sum += byte;
+    return sum;
+}
+/// An object that is made of single bytes: of text, mostly, which each compiler writes in its way
+/// and one cuts short.
+template <auto Value>
+concept ObjectOfBytes =
+    std::is_class_v<std::remove_cv_t<decltype(Value)>> && alignof(decltype(Value)) == 1 && requires
+{
+    typename std::integral_constant<int, touchBytes<Value>()>;
+};
+
+/// The bytes of an object as text, or as numbers of two digits each where they are none.
+template <auto Value>
+struct BytesSpelling {
+    static constexpr auto buffer = [] {
+        constexpr auto bytes = bytesOf<Value>();
+        std::size_t size = bytes.size();
+        while (size > 0 && bytes[size - 1] == 0)
+            --size;
+        bool isText = true;
+        for (std::size_t i = 0; i < size; ++i)
+            isText = isText && bytes[i] >= ' ' && bytes[i] <= '~';
+        TextBuffer<2 * bytes.size() + 4> out;
+        out.append(isText ? "{\"" : "{");
+        for (std::size_t i = 0; i < (isText ? size : bytes.size()); ++i) {
+            const std::array text{static_cast<char>(bytes[i])};
+            const std::string_view digits = "0123456789ABCDEF";
+            if (isText) {
+                out.append({text.data(), 1});
+            } else {
+                out.append(digits.substr(bytes[i] / 16, 1));
+                out.append(digits.substr(bytes[i] % 16, 1));
+            }
+        }
+        out.append(isText ? "\"}" : "}");
+        return out;
+    }();
+    static constexpr std::string_view text = buffer.view();
+};
+
 /// A template argument that is a value.
 template <auto Value>
 struct ValueSpelling {
@@ -397,6 +261,14 @@ struct ValueSpelling {
                           Number::text>::buffer;
         } else if constexpr (std::is_integral_v<T>) {
             return NumberSpelling<Value>::buffer;
+        } else if constexpr (isNull<Value>()) {
+            return Joined<piece::openRound, Spelling<T>::text, piece::closeRound,
+                          Spelling<std::nullptr_t>::text>::buffer;
+        } else if constexpr (isFunctionPointer<T>) {
+            return Joined<piece::openRound, Spelling<T>::text, piece::closeRound, piece::ampersand,
+                          FunctionName<Value>::text>::buffer;
+        } else if constexpr (ObjectOfBytes<Value>) {
+            return Joined<Spelling<T>::text, BytesSpelling<Value>::text>::buffer;
         } else {
             constexpr auto value = normalised<CompilerValue<Value>>();
             // An object as a value: its type, and what is in it.
@@ -439,6 +311,10 @@ struct TemplateSpelling {
         Joined<key, TemplateName<T>::text, piece::open, arguments, closing>::text;
 };
 
+// Templates can be matched by the kinds of their parameters alone, so each mixture of types and
+// values has its own: some of them in front, and then a pack of the other kind than the last. What
+// is mixed further is left to the compiler.
+
 template <template <class...> class Template, class... Arguments>
 struct Spelling<Template<Arguments...>>
     : TemplateSpelling<Template<Arguments...>, Spelling<Arguments>::text...> {};
@@ -446,51 +322,144 @@ template <template <auto...> class Template, auto... Values>
     requires(sizeof...(Values) > 0)
 struct Spelling<Template<Values...>>
     : TemplateSpelling<Template<Values...>, ValueSpelling<Values>::text...> {};
-template <template <class, auto...> class Template, class Argument, auto... Values>
-    requires(sizeof...(Values) > 0)
-struct Spelling<Template<Argument, Values...>>
-    : TemplateSpelling<Template<Argument, Values...>, Spelling<Argument>::text,
-                       ValueSpelling<Values>::text...> {};
-template <class T, std::size_t Size>
-struct Spelling<std::array<T, Size>>
-    : TemplateSpelling<std::array<T, Size>, Spelling<T>::text, ValueSpelling<Size>::text> {};
-template <class T, std::size_t Size>
-struct Spelling<T[Size]>
-    : Joined<Spelling<T>::text, piece::openSquare, ValueSpelling<Size>::text, piece::closeSquare> {
-};
-// An array of const is const itself: without these two it would be spelled in two ways.
-template <class T, std::size_t Size>
-struct Spelling<const T[Size]> : Joined<piece::constBefore, Spelling<T[Size]>::text> {};
-template <class T>
-struct Spelling<const T[]> : Joined<piece::constBefore, Spelling<T[]>::text> {};
-template <class T>
-struct Spelling<T[]> : Joined<Spelling<T>::text, piece::openSquare, piece::closeSquare> {};
+template <template <class, auto...> class Template, class A, auto... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, Rest...>>
+    : TemplateSpelling<Template<A, Rest...>, Spelling<A>::text, ValueSpelling<Rest>::text...> {};
+template <template <auto, class...> class Template, auto A, class... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, Rest...>>
+    : TemplateSpelling<Template<A, Rest...>, ValueSpelling<A>::text, Spelling<Rest>::text...> {};
+template <template <class, class, auto...> class Template, class A, class B, auto... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, Rest...>>
+    : TemplateSpelling<Template<A, B, Rest...>, Spelling<A>::text, Spelling<B>::text,
+                       ValueSpelling<Rest>::text...> {};
+template <template <auto, class, auto...> class Template, auto A, class B, auto... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, Rest...>>
+    : TemplateSpelling<Template<A, B, Rest...>, ValueSpelling<A>::text, Spelling<B>::text,
+                       ValueSpelling<Rest>::text...> {};
+template <template <class, auto, class...> class Template, class A, auto B, class... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, Rest...>>
+    : TemplateSpelling<Template<A, B, Rest...>, Spelling<A>::text, ValueSpelling<B>::text,
+                       Spelling<Rest>::text...> {};
+template <template <auto, auto, class...> class Template, auto A, auto B, class... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, Rest...>>
+    : TemplateSpelling<Template<A, B, Rest...>, ValueSpelling<A>::text, ValueSpelling<B>::text,
+                       Spelling<Rest>::text...> {};
+template <template <class, class, class, auto...> class Template, class A, class B, class C,
+          auto... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, Spelling<A>::text, Spelling<B>::text,
+                       Spelling<C>::text, ValueSpelling<Rest>::text...> {};
+template <template <class, auto, class, auto...> class Template, class A, auto B, class C,
+          auto... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, Spelling<A>::text, ValueSpelling<B>::text,
+                       Spelling<C>::text, ValueSpelling<Rest>::text...> {};
+template <template <auto, class, class, auto...> class Template, auto A, class B, class C,
+          auto... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, ValueSpelling<A>::text, Spelling<B>::text,
+                       Spelling<C>::text, ValueSpelling<Rest>::text...> {};
+template <template <auto, auto, class, auto...> class Template, auto A, auto B, class C,
+          auto... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, ValueSpelling<A>::text, ValueSpelling<B>::text,
+                       Spelling<C>::text, ValueSpelling<Rest>::text...> {};
+template <template <class, class, auto, class...> class Template, class A, class B, auto C,
+          class... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, Spelling<A>::text, Spelling<B>::text,
+                       ValueSpelling<C>::text, Spelling<Rest>::text...> {};
+template <template <class, auto, auto, class...> class Template, class A, auto B, auto C,
+          class... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, Spelling<A>::text, ValueSpelling<B>::text,
+                       ValueSpelling<C>::text, Spelling<Rest>::text...> {};
+template <template <auto, class, auto, class...> class Template, auto A, class B, auto C,
+          class... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, ValueSpelling<A>::text, Spelling<B>::text,
+                       ValueSpelling<C>::text, Spelling<Rest>::text...> {};
+template <template <auto, auto, auto, class...> class Template, auto A, auto B, auto C,
+          class... Rest>
+    requires(sizeof...(Rest) > 0)
+struct Spelling<Template<A, B, C, Rest...>>
+    : TemplateSpelling<Template<A, B, C, Rest...>, ValueSpelling<A>::text, ValueSpelling<B>::text,
+                       ValueSpelling<C>::text, Spelling<Rest>::text...> {};
 
-/// The part of a function type behind its name: "(int,double)".
-template <class... Parameters>
-struct ParameterSpelling {
+/// What stands behind the element of an array, the outermost extent first.
+template <class T>
+struct Extents {
+    static constexpr std::string_view text = piece::none;
+};
+template <class T>
+struct Extents<T[]> : Joined<piece::openSquare, piece::closeSquare, Extents<T>::text> {};
+template <class T, std::size_t Size>
+struct Extents<T[Size]>
+    : Joined<piece::openSquare, ValueSpelling<Size>::text, piece::closeSquare, Extents<T>::text> {};
+
+template <class T>
+    requires(std::is_array_v<T>)
+struct Spelling<T> : Joined<Spelling<std::remove_all_extents_t<T>>::text, Extents<T>::text> {};
+
+/// A function type: its result, its parameters, "..." if there are more, and what qualifies it.
+template <const std::string_view& More, const std::string_view& Qualifiers, bool Noexcept,
+          class Result, class... Parameters>
+struct FunctionSpelling {
     static constexpr std::string_view list = []() -> std::string_view {
         if constexpr (sizeof...(Parameters) == 0)
-            return piece::none;
-        else
+            return More;
+        else if constexpr (More.empty())
             return CommaList<Spelling<Parameters>::text...>::text;
+        else
+            return CommaList<Spelling<Parameters>::text..., More>::text;
     }();
+    static constexpr std::string_view ending = Noexcept ? piece::noexceptBehind : piece::none;
+    static constexpr std::string_view gap =
+        Noexcept && !Qualifiers.empty() && isIdentifierChar(Qualifiers.back()) ? piece::blank
+                                                                               : piece::none;
     static constexpr std::string_view text =
-        Joined<piece::openRound, list, piece::closeRound>::text;
+        Joined<Spelling<Result>::text, piece::openRound, list, piece::closeRound, Qualifiers, gap,
+               ending>::text;
 };
 
-template <class Result, class... Parameters>
-struct Spelling<Result(Parameters...)>
-    : Joined<Spelling<Result>::text, ParameterSpelling<Parameters...>::text> {};
-template <class Result, class... Parameters>
-struct Spelling<Result(Parameters...) const>
-    : Joined<Spelling<Result(Parameters...)>::text, piece::constBehind> {};
-template <class Result, class... Parameters>
-struct Spelling<Result(Parameters...) noexcept>
-    : Joined<Spelling<Result(Parameters...)>::text, piece::noexceptBehind> {};
-template <class Result, class... Parameters>
-struct Spelling<Result(Parameters...) const noexcept>
-    : Joined<Spelling<Result(Parameters...)>::text, piece::constBehind, piece::noexceptBehind> {};
+#define ZT_DETAIL_FUNCTION(qualifiers, name)                                                       \
+    namespace piece                                                                                \
+    {                                                                                              \
+    inline constexpr std::string_view name = #qualifiers;                                          \
+    }                                                                                              \
+    template <class Result, class... Parameters, bool Noexcept>                                    \
+    struct Spelling<Result(Parameters...) qualifiers noexcept(Noexcept)>                           \
+        : FunctionSpelling<piece::none, piece::name, Noexcept, Result, Parameters...> {};          \
+    template <class Result, class... Parameters, bool Noexcept>                                    \
+    struct Spelling<Result(Parameters..., ...) qualifiers noexcept(Noexcept)>                      \
+        : FunctionSpelling<piece::dots, piece::name, Noexcept, Result, Parameters...> {};
+
+ZT_DETAIL_FUNCTION(, unqualified)
+ZT_DETAIL_FUNCTION(&, onLvalue)
+ZT_DETAIL_FUNCTION(&&, onRvalue)
+ZT_DETAIL_FUNCTION(const, onConst)
+ZT_DETAIL_FUNCTION(const&, onConstLvalue)
+ZT_DETAIL_FUNCTION(const&&, onConstRvalue)
+ZT_DETAIL_FUNCTION(volatile, onVolatile)
+ZT_DETAIL_FUNCTION(volatile&, onVolatileLvalue)
+ZT_DETAIL_FUNCTION(volatile&&, onVolatileRvalue)
+ZT_DETAIL_FUNCTION(const volatile, onConstVolatile)
+ZT_DETAIL_FUNCTION(const volatile&, onConstVolatileLvalue)
+ZT_DETAIL_FUNCTION(const volatile&&, onConstVolatileRvalue)
+#undef ZT_DETAIL_FUNCTION
 
 template <class Function, class Class>
     requires(std::is_function_v<Function>)
