@@ -41,7 +41,7 @@ template <class T>
 {
     const ZTMetaType* known = ztMetaType(std::type_index(typeid(T)));
     const ZTMetaType& type = known ? *known : registerType<T>(classOfPointer<T>());
-    if constexpr (ztTypeName<T>().find(anonymousScope) != std::string_view::npos)
+    if constexpr (isInAnonymousScope(ztTypeName<T>()))
         if (known)
             warnOfTakenIdentity(type, TypeFunctions<T>::destroy());
     knownToBeInBlocks<T>.store(isInBlocks(type), std::memory_order_relaxed);

@@ -31,8 +31,5 @@ std::string streamed(const Values&... values)
 }
 
 /// A stream that holds the bytes, to be read from the first one.
-inline ZTDataStream streamOf(const std::string& bytes)
-{
-    return ZTDataStream(bytes);
-}
+inline ZTDataStream streamOf(const std::string& bytes) { return ZTDataStream(bytes); }
 } // namespace support

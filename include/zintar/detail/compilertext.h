@@ -191,6 +191,15 @@ struct CompilerValue {
 /// An anonymous namespace in a spelled name.
 inline constexpr std::string_view anonymousScope = "(anonymous)";
 
+/// Letter by letter: under a sanitizer not all of `find` is for the compiler to work out.
+constexpr bool isInAnonymousScope(std::string_view name)
+{
+    std::size_t found = 0;
+    for (std::size_t i = 0; i < name.size() && found < anonymousScope.size(); ++i)
+        found = name[i] == anonymousScope[found] ? found + 1 : name[i] == '(' ? 1 : 0;
+    return found == anonymousScope.size();
+}
+
 /// The compiler's text in the one form that does not depend on the compiler.
 template <class Source>
 constexpr auto normalised()

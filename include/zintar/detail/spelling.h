@@ -183,10 +183,14 @@ inline constexpr bool isFunctionPointer =
     std::is_member_function_pointer_v<T> || std::is_function_v<std::remove_pointer_t<T>>;
 
 template <auto Value>
+struct Constant;
+
+/// Without comparing the pointers, which under a sanitizer is nothing for the compiler to do.
+template <auto Value>
 constexpr bool isNull()
 {
     if constexpr (isPointerLike<decltype(Value)> || std::is_null_pointer_v<decltype(Value)>)
-        return Value == nullptr;
+        return std::is_same_v<Constant<Value>, Constant<decltype(Value)(nullptr)>>;
     else
         return false;
 }
