@@ -15,7 +15,7 @@
 
 zt::detail::ClassTable& ZTBase::ztTable() { return zt::detail::declaredTable<ZTBase>(); }
 
-const ZTMetaClass& ZTBase::typeMetaClass() { return ztTable().complete(); }
+const ZTMetaClass& ZTBase::typeMetaClass() { return zt::detail::declaredClass<ZTBase>(); }
 
 const ZTMetaClass* ZTBase::metaClass() const { return &typeMetaClass(); }
 
@@ -24,7 +24,10 @@ zt::detail::ClassTable& ZTDynamicBase::ztTable()
     return zt::detail::declaredTable<ZTDynamicBase>();
 }
 
-const ZTMetaClass& ZTDynamicBase::typeMetaClass() { return ztTable().complete(); }
+const ZTMetaClass& ZTDynamicBase::typeMetaClass()
+{
+    return zt::detail::declaredClass<ZTDynamicBase>();
+}
 
 const std::type_index ZTMetaType::ZTBadTypeIndex = typeid(ZTNone);
 
@@ -40,6 +43,5 @@ const ZTMetaType& ZTMetaType::ZTBadMetaType =
 
 namespace
 {
-[[maybe_unused]] const ZTMetaType& variantType =
-    zt::detail::registerType<ZTVariant>(nullptr, "ZTVariant");
+[[maybe_unused]] const ZTMetaType& variantType = zt::detail::registerType<ZTVariant>("ZTVariant");
 }

@@ -60,6 +60,13 @@ ClassTable::ClassTable(const ClassDeclaration& declaration) : m_declaration(decl
                               m_declaration.positionByFunction, m_declaration.positionBySignature);
     const ZTStaticMetaClassData* table = this;
     m_descriptor = std::make_unique<ZTStaticMetaClass>(table);
+    joinSuperClass();
+    typeName = m_declaration.typeName;
+    metaType = &m_declaration.registerPointers();
+    fillTypes();
+    linkChangeEvents();
+    indexProperties();
+    indexInvokables();
 }
 
 void ClassTable::indexInvokables()
@@ -89,8 +96,6 @@ void ClassTable::indexProperties()
     }
     m_propertyIndex->beyond = next;
 }
-
-ClassTable::~ClassTable() = default;
 
 /// The records, with what is known without any other class or type.
 void ClassTable::addMembers()
@@ -134,48 +139,24 @@ void ClassTable::addMembers()
                                   invokable->function, invokable->access);
 }
 
-const ZTMetaClass& ClassTable::link()
+/// The counts of the super class are final: it is complete.
+void ClassTable::joinSuperClass()
 {
-    if (m_linked)
-        return *m_descriptor;
-    m_linked = true;
-    if (m_declaration.linkedSuperClass) {
-        superClass = &m_declaration.linkedSuperClass();
+    if (m_declaration.superClass) {
+        superClass = &m_declaration.superClass();
         classInfoOffset = superClass->classInfoCount();
         enumOffset = superClass->enumCount();
         propertyOffset = superClass->propertyCount();
         invokableOffset = superClass->invokableCount();
     }
-    const ZTMetaType& pointerType = m_declaration.registerPointers(m_descriptor.get());
-    typeName = m_declaration.typeName;
-    metaType = &pointerType;
     for (std::size_t i = 0; i < m_invokables.size(); ++i) {
-        m_invokables[i].index = static_cast<int>(m_descriptor->invokableOffset() + i);
+        m_invokables[i].index = static_cast<int>(invokableOffset + i);
         m_invokables[i].isEvent = m_invokableRecords[i]->kind == MemberKind::Event;
-    }
-    linkChangeEvents();
-    indexProperties();
-    indexInvokables();
-    return *m_descriptor;
-}
-
-void ClassTable::linkChangeEvents()
-{
-    for (std::size_t i = 0; i < m_properties.size(); ++i) {
-        if (!m_propertyRecords[i]->changeEvent.isSet())
-            continue;
-        void* event = const_cast<void*>(m_propertyRecords[i]->changeEventKey);
-        m_properties[i].changeEventIndex = m_descriptor->indexOfInvokable(event);
-        m_properties[i].changeEvent = m_descriptor->invokable(event);
     }
 }
 
 void ClassTable::fillTypes()
 {
-    link();
-    m_typed = true;
-    if (m_declaration.superClass)
-        m_declaration.superClass();
     for (std::size_t i = 0; i < m_properties.size(); ++i)
         m_properties[i].metaType = &m_propertyRecords[i]->type();
     const ZTMetaType** next = m_parameterTypes.data();
@@ -185,6 +166,22 @@ void ClassTable::fillTypes()
         m_invokables[i].parameterMetaTypes = listed.count ? next : nullptr;
         for (unsigned int parameter = 0; parameter < listed.count; ++parameter)
             *next++ = &listed.parameterTypes[parameter]();
+    }
+}
+
+void ClassTable::linkChangeEvents()
+{
+    for (std::size_t i = 0; i < m_properties.size(); ++i) {
+        if (!m_propertyRecords[i]->changeEvent.isSet())
+            continue;
+        void* event = const_cast<void*>(m_propertyRecords[i]->changeEventKey);
+        // Not through the descriptor: its callbacks ask for this table, which is still being made.
+        int position = positionOf(event);
+        int index = position >= 0 ? m_invokables[static_cast<std::size_t>(position)].index
+                    : superClass  ? superClass->indexOfInvokable(event)
+                                  : -1;
+        m_properties[i].changeEventIndex = index;
+        m_properties[i].changeEvent = m_descriptor->invokable(static_cast<unsigned int>(index));
     }
 }
 

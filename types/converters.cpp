@@ -6,25 +6,23 @@ bool ZTMetaType::canConvert(const ZTMetaType& to) const
 {
     if (!to)
         return false;
-    return *this == to || priv->convertersTo.count(&to) != 0;
+    return *this == to || priv->converterTo(to);
 }
 
 bool ZTMetaType::convert(void* source, const ZTMetaType& to, void* target) const
 {
     if (!to)
         return false;
-    auto found = priv->convertersTo.find(&to);
-    bool converted =
-        found != priv->convertersTo.end() && found->second && found->second(source, target);
-    return converted || *this == to;
+    const ZTConverter* found = priv->converterTo(to);
+    auto function = found ? found->function.load(std::memory_order_acquire) : nullptr;
+    return (function && function(source, target)) || *this == to;
 }
 
 namespace zt::detail
 {
 void ztRegisterConverter(const ZTMetaType& from, const ZTMetaType& to, ConverterFunction converter)
 {
-    ZTMetaTypePrivate::of(from).convertersTo[&to] = converter;
-    ZTMetaTypePrivate::of(to).convertersFrom[&from] = converter;
+    ztMetaTypeRegistry().setConverter(from, to, converter);
 }
 
 bool can_convert_meta_class(const ZTMetaType& from, const ZTMetaType& to, bool& yieldsNull)

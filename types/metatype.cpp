@@ -3,6 +3,7 @@
 #include <zintar/log.h>
 #include <zintar/metaclass.h>
 
+#include <memory>
 #include <utility>
 
 ZTMetaTypePrivate::ZTMetaTypePrivate(std::string_view typeName, const std::type_info& type,
@@ -28,33 +29,93 @@ ZTMetaTypePrivate::ZTMetaTypePrivate(std::string_view typeName, const std::type_
 
 const ZTMetaType* ZTMetaTypeRegistry::find(std::string_view name) const
 {
-    const auto* found = names.find(name);
-    return found ? *found : nullptr;
+    const zt::detail::NameKey key(name);
+    const ZTMetaTypeName* found =
+        m_names.find(ZTMetaTypeName::hashOf(key),
+                     [&](const ZTMetaTypeName& candidate) { return candidate.key == key; });
+    return found ? &found->type : nullptr;
 }
 
-const ZTMetaType& ZTMetaTypeRegistry::add(ZTMetaTypePrivate* record)
+const ZTMetaType* ZTMetaTypeRegistry::find(const std::type_index& type) const
 {
-    const ZTMetaType& handle = types.emplace(record->typeIndex, ZTMetaType(record)).first->second;
-    if (!find(record->name))
-        names.add(record->name, &handle);
+    const RegisteredType* found =
+        m_types.find(type.hash_code(), [&](const RegisteredType& candidate) {
+            return ZTMetaTypePrivate::of(candidate.handle).typeIndex == type;
+        });
+    return found ? &found->handle : nullptr;
+}
+
+const ZTMetaType& ZTMetaTypeRegistry::add(std::unique_ptr<ZTMetaTypePrivate> record,
+                                          const std::string& alias)
+{
+    std::unique_lock writing(m_writing);
+    if (const ZTMetaType* known = find(record->typeIndex)) {
+        writing.unlock();
+        addAlias(*known, alias);
+        return *known;
+    }
+    auto type = std::make_unique<RegisteredType>(std::move(record));
+    const ZTMetaType& handle = type->handle;
+    const std::string& name = ZTMetaTypePrivate::of(handle).name;
+    std::unique_ptr<ZTMetaTypeName> primaryName, otherName;
+    if (!find(name))
+        primaryName = std::make_unique<ZTMetaTypeName>(name, handle);
+    if (!alias.empty() && alias != name && !find(alias))
+        otherName = std::make_unique<ZTMetaTypeName>(alias, handle);
+    m_types.makeRoom(1);
+    m_names.makeRoom(2);
+    // From here on nothing can fail.
+    m_types.add(type.release());
+    if (primaryName)
+        m_names.add(primaryName.release());
+    if (otherName)
+        publishAlias(std::move(otherName));
     return handle;
 }
 
 void ZTMetaTypeRegistry::addAlias(const ZTMetaType& type, const std::string& alias)
 {
-    if (!alias.empty() && !find(alias))
-        names.add(*ZTMetaTypePrivate::of(type).aliases.insert(alias).first, &type);
+    if (alias.empty())
+        return;
+    const std::scoped_lock writing(m_writing);
+    if (find(alias))
+        return;
+    auto name = std::make_unique<ZTMetaTypeName>(alias, type);
+    m_names.makeRoom(1);
+    publishAlias(std::move(name));
+}
+
+void ZTMetaTypeRegistry::publishAlias(std::unique_ptr<ZTMetaTypeName> alias) noexcept
+{
+    auto& aliases = ZTMetaTypePrivate::of(alias->type).aliases;
+    alias->next = aliases.load(std::memory_order_relaxed);
+    aliases.store(alias.get(), std::memory_order_release);
+    m_names.add(alias.release());
+}
+
+void ZTMetaTypeRegistry::setConverter(const ZTMetaType& from, const ZTMetaType& to,
+                                      zt::detail::ConverterFunction converter)
+{
+    const std::scoped_lock writing(m_writing);
+    ZTMetaTypePrivate& source = ZTMetaTypePrivate::of(from);
+    if (ZTConverter* known = source.converterTo(to)) {
+        known->function.store(converter, std::memory_order_release);
+        return;
+    }
+    auto added = std::make_unique<ZTConverter>(to, converter);
+    source.convertersTo.makeRoom(1);
+    source.convertersTo.add(added.release());
 }
 
 ZTMetaTypeRegistry& ztMetaTypeRegistry()
 {
-    static ZTMetaTypeRegistry registry;
-    static bool filled = false;
-    if (!filled) {
-        // Set first: each registration below comes through here again.
-        filled = true;
-        zt::detail::registerBuiltInTypes();
-    }
+    // Never destroyed, like all that the library keeps for the process: code of a host that runs at
+    // its end may still ask.
+    static ZTMetaTypeRegistry& registry = []() -> ZTMetaTypeRegistry& {
+        auto& made = *new ZTMetaTypeRegistry;
+        zt::detail::registerBuiltInTypes(made);
+        return made;
+    }();
     return registry;
 }
 
@@ -71,9 +132,24 @@ bool ZTMetaType::operator==(const ZTMetaType& other) const noexcept
 
 std::string ZTMetaType::name() const { return priv->name; }
 
-std::unordered_set<std::string> ZTMetaType::aliases() const { return priv->aliases; }
+std::unordered_set<std::string> ZTMetaType::aliases() const
+{
+    std::unordered_set<std::string> texts;
+    const ZTMetaTypeName* alias = priv->aliases.load(std::memory_order_acquire);
+    for (; alias; alias = alias->next)
+        texts.insert(alias->text);
+    return texts;
+}
 
-const ZTMetaClass* ZTMetaType::metaClass() const noexcept { return priv->metaClass; }
+const ZTMetaClass* ZTMetaType::metaClass() const
+{
+    const ZTMetaClass* known = priv->metaClass.load(std::memory_order_acquire);
+    if (known || !priv->findClass) [[likely]]
+        return known;
+    known = priv->findClass();
+    priv->metaClass.store(known, std::memory_order_release);
+    return known;
+}
 
 void* ZTMetaType::create(const void* source) const
 {
@@ -124,9 +200,7 @@ namespace zt::detail
 {
 const ZTMetaType* ztMetaType(const std::type_index& type)
 {
-    const auto& types = ztMetaTypeRegistry().types;
-    auto found = types.find(type);
-    return found == types.end() ? nullptr : &found->second;
+    return ztMetaTypeRegistry().find(type);
 }
 
 bool isInBlocks(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).isInBlocks; }
@@ -161,18 +235,19 @@ const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_vie
                                      CompareFunction compare, SerializeFunction serialize,
                                      DeserializeFunction deserialize, PrintFunction print,
                                      const ZTMetaClass* metaClass, bool inBlocks,
-                                     AssignFunction assign)
+                                     AssignFunction assign, ClassFunction findClass)
 {
     ZTMetaTypeRegistry& registry = ztMetaTypeRegistry();
-    const ZTMetaType* handle = ztMetaType(type);
-    if (!handle) {
-        auto* record = new ZTMetaTypePrivate(name, type, create, destroy, createDefault, compare,
-                                             serialize, deserialize, print, metaClass);
-        record->isInBlocks = inBlocks;
-        record->assign = assign;
-        handle = &registry.add(record);
+    if (const ZTMetaType* known = registry.find(type)) {
+        registry.addAlias(*known, alias);
+        return *known;
     }
-    registry.addAlias(*handle, alias);
-    return *handle;
+    auto record =
+        std::make_unique<ZTMetaTypePrivate>(name, type, create, destroy, createDefault, compare,
+                                            serialize, deserialize, print, metaClass);
+    record->isInBlocks = inBlocks;
+    record->assign = assign;
+    record->findClass = findClass;
+    return registry.add(std::move(record), alias);
 }
 } // namespace zt::detail

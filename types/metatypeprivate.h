@@ -1,16 +1,56 @@
 #pragma once
 
 #include "nameindex.h"
+#include "publishedindex.h"
 
 #include <zintar/metatype.h>
 #include <zintar/variant.h>
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <typeindex>
-#include <unordered_map>
-#include <unordered_set>
 
-/// The record behind a `ZTMetaType`.
+/// A name or an alias under which a type can be found.
+struct ZTMetaTypeName {
+    ZTMetaTypeName(std::string_view name, const ZTMetaType& named)
+        : text(name), key(text), type(named)
+    {}
+    [[nodiscard]] std::size_t hash() const { return hashOf(key); }
+    static std::size_t hashOf(const zt::detail::NameKey& key)
+    {
+        // The uppermost bits alone know of a digit at the end of a name.
+        const std::uint64_t hash = key.hash();
+        return static_cast<std::size_t>(hash >> 32 ^ hash >> 56);
+    }
+
+    const std::string text;
+    const zt::detail::NameKey key;
+    const ZTMetaType& type;
+    const ZTMetaTypeName* next = nullptr; ///< among the aliases of the type
+};
+
+/// The conversion to one other type.
+struct ZTConverter {
+    ZTConverter(const ZTMetaType& to, zt::detail::ConverterFunction converter)
+        : target(to), function(converter)
+    {}
+    [[nodiscard]] std::size_t hash() const { return hashOf(&target); }
+    static std::size_t hashOf(const ZTMetaType* type)
+    {
+        // Handles are blocks of memory: the lowest bits of their addresses tell nothing.
+        auto address = reinterpret_cast<std::size_t>(type);
+        return address >> 4 ^ address >> 12;
+    }
+
+    const ZTMetaType& target;
+    std::atomic<zt::detail::ConverterFunction> function;
+};
+
+/// The record behind a `ZTMetaType`. What is not atomic is set before others can find the type.
 struct ZTMetaTypePrivate {
     ZTMetaTypePrivate(std::string_view typeName, const std::type_info& type,
                       zt::detail::CreateFunction createFunction,
@@ -24,10 +64,19 @@ struct ZTMetaTypePrivate {
     /// The record of a handle; for the sources of the library.
     static ZTMetaTypePrivate& of(const ZTMetaType& type) { return *type.priv; }
 
+    /// The converter that is registered for exactly this pair, or null.
+    [[nodiscard]] ZTConverter* converterTo(const ZTMetaType& type) const
+    {
+        return convertersTo.find(ZTConverter::hashOf(&type), [&](const ZTConverter& candidate) {
+            return &candidate.target == &type;
+        });
+    }
+
     std::string name;
-    std::unordered_set<std::string> aliases;
     std::type_index typeIndex;
-    const ZTMetaClass* metaClass;
+    /// Null until somebody asks, where `findClass` is set.
+    std::atomic<const ZTMetaClass*> metaClass;
+    zt::detail::ClassFunction findClass = nullptr;
     zt::detail::CreateFunction create;
     zt::detail::DestroyFunction destroy;
     zt::detail::CreateDefaultFunction createDefault;
@@ -37,22 +86,46 @@ struct ZTMetaTypePrivate {
     zt::detail::PrintFunction print;
     bool isInBlocks = false;
     zt::detail::AssignFunction assign = nullptr;
-    std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersTo;
-    std::unordered_map<const ZTMetaType*, zt::detail::ConverterFunction> convertersFrom;
+    std::atomic<const ZTMetaTypeName*> aliases = nullptr;
+    zt::detail::PublishedIndex<ZTConverter> convertersTo;
 };
 
 /// The process-wide tables.
 ///
-/// 1. Each handle in `types` has its name in `names`, unless another type held that name first.
-/// 2. What `names` has points into `types`, whose nodes never move, and so do the names.
+/// 1. Each type in `m_types` has its name in `m_names`, unless another type held that name first.
+/// 2. Nothing leaves and nothing moves: a handle or a name that was found once is good for ever.
+/// 3. Readers take no lock. Writers hold `m_writing`, within which no code of a host runs, and
+///    nothing waits for another lock.
+/// 4. A registration whose memory fails has not happened.
 struct ZTMetaTypeRegistry {
     /// The type with that name or alias, or null.
     [[nodiscard]] const ZTMetaType* find(std::string_view name) const;
-    const ZTMetaType& add(ZTMetaTypePrivate* record);
-    void addAlias(const ZTMetaType& type, const std::string& alias);
+    [[nodiscard]] const ZTMetaType* find(const std::type_index& type) const;
 
-    std::unordered_map<std::type_index, ZTMetaType> types;
-    zt::detail::NameIndex<const ZTMetaType*> names;
+    /// Adds the type, or the alias alone if the type is there already.
+    const ZTMetaType& add(std::unique_ptr<ZTMetaTypePrivate> record, const std::string& alias);
+    void addAlias(const ZTMetaType& type, const std::string& alias);
+    void setConverter(const ZTMetaType& from, const ZTMetaType& to,
+                      zt::detail::ConverterFunction converter);
+
+private:
+    struct RegisteredType {
+        explicit RegisteredType(std::unique_ptr<ZTMetaTypePrivate> record) noexcept
+            : handle(record.release())
+        {}
+        [[nodiscard]] std::size_t hash() const
+        {
+            return ZTMetaTypePrivate::of(handle).typeIndex.hash_code();
+        }
+
+        const ZTMetaType handle;
+    };
+
+    void publishAlias(std::unique_ptr<ZTMetaTypeName> alias) noexcept;
+
+    std::mutex m_writing;
+    zt::detail::PublishedIndex<RegisteredType> m_types;
+    zt::detail::PublishedIndex<ZTMetaTypeName> m_names;
 };
 
 /// The registry, made with the built-in types at the first call.
@@ -72,5 +145,5 @@ inline bool assignInPlace(ZTVariant& target, const ZTVariant& source)
 }
 
 /// Registers the types that are always there, in their fixed order.
-void registerBuiltInTypes();
+void registerBuiltInTypes(ZTMetaTypeRegistry& registry);
 } // namespace zt::detail

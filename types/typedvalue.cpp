@@ -8,7 +8,11 @@ namespace zt::detail
 {
 namespace
 {
-const std::string warningHead = "Zintar Warning: Retrieved default-constructed value of type \"";
+std::string warningHead(std::string_view askedType)
+{
+    return "Zintar Warning: Retrieved default-constructed value of type \"" +
+           std::string(askedType) + "\"";
+}
 
 void* storedPointer(const ZTVariant& variant)
 {
@@ -18,16 +22,15 @@ void* storedPointer(const ZTVariant& variant)
 
 void warnFailedConversion(std::string_view askedType, const ZTMetaType& from)
 {
-    ztLog(warningHead + std::string(askedType) +
-              "\" while converting from ZTVariant. Conversion failed from type type \"" +
+    ztLog(warningHead(askedType) +
+              " while converting from ZTVariant. Conversion failed from type type \"" +
               from.name() + "\".",
           ZTLogType::Info);
 }
 
 void warnInvalidVariant(std::string_view askedType)
 {
-    ztLog(warningHead + std::string(askedType) + "\" converting from invalid ZTVariant.",
-          ZTLogType::Info);
+    ztLog(warningHead(askedType) + " converting from invalid ZTVariant.", ZTLogType::Info);
 }
 
 bool convertOrWarn(const ZTVariant& variant, const ZTMetaType& target, void* result,

@@ -69,7 +69,8 @@ struct TypedConverter<Convert, Parameters<Source>> {
 /// converter, and nothing is chained through a third type.
 /// @param converter  without captures; one that gives a `std::optional` refuses a value by an empty
 ///                   one, and the retrieval gives a default value with a line in the log
-/// Threads: may not run beside other uses of the two types.
+/// Threads: safe beside any other use of types; a conversion that runs meanwhile may still be the
+/// earlier one. The converter runs on the thread that retrieves the value.
 template <class Convert>
 void ztRegisterConverter([[maybe_unused]] Convert converter)
 {

@@ -32,6 +32,8 @@ using DeserializeFunction = void (*)(ZTDataStream& stream, void* value);
 using PrintFunction = void (*)(std::ostream& stream, const void* value);
 using AssignFunction = void (*)(void* target, const void* source);
 using ConverterFunction = bool (*)(const void* source, void* target);
+/// Gives the class that a pointer type points to, complete.
+using ClassFunction = const ZTMetaClass* (*)();
 } // namespace zt::detail
 
 /// The run-time record of one value type: how to make, copy, destroy, compare, stream and print a
@@ -47,7 +49,8 @@ using ConverterFunction = bool (*)(const void* source, void* target);
 ///     type.destroy(block);
 ///
 /// A library that registers types must stay loaded: the functions behind a type live in it.
-/// Threads: reads may run in parallel; registration may not run beside them.
+/// Threads: any use on any thread, also beside registrations. Nothing but a registration takes a
+/// lock.
 struct ZT_EXPORT ZTMetaType {
     /// The invalid type. Every absent type is expressed by this reference, null pointers are not
     /// used for it.
@@ -64,8 +67,9 @@ struct ZT_EXPORT ZTMetaType {
     [[nodiscard]] std::string name() const;
     /// The further names under which the type can be looked up.
     [[nodiscard]] std::unordered_set<std::string> aliases() const;
-    /// The class that a pointer type points to; null for other types.
-    [[nodiscard]] const ZTMetaClass* metaClass() const noexcept;
+    /// The class that a pointer type points to; null for other types. Makes the class complete if
+    /// nobody has used it yet.
+    [[nodiscard]] const ZTMetaClass* metaClass() const;
 
     /// A new block that holds a copy of `*source`, or a default value for null. The caller ends
     /// it with `destroy`. Null when the type has no function for it.
@@ -118,14 +122,16 @@ namespace zt::detail
 ///                  variant may make a block by itself
 /// @param assign    copies a value into the block of another one, where nobody can tell that from
 ///                  a new block; or null
-ZT_EXPORT const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_view name,
-                                               const std::string& alias, CreateFunction create,
-                                               DestroyFunction destroy,
-                                               CreateDefaultFunction createDefault,
-                                               CompareFunction compare, SerializeFunction serialize,
-                                               DeserializeFunction deserialize, PrintFunction print,
-                                               const ZTMetaClass* metaClass, bool inBlocks = false,
-                                               AssignFunction assign = nullptr);
+/// @param findClass in place of `metaClass`, for a class that may not be complete yet; asked once
+///                  somebody wants to know the class
+/// Threads: safe beside any other use of types. No code of the host runs meanwhile.
+ZT_EXPORT const ZTMetaType&
+ztRegisterMetaType(const std::type_info& type, std::string_view name, const std::string& alias,
+                   CreateFunction create, DestroyFunction destroy,
+                   CreateDefaultFunction createDefault, CompareFunction compare,
+                   SerializeFunction serialize, DeserializeFunction deserialize,
+                   PrintFunction print, const ZTMetaClass* metaClass, bool inBlocks = false,
+                   AssignFunction assign = nullptr, ClassFunction findClass = nullptr);
 [[nodiscard]] ZT_EXPORT bool isInBlocks(const ZTMetaType& type);
 
 /// Tells in the log that the type cannot be found by its name, since another one has it.
@@ -136,6 +142,8 @@ ZT_EXPORT void warnOfTakenIdentity(const ZTMetaType& type, DestroyFunction destr
 
 /// Registers the conversion of one ordered pair of types, in place of an earlier one. The
 /// converter writes into a living object of the target type and answers whether it could.
+/// Threads: safe beside any other use of types; a conversion that runs meanwhile may still be the
+/// earlier one.
 ZT_EXPORT void ztRegisterConverter(const ZTMetaType& from, const ZTMetaType& to,
                                    ConverterFunction converter);
 

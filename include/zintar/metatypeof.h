@@ -11,7 +11,7 @@ namespace zt::detail
 {
 /// Registers `T` under its spelled name with what the compiler knows of it.
 template <class T>
-const ZTMetaType& registerType(const ZTMetaClass* metaClass, const std::string& alias = {})
+const ZTMetaType& registerType(const std::string& alias = {})
 {
     if constexpr (std::is_void_v<T>) {
         return ztRegisterMetaType(typeid(T), ztTypeName<T>(), alias, nullptr, nullptr, nullptr,
@@ -21,7 +21,8 @@ const ZTMetaType& registerType(const ZTMetaClass* metaClass, const std::string& 
         const ZTMetaType& type = ztRegisterMetaType(
             typeid(T), ztTypeName<T>(), alias, Functions::create(), Functions::destroy(),
             Functions::createDefault(), Functions::compare(), Functions::serialize(),
-            Functions::deserialize(), Functions::print(), metaClass, true, Functions::assign());
+            Functions::deserialize(), Functions::print(), nullptr, true, Functions::assign(),
+            findClassOfPointer<T>());
         warnOfTakenName(type);
         return type;
     }
@@ -40,7 +41,7 @@ template <class T>
 [[gnu::noinline]] const ZTMetaType& findOrRegisterType()
 {
     const ZTMetaType* known = ztMetaType(std::type_index(typeid(T)));
-    const ZTMetaType& type = known ? *known : registerType<T>(classOfPointer<T>());
+    const ZTMetaType& type = known ? *known : registerType<T>();
     if constexpr (isInAnonymousScope(ztTypeName<T>()))
         if (known)
             warnOfTakenIdentity(type, TypeFunctions<T>::destroy());
@@ -56,8 +57,7 @@ template <class T>
 /// carries the class. An enumeration streams as its underlying integer.
 ///
 /// @tparam T  without reference and `const` at the top
-/// Cost: one load once it has been called. Threads: the first call for a type registers, so it
-/// may not run beside other uses of types.
+/// Cost: one load once it has been called. Threads: any call on any thread.
 template <class T>
 [[nodiscard]] const ZTMetaType& ztMetaType()
 {

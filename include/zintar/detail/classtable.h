@@ -78,12 +78,10 @@ struct ClassDeclaration {
     const MemberRecord* members = nullptr;
     std::size_t memberCount = 0;
     const InfoText* infos = nullptr;
-    /// The super class, of which at least the counts are final; null for the root.
-    const ZTMetaClass& (*linkedSuperClass)() = nullptr;
-    /// The super class with everything in place; null for the root.
+    /// Gives the super class, complete; null for the root.
     const ZTMetaClass& (*superClass)() = nullptr;
     /// Registers the types of pointers to the class and gives the one without `const`.
-    const ZTMetaType& (*registerPointers)(const ZTMetaClass* metaClass) = nullptr;
+    const ZTMetaType& (*registerPointers)() = nullptr;
     /// What the table's callbacks are: they ask the class, since a host may have a copy of its
     /// table in a descriptor of its own.
     int (*positionByFunction)(const ZTMetaClass* self, void* function) = nullptr;
@@ -91,27 +89,22 @@ struct ClassDeclaration {
                                const std::type_index& signature) = nullptr;
 };
 
-/// The table of a declared class and its descriptor. It becomes complete in two steps, because
-/// classes name each other in the types of their members, in any order and in circles:
+/// The table of a declared class and its descriptor, complete when it is made.
 ///
-/// 1. `link` needs the super class's counts alone and registers the pointer types of the class.
-/// 2. `complete` fills in the types of the members, which may complete other classes on the way;
-///    one that comes back here finds a class that is linked.
+/// Classes name each other in the types of their members, in any order and in circles. That makes
+/// no circle here: a pointer type asks for its class when somebody wants to know it. A table needs
+/// its super classes alone, so threads that make tables never wait for each other in a circle.
+///
+/// Never destroyed: a static object of the host may use its class to its last breath.
 class ZT_EXPORT ClassTable : private ZTStaticMetaClassData
 {
 public:
     explicit ClassTable(const ClassDeclaration& declaration);
     ClassTable(const ClassTable&) = delete;
     ClassTable& operator=(const ClassTable&) = delete;
-    ~ClassTable();
+    ~ClassTable() = delete;
 
-    const ZTMetaClass& link();
-    const ZTMetaClass& complete()
-    {
-        if (!m_typed)
-            fillTypes();
-        return *m_descriptor;
-    }
+    [[nodiscard]] const ZTMetaClass& metaClass() const { return *m_descriptor; }
 
     /// Among the own invokables, of the last one that fits; -1 when there is none.
     [[nodiscard]] int positionOf(void* function) const;
@@ -119,15 +112,14 @@ public:
                                  const std::type_index& signature) const;
 
 private:
-    void fillTypes();
     void addMembers();
+    void joinSuperClass();
+    void fillTypes();
     void indexProperties();
     void indexInvokables();
     void linkChangeEvents();
 
     ClassDeclaration m_declaration;
-    bool m_linked = false;
-    bool m_typed = false;
 
     std::vector<ZTStaticMetaClassInfoData> m_classInfos;
     std::vector<ZTStaticMetaEnumData> m_enums;

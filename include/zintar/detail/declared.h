@@ -112,25 +112,16 @@ struct DeclaredHere {
 };
 
 template <class C>
-const ZTMetaClass& linkedClass()
-{
-    if constexpr (isDeclared<C>())
-        return ClassAccess::table<C>().link();
-    else
-        return C::typeMetaClass();
-}
-
-template <class C>
 const ZTMetaClass& completeClass()
 {
     return C::typeMetaClass();
 }
 
 template <class C>
-const ZTMetaType& registerPointers(const ZTMetaClass* metaClass)
+const ZTMetaType& registerPointers()
 {
-    const ZTMetaType& type = registerType<C*>(metaClass);
-    registerType<const C*>(metaClass);
+    const ZTMetaType& type = registerType<C*>();
+    registerType<const C*>();
     return type;
 }
 
@@ -169,7 +160,6 @@ ClassDeclaration classDeclaration()
         static_assert(std::is_base_of_v<Super, C>,
                       "ZT_OBJECT names a class as super class that the class does not derive "
                       "from.");
-        declaration.linkedSuperClass = &linkedClass<Super>;
         declaration.superClass = &completeClass<Super>;
     }
     declaration.registerPointers = &registerPointers<C>;
@@ -182,7 +172,7 @@ ClassDeclaration classDeclaration()
 template <class C>
 ClassTable& declaredTable()
 {
-    static ClassTable table(classDeclaration<C>());
+    static ClassTable& table = *new ClassTable(classDeclaration<C>());
     return table;
 }
 
@@ -193,7 +183,7 @@ const ZTMetaClass& declaredClass()
     static std::atomic<const ZTMetaClass*> complete = nullptr;
     const ZTMetaClass* known = complete.load(std::memory_order_acquire);
     if (!known) [[unlikely]] {
-        known = &ClassAccess::table<C>().complete();
+        known = &ClassAccess::table<C>().metaClass();
         complete.store(known, std::memory_order_release);
     }
     return *known;

@@ -228,9 +228,10 @@ struct TypeFunctions {
     }
 };
 
-/// The class that a pointer type points to, for a pointer to an object class; otherwise null.
+/// What finds the class that a pointer type points to, for a pointer to an object class; otherwise
+/// null. The class is not asked for here: classes name each other in the types of their members.
 template <class T>
-const ZTMetaClass* classOfPointer()
+constexpr ClassFunction findClassOfPointer()
 {
     if constexpr (std::is_pointer_v<T>) {
         using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
@@ -240,7 +241,7 @@ const ZTMetaClass* classOfPointer()
                           "used as a value: include its header, so that the library can see "
                           "whether it is an object class.");
             if constexpr (std::is_base_of_v<ZTBase, Pointee>)
-                return &Pointee::typeMetaClass();
+                return []() -> const ZTMetaClass* { return &Pointee::typeMetaClass(); };
         }
     }
     return nullptr;
