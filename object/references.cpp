@@ -3,7 +3,19 @@
 #include <zintar/log.h>
 #include <zintar/reference.h>
 
+#include <string>
 #include <utility>
+
+namespace
+{
+/// What is told at the end of an object, where no memory may be needed: so it is made before.
+const std::string& heldAtEnd()
+{
+    static const auto& text = *new std::string(
+        "Zintar Error: ZTBase object destroyed while being controlled by ZTStrongRef.");
+    return text;
+}
+} // namespace
 
 namespace zt::detail
 {
@@ -12,19 +24,22 @@ ZTRefImpl* ZTRefImpl::get(const ZTBase* object)
     ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (!record)
         return nullptr;
-    if (record->refImpl)
-        ++record->refImpl->refCount;
-    else
-        record->refImpl = new ZTRefImpl(record);
-    return record->refImpl;
+    ZTRefImpl*& block = record->refImpl;
+    if (!block)
+        block = new ZTRefImpl(record->object);
+    else if (block->refCount++ == 0) // the earlier ones have gone, or are just going
+        ++block->holders;
+    return block;
 }
 
-ZTRefImpl::ZTRefImpl(ZTBasePrivate* of) noexcept : refCount(1), object(of->object), record(of) {}
+ZTRefImpl::ZTRefImpl(const ZTBase* of) noexcept : refCount(1), holders(2), object(of) {}
 
-ZTRefImpl::~ZTRefImpl()
+ZTRefImpl::~ZTRefImpl() = default;
+
+void ZTRefImpl::letGo() noexcept
 {
-    if (object)
-        record->refImpl = nullptr;
+    if (--holders == 0)
+        delete this;
 }
 
 ZTStrongRefImpl* ZTStrongRefImpl::get(const ZTBase* object)
@@ -32,10 +47,12 @@ ZTStrongRefImpl* ZTStrongRefImpl::get(const ZTBase* object)
     ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (!record)
         return nullptr;
-    if (record->strongRefImpl)
+    if (record->strongRefImpl) {
         ++record->strongRefImpl->refCount;
-    else
+    } else {
+        (void)heldAtEnd();
         record->strongRefImpl = new ZTStrongRefImpl(record);
+    }
     return record->strongRefImpl;
 }
 
@@ -45,20 +62,23 @@ ZTStrongRefImpl::ZTStrongRefImpl(ZTBasePrivate* of) noexcept
 
 ZTStrongRefImpl::~ZTStrongRefImpl()
 {
-    if (!object)
+    const ZTBase* held = object.load(std::memory_order_acquire);
+    if (!held)
         return;
     // First, so that the object's end finds no block and has nothing to complain about.
     record->strongRefImpl = nullptr;
     // A reference that was taken while the object dies is not the one that ends it.
     if (record->stage == ZTLifeStage::Alive)
-        delete object;
+        delete held;
 }
 } // namespace zt::detail
 
 void ZTBasePrivate::clearWeakReferences()
 {
-    if (auto* block = std::exchange(refImpl, nullptr))
+    if (auto* block = std::exchange(refImpl, nullptr)) {
         block->object = nullptr;
+        block->letGo();
+    }
 }
 
 bool ZTBasePrivate::clearStrongReferences()
@@ -69,11 +89,7 @@ bool ZTBasePrivate::clearStrongReferences()
     return block != nullptr;
 }
 
-void ZTBasePrivate::warnOfHeldObject()
-{
-    ztLog("Zintar Error: ZTBase object destroyed while being controlled by ZTStrongRef.",
-          ZTLogType::Error);
-}
+void ZTBasePrivate::warnOfHeldObject() { ztLog(heldAtEnd(), ZTLogType::Error); }
 
 void ZTBasePrivate::pointReferencesTo(ZTBase* newObject)
 {

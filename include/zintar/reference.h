@@ -16,14 +16,16 @@
 ///
 /// Both follow an object that is moved, and read null once it has died by any means. Unlike
 /// `weak_ptr` a `ZTRef` can be made from a plain pointer at any time, needs no lock to be read, and
-/// still yields the object while `destroyed` is being delivered. An object that nobody refers to
-/// pays two null pointers.
+/// still yields the object while `destroyed` is being delivered. An object that nobody ever
+/// referred to pays two null pointers.
 ///
 /// Do not hold a child by strong references: its parent deletes it all the same, which is told in
 /// the log.
 ///
-/// Threads: references may be copied and dropped on several threads; making one from a pointer and
-/// reading the object belong to the thread of the object.
+/// Threads: references may be copied, tested and dropped on any thread, also while the object dies,
+/// is moved, or gets further references on its own thread. Only the last strong reference must go
+/// where the object may be deleted. Making a reference from a pointer and using the object belong
+/// to the thread of the object: elsewhere a test that says yes is old when it arrives.
 
 namespace zt::detail
 {
@@ -34,16 +36,19 @@ private:
     friend class Reference;
     friend struct ::ZTBasePrivate;
 
-    explicit ZTRefImpl(ZTBasePrivate* of) noexcept;
+    explicit ZTRefImpl(const ZTBase* of) noexcept;
     ~ZTRefImpl();
     /// The block of the object with one more reference on it; null for null.
     static ZTRefImpl* get(const ZTBase* object);
+    /// Called by whoever takes `refCount` down to 0. Touches nothing of the object.
+    void endReferences() noexcept { letGo(); }
+    /// Ends the block with the last of its holders.
+    void letGo() noexcept;
 
     std::atomic<int> refCount;
-    const ZTBase* object; ///< null once the object has died
-    /// Good while `object` is set. An object that is assigned to has another one already while this
-    /// one ends.
-    ZTBasePrivate* record;
+    /// The record of the object is one, and all references together are another.
+    std::atomic<int> holders;
+    std::atomic<const ZTBase*> object; ///< null once the object has died
 };
 
 /// The control block of the strong references to one object. Its end is the object's end.
@@ -56,9 +61,10 @@ private:
     explicit ZTStrongRefImpl(ZTBasePrivate* of) noexcept;
     ~ZTStrongRefImpl();
     static ZTStrongRefImpl* get(const ZTBase* object);
+    void endReferences() noexcept { delete this; }
 
     std::atomic<int> refCount;
-    const ZTBase* object; ///< null once the object has died by other means
+    std::atomic<const ZTBase*> object; ///< null once the object has died by other means
     /// Good while `object` is set. An object that is assigned to has another one already while this
     /// one ends.
     ZTBasePrivate* record;
@@ -86,12 +92,14 @@ public:
     {
         Impl* impl = std::exchange(m_impl, nullptr);
         if (impl && --impl->refCount == 0)
-            delete impl;
+            impl->endReferences();
     }
 
     [[nodiscard]] ZTBase* object() const noexcept
     {
-        return m_impl ? const_cast<ZTBase*>(m_impl->object) : nullptr;
+        if (!m_impl)
+            return nullptr;
+        return const_cast<ZTBase*>(m_impl->object.load(std::memory_order_acquire));
     }
 
 private:
