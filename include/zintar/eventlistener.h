@@ -21,8 +21,7 @@ struct ZTEventListenerPrivate;
 ///
 /// The records outlive the sender. Recording ends with the listener. Not copyable: a record is one
 /// listener's; copy what `at` gives.
-/// Threads: belongs to the thread of the sender. The first listener of a process builds the
-/// library's class for it, and may not run beside another.
+/// Threads: belongs to the thread of the sender.
 class ZT_EXPORT ZTEventListener
 {
 public:

@@ -82,11 +82,12 @@ private:
     bool m_ended = false;
 };
 
-/// What a handler gets where the sender gave no fitting value.
+/// What a handler gets where the sender gave no fitting value. Never destroyed: handlers may run
+/// when the process ends.
 template <class T>
 const T& defaultValue()
 {
-    static const T value{};
+    static const T& value = *::new T{};
     return value;
 }
 
