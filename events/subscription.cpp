@@ -80,6 +80,9 @@ ZTSubscription::operator bool() const noexcept { return activeRecord(m_record) !
 
 bool ZTSubscription::operator==(const ZTSubscription& other) const noexcept
 {
+    // First: the subscription may end on its own thread between the two questions below.
+    if (!m_record.owner_before(other.m_record) && !other.m_record.owner_before(m_record))
+        return true;
     auto a = activeRecord(m_record);
     auto b = activeRecord(other.m_record);
     if (a == b)

@@ -269,4 +269,62 @@ TEST(StrongReferences, EndTheObjectOnceWhereverTheLastGoes)
         EXPECT_EQ(alive, 0);
     }
 }
+
+/// In a capture: tells how often and on which thread it ends.
+class Witness
+{
+public:
+    Witness(std::atomic<int>& ends, std::atomic<std::thread::id>& endedOn)
+        : m_ends(&ends), m_endedOn(&endedOn)
+    {}
+    Witness(Witness&& other) noexcept
+        : m_ends(std::exchange(other.m_ends, nullptr)), m_endedOn(other.m_endedOn)
+    {}
+    ~Witness()
+    {
+        if (!m_ends)
+            return;
+        ++*m_ends;
+        *m_endedOn = std::this_thread::get_id();
+    }
+
+private:
+    std::atomic<int>* m_ends;
+    std::atomic<std::thread::id>* m_endedOn;
+};
+
+TEST(Subscriptions, AreLookedAtElsewhereWhileTheyEnd)
+{
+    std::atomic<int> ends = 0;
+    std::atomic<std::thread::id> endedOn, owner;
+    for (int i = 0; i < rounds; ++i) {
+        auto* sender = new Node;
+        auto* receiver = new Node;
+        const auto subscribe = [&] {
+            return ZTBase::subscribe(sender, &ZTBase::childAdded, receiver,
+                                     [witness = Witness(ends, endedOn)](ZTBase*) {});
+        };
+        const ZTSubscription first = subscribe(), second = subscribe();
+        const auto look = [&] {
+            const ZTSubscription ended;
+            while (first || second) {
+                ZTSubscription copy = first;
+                EXPECT_TRUE(copy == first);
+                copy = second;
+                (void)(copy == first);
+            }
+            EXPECT_TRUE(first == second && first == ended);
+        };
+        together({look, look, [&] {
+                      owner = std::this_thread::get_id();
+                      if (i % 3 == 0)
+                          ZTBase::unsubscribe(first);
+                      delete (i % 3 == 1 ? sender : receiver);
+                      delete (i % 3 == 1 ? receiver : sender);
+                      EXPECT_EQ(ends, 2 * (i + 1));
+                      EXPECT_EQ(endedOn.load(), owner.load());
+                  }});
+    }
+    EXPECT_EQ(ends, 2 * rounds);
+}
 } // namespace
