@@ -31,8 +31,7 @@ void ZTDataStreamPrivate::write(const char* source, std::size_t count)
 {
     if (pastEnd || count == 0)
         return;
-    if (!hasRoom(count))
-        grow(std::max({writePosition + count, 2 * capacity, std::size_t(64)}));
+    reserve(count);
     std::copy_n(source, count, extend(count));
 }
 
@@ -159,6 +158,8 @@ unsigned int writtenCount(std::string_view text) { return static_cast<unsigned i
 
 [[gnu::noinline]] ZTDataStream& writeTheLongWay(ZTDataStream& stream, std::string_view text)
 {
+    if (auto* plain = ZTDataStreamPrivate::ofPlain(stream))
+        plain->reserve(sizeof(std::uint64_t) + writtenCount(text));
     writeValue<std::uint64_t>(stream, text.size());
     stream.write(text.data(), writtenCount(text));
     return stream;
@@ -167,20 +168,21 @@ unsigned int writtenCount(std::string_view text) { return static_cast<unsigned i
 [[gnu::noinline]] ZTDataStream& readTheLongWay(ZTDataStream& stream, std::string& text)
 {
     std::uint64_t length = 0;
+    std::string whole;
     readValue(stream, length);
-    text.clear();
     // Piece by piece: the length is not to be trusted before its bytes have been seen, and only a
     // read can tell how many there still are.
     constexpr std::uint64_t piece = 4096;
     while (stream.good() && length > 0) {
         auto size = static_cast<unsigned int>(std::min(length, piece));
-        std::size_t before = text.size();
-        text.resize(before + size);
-        stream.read(text.data() + before, size);
+        std::size_t before = whole.size();
+        whole.resize(before + size);
+        stream.read(whole.data() + before, size);
         length -= size;
     }
     if (!stream.good())
-        text.clear();
+        whole.clear();
+    text = std::move(whole);
     return stream;
 }
 } // namespace
@@ -254,9 +256,12 @@ ZTDataStream& operator<<(ZTDataStream& stream, std::string_view text)
 ZTDataStream& operator>>(ZTDataStream& stream, std::string& text)
 {
     auto* plain = ZTDataStreamPrivate::ofPlain(stream);
-    auto whole = plain ? plain->takeText() : std::nullopt;
-    if (!whole) [[unlikely]]
-        return readTheLongWay(stream, text);
+    const auto whole = plain ? plain->nextText() : std::nullopt;
+    if (!whole) [[unlikely]] {
+        zt::detail::readWhole(stream, [&] { readTheLongWay(stream, text); });
+        return stream;
+    }
     text.assign(*whole);
+    plain->takeText(*whole);
     return stream;
 }

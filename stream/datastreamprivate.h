@@ -27,6 +27,8 @@ struct ZTDataStreamPrivate {
     {
         return &typeid(stream) == &typeid(ZTDataStream) ? stream.priv : nullptr;
     }
+    /// The record of any stream.
+    static ZTDataStreamPrivate& of(const ZTDataStream& stream) { return *stream.priv; }
 
     [[nodiscard]] bool hasRoom(std::size_t count) const
     {
@@ -44,6 +46,12 @@ struct ZTDataStreamPrivate {
     {
         return !pastEnd && count <= size - readPosition;
     }
+    /// Makes room in a stream that is good.
+    void reserve(std::size_t count)
+    {
+        if (!pastEnd && !hasRoom(count))
+            grow(std::max({writePosition + count, 2 * capacity, std::size_t(64)}));
+    }
     /// What is taken is there.
     const char* take(std::size_t count)
     {
@@ -51,20 +59,21 @@ struct ZTDataStreamPrivate {
         readPosition += count;
         return position;
     }
-    /// The text that comes next, good until something is written; nothing is taken where a part
-    /// of it is missing.
-    std::optional<std::string_view> takeText()
+    using Length = zt::detail::BytesOf<std::uint64_t>;
+    /// The text that comes next, good until something is written; nothing where a part of it is
+    /// missing.
+    [[nodiscard]] std::optional<std::string_view> nextText() const
     {
-        zt::detail::BytesOf<std::uint64_t> length;
+        Length length;
         if (!has(length.size()))
             return std::nullopt;
         std::copy_n(bytes + readPosition, length.size(), length.data());
         const auto count = zt::detail::fromBytes<std::uint64_t>(length);
         if (count > size - readPosition - length.size())
             return std::nullopt;
-        take(length.size());
-        return std::string_view(take(count), count);
+        return std::string_view(bytes + readPosition + length.size(), count);
     }
+    void takeText(std::string_view text) { take(sizeof(Length) + text.size()); }
 
     void assign(std::string_view text);
     void takeOver(std::string&& text);
@@ -90,3 +99,52 @@ struct ZTDataStreamPrivate {
     /// What a host gave away; empty once it had to grow.
     std::string taken;
 };
+
+namespace zt::detail
+{
+// What has several parts is written and read as a whole: when memory fails at one of them, or host
+// code throws, the stream is as it was. Only the medium of a derived class keeps what was done.
+
+/// For what is written over other bytes, which would be lost.
+template <class Write>
+[[gnu::noinline]] void writeApart(ZTDataStreamPrivate& record, Write write)
+{
+    ZTDataStream apart;
+    write(apart);
+    const ZTDataStreamPrivate& written = ZTDataStreamPrivate::of(apart);
+    record.write(written.bytes, written.size);
+}
+
+template <class Write>
+void writeWhole(ZTDataStream& stream, Write write)
+{
+    ZTDataStreamPrivate& record = ZTDataStreamPrivate::of(stream);
+    const std::size_t before = record.writePosition;
+    if (before != record.size && ZTDataStreamPrivate::ofPlain(stream)) [[unlikely]]
+        return writeApart(record, write);
+    try {
+        write(stream);
+    } catch (...) {
+        if (ZTDataStreamPrivate::ofPlain(stream))
+            record.writePosition = record.size = std::min(before, record.size);
+        throw;
+    }
+}
+
+template <class Read>
+void readWhole(ZTDataStream& stream, Read read)
+{
+    ZTDataStreamPrivate& record = ZTDataStreamPrivate::of(stream);
+    const std::size_t before = record.readPosition;
+    const bool wasPastEnd = record.pastEnd;
+    try {
+        read();
+    } catch (...) {
+        if (ZTDataStreamPrivate::ofPlain(stream)) {
+            record.readPosition = std::min(before, record.size);
+            record.pastEnd = wasPastEnd;
+        }
+        throw;
+    }
+}
+} // namespace zt::detail

@@ -28,9 +28,13 @@ const ZTMetaType& typeOnStream(std::string_view name)
 /// Of a stream whose medium is another one, or that does not hold all of the name.
 [[gnu::noinline]] const ZTMetaType& readTypeTheLongWay(ZTDataStream& stream)
 {
-    std::string name;
-    stream >> name;
-    return typeOnStream(name);
+    const ZTMetaType* type = nullptr;
+    zt::detail::readWhole(stream, [&] {
+        std::string name;
+        stream >> name;
+        type = &typeOnStream(name);
+    });
+    return *type;
 }
 
 [[gnu::noinline]] void warnOfValue(std::string_view operation, const std::string& typeName)
@@ -59,50 +63,59 @@ private:
 ZTDataStream& operator>>(ZTDataStream& stream, const ZTMetaType*& type)
 {
     auto* plain = ZTDataStreamPrivate::ofPlain(stream);
-    const auto name = plain ? plain->takeText() : std::nullopt;
+    const auto name = plain ? plain->nextText() : std::nullopt;
     if (!name) [[unlikely]] {
         type = &readTypeTheLongWay(stream);
         return stream;
     }
     if (plain->lastType && *name == ZTMetaTypePrivate::of(*plain->lastType).name) {
         type = plain->lastType;
-        return stream;
+    } else {
+        type = &typeOnStream(*name);
+        // Only a name that leads to its own type is remembered: a type that was found by an alias
+        // may share its first name with another one, who owns it.
+        if (*name == ZTMetaTypePrivate::of(*type).name)
+            plain->lastType = type;
     }
-    type = &typeOnStream(*name);
-    // Only a name that leads to its own type is remembered: a type that was found by an alias may
-    // share its first name with another one, who owns it.
-    if (*name == ZTMetaTypePrivate::of(*type).name)
-        plain->lastType = type;
+    plain->takeText(*name);
     return stream;
 }
 
 ZTDataStream& operator<<(ZTDataStream& stream, const ZTVariant& variant)
 {
     const ZTMetaTypePrivate& type = ZTMetaTypePrivate::of(variant.type());
-    stream << std::string_view(type.name);
-    if (type.serialize)
-        type.serialize(stream, variant.data());
-    else if (variant.isValid())
-        warnOfValue("serialization", type.name);
+    zt::detail::writeWhole(stream, [&](ZTDataStream& target) {
+        target << std::string_view(type.name);
+        if (type.serialize)
+            type.serialize(target, variant.data());
+        else if (variant.isValid())
+            warnOfValue("serialization", type.name);
+    });
     return stream;
 }
 
-ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant)
+namespace
+{
+ZTVariant readVariant(ZTDataStream& stream)
 {
     const ZTMetaType* type = nullptr;
     stream >> type;
-    if (!*type) {
-        variant.reset();
-        return stream;
-    }
+    if (!*type)
+        return {};
     NestingDepth nesting;
-    variant = ZTVariant(*type, nullptr);
     const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(*type);
     if (NestingDepth::isTooDeep() || !record.deserialize) {
-        variant.reset();
         warnOfValue("deserialization", record.name);
-        return stream;
+        return {};
     }
+    ZTVariant variant(*type, nullptr);
     record.deserialize(stream, variant.data());
+    return variant;
+}
+} // namespace
+
+ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant)
+{
+    zt::detail::readWhole(stream, [&] { variant = readVariant(stream); });
     return stream;
 }

@@ -98,7 +98,7 @@ bool ZTVariant::canConvert(const ZTMetaType& target) const
 
 std::ostream& operator<<(std::ostream& stream, const ZTVariant& variant)
 {
-    stream << "ZTVariant(" << variant.type().name() << ", ";
+    stream << "ZTVariant(" << ZTMetaTypePrivate::of(variant.type()).name << ", ";
     bool printed = !variant.isValid() || variant.type().print(stream, variant.data());
     stream << ")";
     if (!printed)
