@@ -13,6 +13,7 @@
 //
 // Only own members are written. The invokables stand before the properties, which refer to them.
 
+#include "../stream/datastreamprivate.h"
 #include "metaclassbuilderprivate.h"
 
 #include <zintar/base.h>
@@ -64,9 +65,8 @@ void write(ZTDataStream& stream, const ZTMetaProperty& property, unsigned int in
     for (unsigned int i = 0; i < property.propInfoCount(); ++i)
         stream << property.propInfoKey(i) << property.propInfoValue(i);
 }
-} // namespace
 
-ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
+void write(ZTDataStream& stream, const ZTMetaClass& metaClass)
 {
     const ZTMetaClass* super = metaClass.superClass();
     stream << metaClass.typeName() << (super ? super->typeName() : std::string_view("ZTNone"));
@@ -83,6 +83,12 @@ ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
     stream << metaClass.propertyCount() - metaClass.propertyOffset();
     for (unsigned int i = metaClass.propertyOffset(); i < metaClass.propertyCount(); ++i)
         write(stream, *metaClass.property(i), metaClass.invokableOffset());
+}
+} // namespace
+
+ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
+{
+    zt::detail::writeWhole(stream, [&](ZTDataStream& target) { write(target, metaClass); });
     return stream;
 }
 
@@ -206,14 +212,53 @@ private:
     ZTDataStream& m_stream;
     ZTDynamicMetaClass& m_class;
 };
+
+/// Takes out of a class again what was read into it, if reading could not go on for lack of memory.
+class Addition
+{
+public:
+    explicit Addition(ZTDynamicMetaClass& metaClass)
+        : m_class(&metaClass),
+          m_superClass(metaClass.m_superClass),
+          m_typeName(metaClass.m_typeName),
+          m_infos(metaClass.m_classInfos.size()),
+          m_enums(metaClass.m_enums.size()),
+          m_invokables(metaClass.m_invokables.size()),
+          m_properties(metaClass.m_properties.size())
+    {}
+    Addition(const Addition&) = delete;
+    Addition& operator=(const Addition&) = delete;
+    ~Addition()
+    {
+        if (!m_class)
+            return;
+        m_class->m_properties.resize(m_properties);
+        m_class->m_invokables.resize(m_invokables);
+        m_class->m_enums.resize(m_enums);
+        m_class->m_classInfos.resize(m_infos);
+        m_class->m_typeName.swap(m_typeName);
+        m_class->setSuperClass(m_superClass);
+    }
+    void keep() { m_class = nullptr; }
+
+private:
+    ZTDynamicMetaClass* m_class;
+    const ZTMetaClass* m_superClass;
+    std::string m_typeName;
+    std::size_t m_infos, m_enums, m_invokables, m_properties;
+};
 } // namespace
 
 void ZTMetaClassBuilder::deserialize(ZTDataStream& stream, const Classes& metaClasses)
 {
-    std::string name;
-    stream >> name;
-    setTypeName(name);
-    stream >> name;
-    setSuperClass(findSuperClass(name, metaClasses));
-    ClassReader(stream, *priv->metaClass).readMembers();
+    zt::detail::readWhole(stream, [&] {
+        Addition added(*priv->metaClass);
+        std::string name;
+        stream >> name;
+        setTypeName(name);
+        stream >> name;
+        setSuperClass(findSuperClass(name, metaClasses));
+        ClassReader(stream, *priv->metaClass).readMembers();
+        added.keep();
+    });
 }

@@ -86,19 +86,20 @@ zt::detail::InvokableFunction ZTMetaInvokableBuilder::function() const
     return priv->descriptor->m_function;
 }
 
-void ZTMetaInvokableBuilder::setUntypedFunction(const zt::detail::InvokableFunction& function,
-                                                void* key)
+void ZTMetaInvokableBuilder::setUntypedFunction(zt::detail::InvokableFunction function, void* key)
 {
-    priv->descriptor->m_function = function;
     priv->descriptor->m_functionKey = key;
     priv->descriptor->m_raisesItself = false;
+    priv->descriptor->m_function.swap(function); // the old one, of the host, ends last
 }
 
 void ZTMetaInvokableBuilder::setEvent(const std::vector<const ZTMetaType*>& parameterTypes)
 {
+    setParameterMetaTypes(parameterTypes); // first, since it alone can fail
     setIsEvent(true);
     setReturnMetaType(ztMetaType<void>());
-    setParameterMetaTypes(parameterTypes);
-    setUntypedFunction({}, nullptr);
+    zt::detail::InvokableFunction none;
+    priv->descriptor->m_functionKey = nullptr;
     priv->descriptor->m_raisesItself = true;
+    priv->descriptor->m_function.swap(none);
 }

@@ -64,13 +64,27 @@ int countOf(const List& list)
 {
     return static_cast<int>(list.size());
 }
+
+/// The handle on the member that was appended; where none can be made, the member goes again.
+template <class List, class MakeHandle>
+auto handleOnLast(List& list, MakeHandle makeHandle)
+{
+    try {
+        return makeHandle(list.back());
+    } catch (...) { // of memory, or of the copy of a callable
+        list.pop_back();
+        throw;
+    }
+}
 } // namespace
 
 ZTMetaClassInfoBuilder ZTMetaClassBuilder::addClassInfo(const ZTMetaClassInfo* prototype)
 {
     auto& list = priv->metaClass->m_classInfos;
     list.push_back(std::make_shared<ZTDynamicMetaClassInfo>());
-    return {list.back(), prototype};
+    return handleOnLast(list, [=](auto& info) -> ZTMetaClassInfoBuilder {
+        return {info, prototype};
+    });
 }
 
 ZTMetaClassInfoBuilder ZTMetaClassBuilder::classInfo(unsigned int index)
@@ -92,7 +106,7 @@ ZTMetaEnumBuilder ZTMetaClassBuilder::addEnum(const ZTMetaEnum* prototype)
 {
     auto& list = priv->metaClass->m_enums;
     list.push_back(std::make_shared<ZTDynamicMetaEnum>());
-    return {list.back(), prototype};
+    return handleOnLast(list, [=](auto& one) -> ZTMetaEnumBuilder { return {one, prototype}; });
 }
 
 ZTMetaEnumBuilder ZTMetaClassBuilder::metaEnum(unsigned int index)
@@ -114,12 +128,9 @@ ZTMetaInvokableBuilder ZTMetaClassBuilder::addInvokable(const ZTMetaInvokable* p
 {
     auto& list = priv->metaClass->m_invokables;
     priv->metaClass->addInvokable();
-    try {
-        return {this, list.back(), prototype};
-    } catch (...) { // of the copy of a callable
-        list.pop_back();
-        throw;
-    }
+    return handleOnLast(list, [=, this](auto& invokable) -> ZTMetaInvokableBuilder {
+        return {this, invokable, prototype};
+    });
 }
 
 ZTMetaInvokableBuilder ZTMetaClassBuilder::invokable(unsigned int index)
@@ -144,12 +155,9 @@ ZTMetaPropertyBuilder ZTMetaClassBuilder::addProperty(const ZTMetaProperty* prot
 {
     auto& list = priv->metaClass->m_properties;
     list.push_back(std::make_shared<ZTDynamicMetaProperty>());
-    try {
-        return {this, list.back(), prototype};
-    } catch (...) { // of the copy of a callable
-        list.pop_back();
-        throw;
-    }
+    return handleOnLast(list, [=, this](auto& property) -> ZTMetaPropertyBuilder {
+        return {this, property, prototype};
+    });
 }
 
 ZTMetaPropertyBuilder ZTMetaClassBuilder::property(unsigned int index)

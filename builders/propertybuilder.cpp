@@ -102,13 +102,13 @@ void clearFlag(unsigned char& flags, unsigned char flag)
 void ZTMetaPropertyBuilder::setUntypedGetter(zt::detail::GetterFunction getter)
 {
     clearFlag(priv->descriptor->m_accessFlags, ZTDynamicMetaProperty::storedGetter);
-    priv->descriptor->m_getter = std::move(getter);
+    priv->descriptor->m_getter.swap(getter); // the old one, of the host, ends last
 }
 
 void ZTMetaPropertyBuilder::setUntypedSetter(zt::detail::SetterFunction setter)
 {
     clearFlag(priv->descriptor->m_accessFlags, ZTDynamicMetaProperty::storedSetter);
-    priv->descriptor->m_setter = std::move(setter);
+    priv->descriptor->m_setter.swap(setter);
 }
 
 unsigned int ZTMetaPropertyBuilder::propInfoCount() const

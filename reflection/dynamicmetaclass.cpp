@@ -42,8 +42,13 @@ bool ZTDynamicMetaEnum::add(std::string name, int value)
 {
     if (contains(m_enumerators, name) || contains(m_values, value))
         return false;
-    m_enumerators.push_back(std::move(name));
     m_values.push_back(value);
+    try {
+        m_enumerators.push_back(std::move(name));
+    } catch (...) {
+        m_values.pop_back();
+        throw;
+    }
     return true;
 }
 

@@ -140,10 +140,13 @@ public:
                           "A method has at most ZTMetaInvokable::MaxParamCount parameters.");
             static_assert(Traits::Params::plain,
                           "The parameters of a method are values or references to const.");
-            setIsConst(Traits::isConst);
-            setReturnMetaType(zt::detail::resultType<typename Traits::Result>());
+            // What can fail comes first.
+            auto function = zt::detail::wrapMethod(std::move(callable));
+            const ZTMetaType& result = zt::detail::resultType<typename Traits::Result>();
             setParameterMetaTypes(zt::detail::typesOf(typename Traits::Params{}));
-            setUntypedFunction(zt::detail::wrapMethod(std::move(callable)), key);
+            setReturnMetaType(result);
+            setIsConst(Traits::isConst);
+            setUntypedFunction(std::move(function), key);
         }
     }
 
@@ -167,7 +170,7 @@ private:
                            std::shared_ptr<ZTDynamicMetaInvokable> descriptor,
                            const ZTMetaInvokable* prototype);
 
-    void setUntypedFunction(const zt::detail::InvokableFunction& function, void* key);
+    void setUntypedFunction(zt::detail::InvokableFunction function, void* key);
 
     std::unique_ptr<ZTMetaInvokableBuilderPrivate> priv;
 };
@@ -206,8 +209,9 @@ public:
         } else {
             using Result = typename zt::detail::ObjectCallable<Callable>::Result;
             using Type = std::conditional_t<std::is_void_v<Value>, Result, Value>;
+            auto getter = zt::detail::wrapGetter<Type>(std::move(callable));
             setMetaType(zt::detail::resultType<Type>());
-            setUntypedGetter(zt::detail::wrapGetter<Type>(std::move(callable)));
+            setUntypedGetter(std::move(getter));
         }
     }
     /// Sets what writing runs; an empty function removes the setter. A callable
@@ -221,8 +225,9 @@ public:
         } else {
             using Params = typename zt::detail::ObjectCallable<Callable>::Params;
             static_assert(Params::count == 1, "A setter takes the object and one value.");
+            auto setter = zt::detail::wrapSetter(std::move(callable), Params{});
             setMetaType(Params::types[0]());
-            setUntypedSetter(zt::detail::wrapSetter(std::move(callable), Params{}));
+            setUntypedSetter(std::move(setter));
         }
     }
 
