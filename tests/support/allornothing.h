@@ -1,0 +1,183 @@
+#pragma once
+
+#include "failingmemory.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <exception>
+#include <initializer_list>
+#include <iostream>
+#include <string>
+
+/// @file
+/// Runs operations with each of their allocations failing. Such an operation has completed, or all
+/// is as it was and it succeeds when it is tried again.
+
+namespace support
+{
+// Too long to be held without an allocation.
+inline const std::string longText = "a text that is too long for any string to hold in place";
+inline const std::string otherText = "the other text that is too long for any string";
+
+/// A `State` is made anew for each try, and tells all about itself by `describe()`.
+template <class State>
+struct Operation {
+    const char* name;
+    void (*run)(State& state);
+};
+
+/// An operation on `s`, a `State`, which goes by its text.
+#define DO(...)                                                                                    \
+    ::support::Operation<State>                                                                    \
+    {                                                                                              \
+#__VA_ARGS__, [](State& s) {                                       \
+                                    (void)s;                                                       \
+                                    __VA_ARGS__;                                                   \
+                                }                               \
+    }
+
+/// Nobody reads what is logged. An operation that lets no failure through is named before the end.
+class FailingMemoryTest : public testing::Test
+{
+protected:
+    FailingMemoryTest() : m_out(std::cout.rdbuf(&m_nowhere)), m_err(std::cerr.rdbuf(&m_nowhere))
+    {
+        std::set_terminate([] {
+            std::fprintf(stderr, "Terminated by a failing allocation in: %s\n", running);
+            std::abort();
+        });
+    }
+    ~FailingMemoryTest() override
+    {
+        std::cout.rdbuf(m_out);
+        std::cerr.rdbuf(m_err);
+    }
+
+    template <class State>
+    static void expectAllOrNothing(std::initializer_list<Operation<State>> operations)
+    {
+        for (const Operation<State>& operation : operations) {
+            running = operation.name;
+            const std::string after = descriptionAfter(operation);
+            for (auto how : {Memory::Failing::Once, Memory::Failing::FromThenOn}) {
+                bool hasFailed = true;
+                for (int n = 1, before = findings(); hasFailed && findings() == before; ++n)
+                    hasFailed = tryWithFailure(operation, after, n, how);
+            }
+        }
+    }
+
+    template <class State>
+    static void expectNoAllocation(std::initializer_list<Operation<State>> operations)
+    {
+        for (const Operation<State>& operation : operations) {
+            State state;
+            WithoutKeptBlocks none;
+            Memory::failAt(0, Memory::Failing::Once);
+            operation.run(state);
+            EXPECT_EQ(Memory::asked, 0) << operation.name;
+        }
+    }
+
+    /// For what cannot be undone, but can be tried as long as it has not succeeded.
+    template <class Run, class Show>
+    static void expectDone(Run run, Show show, const std::string& after)
+    {
+        const std::string before = show();
+        for (int n = 1; show() != after && !HasFailure(); ++n) {
+            bool completed = completesThough(n, Memory::Failing::Once, run);
+            EXPECT_EQ(show(), completed ? after : before) << "failing at " << n;
+        }
+    }
+
+    /// For what is done once: each try has a process of its own, in which it was not done before.
+    /// @param text  what `show` gives in the end
+    static void expectDoneOnce(void (*run)(), std::string (*show)(), const std::string& text)
+    {
+        int code = 1;
+        auto isRight = [&](int status) {
+            code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+            return code == 0 || code == 1;
+        };
+        for (int n = 1; code == 1; ++n)
+            EXPECT_EXIT(exitAfter(n, run, show, text), isRight, "") << "failing at " << n;
+    }
+
+private:
+    static int findings()
+    {
+        return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+    }
+
+    /// Runs it with the n-th allocation failing; false when that came out of it.
+    template <class Run>
+    static bool completesThough(int n, Memory::Failing how, Run run)
+    {
+        WithoutKeptBlocks none;
+        Memory::failAt(n, how);
+        bool completes = true;
+        try {
+            run();
+        } catch (const std::bad_alloc&) {
+            completes = false;
+        }
+        Memory::failNoMore();
+        return completes;
+    }
+
+    template <class State>
+    static std::string descriptionAfter(const Operation<State>& operation)
+    {
+        State state;
+        operation.run(state);
+        return state.describe();
+    }
+
+    /// @return whether there was an n-th allocation
+    template <class State>
+    static bool tryWithFailure(const Operation<State>& operation, const std::string& after, int n,
+                               Memory::Failing how)
+    {
+        SCOPED_TRACE(std::string(operation.name) + ", failing at " + std::to_string(n));
+        const long inUse = WithoutKeptBlocks().inUse();
+        const int found = findings();
+        bool hasFailed = false;
+        {
+            State state;
+            const std::string before = state.describe();
+            bool completed = completesThough(n, how, [&] { operation.run(state); });
+            hasFailed = Memory::hasFailed;
+            const std::string now = state.describe();
+            if (completed || now != before) {
+                EXPECT_EQ(now, after) << "Done by halves. It was:\n  " << before;
+            } else {
+                operation.run(state);
+                EXPECT_EQ(state.describe(), after) << "when tried again";
+            }
+        }
+        const long leaked = WithoutKeptBlocks().inUse() - inUse;
+        EXPECT_TRUE(leaked == 0 || found != findings()) << leaked << " blocks leaked.";
+        return hasFailed;
+    }
+
+    [[noreturn]] static void exitAfter(int n, void (*run)(), std::string (*show)(),
+                                       const std::string& text)
+    {
+        bool completed = completesThough(n, Memory::Failing::Once, run);
+        const bool hasFailed = Memory::hasFailed;
+        if (!completed)
+            run();
+        if (show() == text)
+            std::exit(hasFailed ? 1 : 0);
+        std::fprintf(stderr, "%s\n", show().c_str());
+        std::exit(2);
+    }
+
+    struct : std::streambuf {
+        int overflow(int letter) override { return traits_type::not_eof(letter); }
+    } m_nowhere;
+    std::streambuf *m_out, *m_err;
+    inline static const char* running = "";
+};
+} // namespace support
