@@ -254,6 +254,8 @@ TEST_F(FailingMemory, Builders)
         DO(s.builder.addProperty(Heater::typeMetaClass().property("level"))),
         DO(s.builder.addProperty(s.sample->property("level"))),
         DO(delete s.builder.toMetaClass()),
+        DO((void)s.sample->isDerivedFrom(s.sample.get())),
+        DO(ZTStaticMetaClass copy(static_cast<const ZTStaticMetaClass&>(Heater::typeMetaClass()))),
         DO(s.info.setKey(longText)),
         DO(s.info.setValue(longText)),
         DO(s.list.setName(longText)),

@@ -263,6 +263,7 @@ TEST_F(FailingMemory, Calls)
     expectAllOrNothing<State>({
         DO(s.room->spent(otherText)),
         DO(s.attic->lit(longText, 1)),
+        DO(s.room->lit(otherText, 1)),
         DO(s.room->sendEvent(s.spent->index(), ZTArgumentArray{ZTVariant(otherText)})),
         DO(s.room->sendEvent(1000, ZTArgumentArray())),
         DO(s.spent->invoke(s.room.get(), otherText)),
@@ -289,6 +290,78 @@ TEST_F(FailingMemory, Listeners)
         DO(s.listener->remove(0)),
         DO(s.listener->clear()),
         DO(s.listener.reset()),
+    });
+}
+// clang-format on
+
+struct Machine : ZTDynamicBase {
+    using ZTDynamicBase::initializeMetaClass, ZTBase::sendEvent;
+    std::string label = longText;
+};
+
+const ZTMetaClass& machineClass()
+{
+    static const std::unique_ptr<ZTMetaClass> made = [] {
+        ZTMetaClassBuilder builder;
+        builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
+        builder.addInvokable().setEvent<std::string>();
+        builder.addInvokable().setFunction(
+            [](Machine& self, std::string text) { return text += self.label; });
+        auto label = builder.addProperty();
+        label.setName("label");
+        label.setGetter([](const Machine& self) { return self.label; });
+        label.setSetter([](Machine& self, const std::string& value) { self.label = value; });
+        return std::unique_ptr<ZTMetaClass>(builder.toMetaClass());
+    }();
+    return *made;
+}
+
+/// A machine with a class made at run time, and one that has not got it yet.
+struct Workshop {
+    ZTBase watcher;
+    Machine ready, empty;
+    const ZTMetaInvokable* event = machineClass().invokable(machineClass().invokableOffset());
+    const ZTMetaInvokable* method = machineClass().invokable(machineClass().invokableCount() - 1);
+    ZTVariant result;
+
+    Workshop()
+    {
+        ready.initializeMetaClass(&machineClass());
+        ZTBase::subscribe(&ready, event, &watcher,
+                          [](const std::string& text) { diary.add(text); });
+        ZTBase::subscribe(&empty, &ZTDynamicBase::metaClassInitialized, &watcher,
+                          [] { diary.add("ready"); });
+        diary.clear();
+    }
+    std::string describe() const
+    {
+        return ready.label.substr(0, 5) +
+               (empty.metaClass() == &machineClass() ? "; ready; " : "; empty; ") + textOf(result) +
+               "; " + diary.text();
+    }
+};
+
+// clang-format off
+TEST_F(FailingMemory, RunTimeClasses)
+{
+    using State = Workshop;
+    expectAllOrNothing<State>({
+        DO(s.empty.initializeMetaClass(&machineClass())),
+        DO(s.empty.initializeMetaClass(&ZTBase::typeMetaClass())),
+        DO(s.ready.initializeMetaClass(&machineClass())),
+        DO(s.ready.setProperty("label", otherText)),
+        DO(s.ready.setProperty("label", 1)),
+        DO(s.result = s.ready.property("label")),
+        DO(s.result = s.method->invoke(&s.ready, longText)),
+        DO(s.result = s.method->invoke(&s.ready)),
+        DO(s.event->invoke(&s.ready, longText)),
+        DO(s.ready.sendEvent(s.event->index(), ZTArgumentArray{ZTVariant(longText)})),
+    });
+    expectNoAllocation<State>({
+        DO(ZTDynamicBase moved(std::move(s.ready))),
+        DO(s.empty = std::move(s.ready)),
+        DO(s.ready = std::move(s.empty)),
+        DO(s.empty.initializeMetaClass(&machineClass())),
     });
 }
 // clang-format on

@@ -98,11 +98,16 @@ bool ZTVariant::canConvert(const ZTMetaType& target) const
 
 std::ostream& operator<<(std::ostream& stream, const ZTVariant& variant)
 {
-    stream << "ZTVariant(" << ZTMetaTypePrivate::of(variant.type()).name << ", ";
-    bool printed = !variant.isValid() || variant.type().print(stream, variant.data());
+    const ZTMetaTypePrivate& type = ZTMetaTypePrivate::of(variant.type());
+    // Made before anything is printed, since memory may fail.
+    std::string failure;
+    if (variant.isValid() && !type.print)
+        failure = "Zintar: ZTVariant print failed for type " + type.name + ".";
+    stream << "ZTVariant(" << type.name << ", ";
+    if (type.print && variant.isValid())
+        type.print(stream, variant.data());
     stream << ")";
-    if (!printed)
-        ztLog("Zintar: ZTVariant print failed for type " + variant.type().name() + ".",
-              ZTLogType::Warning);
+    if (!failure.empty())
+        ztLog(failure, ZTLogType::Warning);
     return stream;
 }

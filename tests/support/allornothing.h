@@ -11,8 +11,8 @@
 #include <string>
 
 /// @file
-/// Runs operations with each of their allocations failing. Such an operation has completed, or all
-/// is as it was and it succeeds when it is tried again.
+/// Runs operations with each of their allocations failing. Such an operation completes, or it lets
+/// `std::bad_alloc` out, all is as it was, and it succeeds when it is tried again.
 
 namespace support
 {
@@ -149,9 +149,8 @@ private:
             bool completed = completesThough(n, how, [&] { operation.run(state); });
             hasFailed = Memory::hasFailed;
             const std::string now = state.describe();
-            if (completed || now != before) {
-                EXPECT_EQ(now, after) << "Done by halves. It was:\n  " << before;
-            } else {
+            EXPECT_EQ(now, completed ? after : before);
+            if (!completed && now == before) {
                 operation.run(state);
                 EXPECT_EQ(state.describe(), after) << "when tried again";
             }
