@@ -208,8 +208,8 @@ TEST(LazyType, IsToldWhenItsNameIsTaken)
     EXPECT_LOGS_NOTHING([] {
         (void)support::namesakeElsewhere(1);
         (void)support::namesakeElsewhere(2);
-        zt::detail::registerType<Opaque>(nullptr, "Opaque");
-        zt::detail::registerType<Opaque>(nullptr); // as a plugin does that has it too
+        zt::detail::registerType<Opaque>("Opaque");
+        zt::detail::registerType<Opaque>(); // as a plugin does that has it too
     });
     const std::string line =
         "Zintar: ZTMetaType registration of a second type with name \"struct "

@@ -1,4 +1,4 @@
-#include "support/crowd.h"
+#include "support/hostclasses.h"
 
 #include <stdexcept>
 
@@ -90,17 +90,5 @@ TEST_F(Reentrancy, WhatGoesWithASubscriptionComesBack)
     };
     EXPECT_EQ(say(1), "a:1 back ended");
     EXPECT_EQ(say(2), "b:2");
-}
-
-TEST(Crowd, BehavesLikeItsModel)
-{
-    for (unsigned int seed = 1; seed <= 10; ++seed) {
-        SCOPED_TRACE(seed);
-        Crowd crowd(seed);
-        for (int i = 0; i < 3000 && !testing::Test::HasFailure(); ++i)
-            crowd.step();
-        crowd.checkHandles();
-        EXPECT_GT(crowd.calls, 1000U);
-    }
 }
 } // namespace
