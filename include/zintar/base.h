@@ -34,6 +34,10 @@ struct DeclaredEvent {
 template <auto Event, class Params>
 struct TypedEvent;
 
+/// Tells one object class from another; see `declare.h`.
+template <class C>
+struct ObjectClassTag {};
+
 /// The list of a declared class as this program or plugin sees it; see `declare.h`.
 template <class C>
 struct DeclaredHere;

@@ -54,6 +54,7 @@
 #define ZT_OBJECT(Class, Super)                                                                    \
 public:                                                                                            \
     using Self = Class;                                                                            \
+    using ZtSelf = Class;                                                                          \
     using ZtSuper = Super;                                                                         \
     static_assert(::zt::detail::isObjectClass<Super>,                                              \
                   "ZT_OBJECT: the super class of an object class must be ZTBase or derived from "  \
@@ -66,16 +67,51 @@ public:                                                                         
                                                                                                    \
 private:                                                                                           \
     friend struct ::zt::detail::ClassAccess;                                                       \
+    friend constexpr void ztObjectClass(::zt::detail::ObjectClassTag<Class>) {}                    \
     static ::zt::detail::ClassTable& ztTable();
 
 #define ZT_DETAIL_JOIN(a, b) a##b
 #define ZT_DETAIL_UNIQUE(name, number) ZT_DETAIL_JOIN(name, number)
+
+// Here, and not in a template, so that the message begins with the line of the host.
+#define ZT_DETAIL_CHECK_CLASS(Class)                                                               \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::NoObjectLine>,              \
+                  "ZT_CLASS: the class has no ZT_OBJECT of its own.");                             \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::NoSuperClass>,              \
+                  "ZT_OBJECT names a class as super class that the class does not derive "         \
+                  "from.");                                                                        \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Inheritance>,               \
+                  "An object class derives from its super class publicly, once and not "           \
+                  "virtually.");                                                                   \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::ClassBetween>,              \
+                  "ZT_OBJECT: the class derives from an object class nearer than the one "         \
+                  "it names.");                                                                    \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::FirstBase>,                 \
+                  "ZTBase must be the first base of an object class that has virtual "             \
+                  "functions.");                                                                   \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::NoMembers>,                 \
+                  "The class lists its members in `static constexpr auto members()`; one "         \
+                  "that lists none returns zt::members().");                                       \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::InheritedMembers>,          \
+                  "The class has no members() of its own and would list those of its "             \
+                  "super class again; one that lists none returns zt::members().");                \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::MemberCall>,                \
+                  "members() must be static and constexpr, and return what zt::members "           \
+                  "gives.");                                                                       \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::ListedTwice>,               \
+                  "zt::members: a member is listed twice, or two properties or "                   \
+                  "enumerations have one name. Instances of one template need names of "           \
+                  "their own, by .as(\"name\").");                                                 \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Notify>,                    \
+                  "zt::members: a property's notify<...>() names no event of the class or"         \
+                  " its super classes.");
 
 /// Defines the descriptor of a class, once, in the file that implements the class: in the namespace
 /// of the class, or outside with the qualified name. The class and its pointer types are registered
 /// when that file's program or plugin is loaded. A plugin that declares classes stays loaded for
 /// the life of the process.
 #define ZT_CLASS(Class)                                                                            \
+    ZT_DETAIL_CHECK_CLASS(Class)                                                                   \
     ::zt::detail::ClassTable& Class::ztTable() { return ::zt::detail::declaredTable<Class>(); }    \
     const ZTMetaClass& Class::typeMetaClass() { return ::zt::detail::declaredClass<Class>(); }     \
     const ZTMetaClass* Class::metaClass() const { return ::zt::detail::classOfObject(*this); }     \

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/membernames.h>
 #include <zintar/detail/signature.h>
 #include <zintar/staticmetaclass.h>
 
@@ -21,22 +22,6 @@ struct InfoText {
     std::string_view key;
     std::string_view value;
 };
-
-/// Tells members apart while compiling: the compiler's text for the member, and for its type, which
-/// differs between overloads. (Addresses cannot be compared then under every set of flags.)
-struct MemberIdentity {
-    std::string_view member;
-    std::string_view type;
-
-    constexpr bool operator==(const MemberIdentity&) const = default;
-    constexpr bool isSet() const { return !member.empty(); }
-};
-
-template <auto Member>
-constexpr MemberIdentity memberIdentity()
-{
-    return {valueProbe<Member>(), typeProbe<decltype(Member)>()};
-}
 
 /// One member as the class declares it. What does not apply to its kind is empty.
 struct MemberRecord {

@@ -65,24 +65,20 @@ ZTVariant setField(const ZTVariant& object, const ZTVariant& value)
     });
 }
 
-template <class Member>
-struct SetterParameter;
-template <class R, class C, class P>
-struct SetterParameter<R (C::*)(P)> {
-    using type = P;
-};
-template <class R, class C, class P>
-struct SetterParameter<R (C::*)(P) noexcept> {
-    using type = P;
-};
+enum class SetterFault { None, NoSetter, OtherType };
 
-/// Whether `Setter` is a member function of one parameter that takes a `Value`.
+/// What is wrong with the setter of a property of type `Value`.
 template <class Value, class Setter>
-constexpr bool takesValue()
+constexpr SetterFault faultOfSetter()
 {
-    if constexpr (requires { typename SetterParameter<Setter>::type; })
-        return std::is_same_v<Held<typename SetterParameter<Setter>::type>, Held<Value>>;
-    else
-        return false;
+    if constexpr (std::is_member_function_pointer_v<Setter> && HasTraits<Setter>) {
+        using Params = typename MemberTraits<Setter>::Params;
+        if constexpr (Params::count != 1 || !Params::plain)
+            return SetterFault::NoSetter;
+        else
+            return Params::lead(Parameters<Value>{}) ? SetterFault::None : SetterFault::OtherType;
+    } else {
+        return SetterFault::NoSetter;
+    }
 }
 } // namespace zt::detail

@@ -106,6 +106,14 @@ struct MemberTraits<R C::*> {
     static constexpr bool isConst = false;
 };
 
+/// Whether a pointer to a member is one that the library knows: a member function that is volatile,
+/// variadic or qualified with & is not.
+template <class Member>
+concept HasTraits = requires
+{
+    typename MemberTraits<Member>::Class;
+};
+
 /// The result and the parameters of a callable: of a function, or of the one call operator of an
 /// object.
 template <class F>

@@ -1,0 +1,125 @@
+#pragma once
+
+#include <zintar/detail/memberlist.h>
+#include <zintar/detail/membernames.h>
+
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+#include <type_traits>
+
+/// @file
+/// The enumerators that a class lists: their names and their values.
+
+namespace zt
+{
+namespace detail
+{
+/// An enumerator with a name that a host gives, for the compiler's names are those of values.
+template <class Enum, std::size_t Size>
+struct NamedEnumerator {
+    Enum value;
+    char name[Size];
+};
+
+template <class T>
+inline constexpr bool isNamedEnumerator = false;
+template <class Enum, std::size_t Size>
+inline constexpr bool isNamedEnumerator<NamedEnumerator<Enum, Size>> = true;
+
+template <auto Value>
+constexpr std::string_view nameOfEnumerator()
+{
+    using T = std::remove_cv_t<decltype(Value)>;
+    if constexpr (isNamedEnumerator<T>)
+        return {std::data(Value.name), std::size(Value.name) - 1};
+    else
+        return enumeratorName<Value>();
+}
+
+template <auto Value>
+constexpr auto valueOfEnumerator()
+{
+    if constexpr (isNamedEnumerator<std::remove_cv_t<decltype(Value)>>)
+        return Value.value;
+    else
+        return Value;
+}
+
+template <auto Value, class Enum>
+constexpr bool isOf()
+{
+    return std::is_same_v<std::remove_cv_t<decltype(valueOfEnumerator<Value>())>, Enum>;
+}
+
+template <auto Value>
+constexpr bool fitsInt()
+{
+    return static_cast<decltype(Value)>(static_cast<int>(Value)) == Value;
+}
+
+template <auto... Values>
+struct Enumerators {
+    static constexpr std::size_t count = sizeof...(Values);
+    static constexpr std::array<std::string_view, count + 1> names{nameOfEnumerator<Values>()...};
+
+    static constexpr bool areNamed()
+    {
+        std::array<HashedPlace, count + 1> places{};
+        std::array<HashedPlace, count + 1> space{};
+        for (std::size_t i = 0; i < count; ++i) {
+            if (names[i].empty())
+                return false;
+            places[i] = {hashOf(names[i]), i};
+        }
+        sortByHash(places.data(), space.data(), count);
+        for (std::size_t i = 1; i < count; ++i)
+            if (places[i].hash == places[i - 1].hash)
+                return false;
+        return true;
+    }
+
+    template <class Enum>
+    static constexpr bool areAllOf()
+    {
+        return areAllTrue({isOf<Values, Enum>()...});
+    }
+
+    static constexpr bool fitInt()
+    {
+        return areAllTrue({fitsInt<valueOfEnumerator<Values>()>()...});
+    }
+};
+
+/// Instantiated for enumerators alone, behind the checks.
+template <auto... Values>
+inline constexpr std::array<int, sizeof...(Values) + 1> enumeratorNumbers{
+    static_cast<int>(valueOfEnumerator<Values>())...};
+
+template <class Enum>
+constexpr std::string_view bareName()
+{
+    std::string_view name = QualifiedName<Enum>::text;
+    std::size_t last = name.rfind(':');
+    return last == std::string_view::npos ? name : name.substr(last + 1);
+}
+} // namespace detail
+
+/// An enumerator that is to have another name than its own, or whose value has one already: the
+/// compiler tells one name for each value.
+///
+///     zt::enumerators<Mode::Off, Mode::Heat, zt::enumerator("Default", Mode::Off)>
+template <class Enum, std::size_t Size>
+constexpr detail::NamedEnumerator<Enum, Size> enumerator(const char (&name)[Size], Enum value)
+{
+    detail::NamedEnumerator<Enum, Size> named{value, {}};
+    for (std::size_t i = 0; i < Size; ++i)
+        named.name[i] = name[i];
+    return named;
+}
+
+/// The enumerators of an enumeration, by their values.
+template <auto... Values>
+inline constexpr detail::Enumerators<Values...> enumerators{};
+} // namespace zt
