@@ -1,6 +1,8 @@
 #pragma once
 
 #include <zintar/base.h>
+#include <zintar/detail/members.h>
+// Behind the members, so that a mistake in one of them is few includes away.
 #include <zintar/detail/declared.h>
 #include <zintar/dynamicbase.h>
 

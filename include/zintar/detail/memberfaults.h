@@ -26,7 +26,11 @@ enum class MemberFault {
     NotCopyable,
     Result,
     Getter,
-    View
+    View,
+    Setter,
+    SetterType,
+    NotAssignable,
+    NoDefault
 };
 
 /// Whether values of the type can be carried.
@@ -112,21 +116,36 @@ constexpr MemberFault faultOfGetter()
     }
 }
 
-/// Tells what is wrong with a member of any kind.
-template <MemberFault fault>
-constexpr void tellMemberFault()
+template <class Getter, class Setter>
+constexpr MemberFault faultOfSetter()
 {
-    static_assert(fault != MemberFault::Static,
-                  "What is listed is a member of an object, given as &Self::name: a static member "
-                  "is none.");
-    static_assert(fault != MemberFault::Qualified,
-                  "A member function that is listed is not volatile, variadic or &-qualified.");
-    static_assert(fault != MemberFault::Foreign,
-                  "The member belongs to a class that is not an object class.");
-    static_assert(fault != MemberFault::Incomplete,
-                  "The types of a listed member must be complete: include their headers.");
-    static_assert(fault != MemberFault::NotCopyable,
-                  "What a listed member takes and gives is copied: no arrays, void* or types that "
-                  "cannot be copied. An object travels as a pointer.");
+    using Value = typename MemberTraits<Getter>::Result;
+    if constexpr (std::is_null_pointer_v<Setter>) {
+        bool isSet = !MemberTraits<Getter>::isFunction && !std::is_const_v<Value>;
+        return isSet && !std::is_assignable_v<Value&, Value> ? MemberFault::NotAssignable
+                                                             : MemberFault::None;
+    } else if constexpr (std::is_member_function_pointer_v<Setter> && HasTraits<Setter>) {
+        using Params = typename MemberTraits<Setter>::Params;
+        if constexpr (Params::count != 1 || !Params::plain)
+            return MemberFault::Setter;
+        else if constexpr (!Params::lead(Parameters<Value>{}))
+            return MemberFault::SetterType;
+        else
+            return std::is_default_constructible_v<Held<Value>> ? MemberFault::None
+                                                                : MemberFault::NoDefault;
+    } else {
+        return MemberFault::Setter;
+    }
+}
+
+template <MemberKind kind, auto Member, auto... Setter>
+constexpr MemberFault faultOfEntry()
+{
+    if constexpr (kind != MemberKind::Property)
+        return faultOfInvokable<kind, decltype(Member)>();
+    else if constexpr (faultOfGetter<decltype(Member)>() != MemberFault::None)
+        return faultOfGetter<decltype(Member)>();
+    else
+        return faultOfSetter<decltype(Member), decltype(Setter)...>();
 }
 } // namespace zt::detail

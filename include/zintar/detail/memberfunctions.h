@@ -64,21 +64,4 @@ ZTVariant setField(const ZTVariant& object, const ZTVariant& value)
         self.*Member = static_cast<Field>(held);
     });
 }
-
-enum class SetterFault { None, NoSetter, OtherType };
-
-/// What is wrong with the setter of a property of type `Value`.
-template <class Value, class Setter>
-constexpr SetterFault faultOfSetter()
-{
-    if constexpr (std::is_member_function_pointer_v<Setter> && HasTraits<Setter>) {
-        using Params = typename MemberTraits<Setter>::Params;
-        if constexpr (Params::count != 1 || !Params::plain)
-            return SetterFault::NoSetter;
-        else
-            return Params::lead(Parameters<Value>{}) ? SetterFault::None : SetterFault::OtherType;
-    } else {
-        return SetterFault::NoSetter;
-    }
-}
 } // namespace zt::detail

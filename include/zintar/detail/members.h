@@ -55,91 +55,110 @@ namespace detail
 template <MemberKind kind, auto Member>
 constexpr InvokableEntry invokableEntry()
 {
-    constexpr MemberFault fault = faultOfInvokable<kind, decltype(Member)>();
-    tellMemberFault<fault>();
-    static_assert(fault != MemberFault::Field,
-                  "A method or an event is a member function: a data member may be a property.");
-    static_assert(fault != MemberFault::Result, "An event returns nothing.");
-    static_assert(fault != MemberFault::Count,
-                  "A method or an event has at most ZTMetaInvokable::MaxParamCount parameters.");
-    static_assert(fault != MemberFault::References,
-                  "The parameters of a method or an event are values or references to const.");
+    using Traits = MemberTraits<decltype(Member)>;
+    using Params = typename Traits::Params;
     InvokableEntry entry;
-    if constexpr (fault == MemberFault::None) {
-        using Traits = MemberTraits<decltype(Member)>;
-        using Params = typename Traits::Params;
-        entry.record.kind = kind;
-        entry.record.name = nameOfMember<Member>;
-        entry.record.identity = memberIdentity<Member>;
-        entry.record.key = &memberVariable<Member>;
-        entry.record.type = &resultType<typename Traits::Result>;
-        entry.record.parameterTypes = Params::types;
-        entry.record.count = Params::count;
-        entry.record.signature = &Params::signature;
-        entry.record.function = &invokeMember<Member>;
-        entry.record.isConst = Traits::isConst;
-    }
+    entry.record.kind = kind;
+    entry.record.name = nameOfMember<Member>;
+    entry.record.identity = memberIdentity<Member>;
+    entry.record.key = &memberVariable<Member>;
+    entry.record.type = &resultType<typename Traits::Result>;
+    entry.record.parameterTypes = Params::types;
+    entry.record.count = Params::count;
+    entry.record.signature = &Params::signature;
+    entry.record.function = &invokeMember<Member>;
+    entry.record.isConst = Traits::isConst;
     return entry;
 }
+
+template <auto Getter, auto Setter>
+constexpr PropertyEntry<0> propertyEntry()
+{
+    using Traits = MemberTraits<decltype(Getter)>;
+    using Result = typename Traits::Result;
+    PropertyEntry<0> entry;
+    entry.record.kind = MemberKind::Property;
+    entry.record.name = nameOfMember<Getter>;
+    entry.record.identity = memberIdentity<Getter>;
+    entry.record.key = &memberVariable<Getter>;
+    entry.record.type = &resultType<Result>;
+    entry.record.getter = &getProperty<Getter>;
+    if constexpr (!std::is_null_pointer_v<decltype(Setter)>)
+        entry.record.setter = &setByFunction<Setter>;
+    else if constexpr (!Traits::isFunction && !std::is_const_v<Result>)
+        entry.record.setter = &setField<Getter>;
+    return entry;
+}
+
+/// Makes the entry of a member, or tells in one sentence what is wrong with it. The sentences stand
+/// here together, at the least distance from the line of the host, which is what the compiler
+/// prints behind them.
+template <MemberKind kind, auto... Member>
+struct EntryMaker {
+    constexpr auto operator()() const
+    {
+        constexpr MemberFault fault = faultOfEntry<kind, Member...>();
+        static_assert(fault != MemberFault::Static,
+                      "What is listed is a member of an object, given as &Self::name: a static "
+                      "member is none.");
+        static_assert(fault != MemberFault::Qualified,
+                      "A member function that is listed is not volatile, variadic or qualified "
+                      "with & or &&.");
+        static_assert(fault != MemberFault::Foreign,
+                      "The member belongs to a class that is not an object class.");
+        static_assert(fault != MemberFault::Incomplete,
+                      "The types of a listed member must be complete: include their headers.");
+        static_assert(fault != MemberFault::NotCopyable,
+                      "What a listed member takes and gives is copied: no arrays, void* or types "
+                      "that cannot be copied. An object travels as a pointer.");
+        static_assert(fault != MemberFault::Field,
+                      "A method or an event is a member function: a data member may be a "
+                      "property.");
+        static_assert(fault != MemberFault::Result, "An event returns nothing.");
+        static_assert(fault != MemberFault::Count,
+                      "A method or an event has at most ZTMetaInvokable::MaxParamCount "
+                      "parameters.");
+        static_assert(fault != MemberFault::References,
+                      "The parameters of a method or an event are values or references to const.");
+        static_assert(fault != MemberFault::Getter,
+                      "The getter of a property is a const member function without parameters, or "
+                      "a data member.");
+        static_assert(fault != MemberFault::View,
+                      "A data member that is a property keeps its text: a std::string, not a view "
+                      "or a pointer.");
+        static_assert(fault != MemberFault::Setter,
+                      "The setter of a property is a member function of one parameter, a value or "
+                      "a reference to const.");
+        static_assert(fault != MemberFault::SetterType,
+                      "The setter of a property takes what the getter gives, and nothing else.");
+        static_assert(fault != MemberFault::NotAssignable,
+                      "A data member that is a property can be assigned to, or is const.");
+        static_assert(fault != MemberFault::NoDefault,
+                      "The type of a property that can be set needs a default value.");
+        if constexpr (fault != MemberFault::None)
+            return std::conditional_t<kind == MemberKind::Property, PropertyEntry<0>,
+                                      InvokableEntry>();
+        else if constexpr (kind == MemberKind::Property)
+            return propertyEntry<Member...>();
+        else
+            return invokableEntry<kind, Member...>();
+    }
+};
 } // namespace detail
 
-/// An event: a member function that raises itself with `sendEvent<&Self::...>(...)`.
+/// An event, `zt::event<&Self::changed>()`: a member function that raises itself with
+/// `sendEvent<&Self::changed>(...)`.
 template <auto Member>
-constexpr detail::InvokableEntry event()
-{
-    return detail::invokableEntry<detail::MemberKind::Event, Member>();
-}
+inline constexpr detail::EntryMaker<detail::MemberKind::Event, Member> event{};
 
-/// A method: a member function that can be called by name.
+/// A method, `zt::method<&Self::run>()`: a member function that can be called by name.
 template <auto Member>
-constexpr detail::InvokableEntry method()
-{
-    return detail::invokableEntry<detail::MemberKind::Method, Member>();
-}
+inline constexpr detail::EntryMaker<detail::MemberKind::Method, Member> method{};
 
-/// A property: a const getter and a setter, a getter alone for one that can only be read, or a
-/// data member.
+/// A property, `zt::property<&Self::get, &Self::set>()`: a const getter and a setter, a getter
+/// alone for one that can only be read, or a data member.
 template <auto Getter, auto Setter = nullptr>
-constexpr detail::PropertyEntry<0> property()
-{
-    using detail::MemberFault;
-    constexpr MemberFault fault = detail::faultOfGetter<decltype(Getter)>();
-    detail::tellMemberFault<fault>();
-    static_assert(fault != MemberFault::Getter,
-                  "The getter of a property is a const member function without parameters, or a "
-                  "data member.");
-    static_assert(fault != MemberFault::View,
-                  "A data member that is a property keeps its text: a std::string, not a view or "
-                  "a pointer.");
-    detail::PropertyEntry<0> entry;
-    entry.record.kind = detail::MemberKind::Property;
-    if constexpr (fault == MemberFault::None) {
-        using Traits = detail::MemberTraits<decltype(Getter)>;
-        using Result = typename Traits::Result;
-        entry.record.name = detail::nameOfMember<Getter>;
-        entry.record.identity = detail::memberIdentity<Getter>;
-        entry.record.key = &detail::memberVariable<Getter>;
-        entry.record.type = &detail::resultType<Result>;
-        entry.record.getter = &detail::getProperty<Getter>;
-        if constexpr (!std::is_null_pointer_v<decltype(Setter)>) {
-            constexpr auto setterFault = detail::faultOfSetter<Result, decltype(Setter)>();
-            static_assert(setterFault != detail::SetterFault::NoSetter,
-                          "The setter of a property is a member function of one parameter, a "
-                          "value or a reference to const.");
-            static_assert(setterFault != detail::SetterFault::OtherType,
-                          "The setter of a property takes what the getter gives, and nothing "
-                          "else.");
-            if constexpr (setterFault == detail::SetterFault::None)
-                entry.record.setter = &detail::setByFunction<Setter>;
-        } else if constexpr (!Traits::isFunction && !std::is_const_v<Result>) {
-            static_assert(std::is_assignable_v<Result&, Result>,
-                          "A data member that is a property can be assigned to, or is const.");
-            if constexpr (std::is_assignable_v<Result&, Result>)
-                entry.record.setter = &detail::setField<Getter>;
-        }
-    }
-    return entry;
-}
+inline constexpr detail::EntryMaker<detail::MemberKind::Property, Getter, Setter> property{};
 
 namespace detail
 {
