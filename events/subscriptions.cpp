@@ -144,6 +144,19 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
     return subscription;
 }
 
+ZTSubscription ZTBase::subscribeFor(const ZTBase* receiver, const ZTBase* sender,
+                                    const ZTMetaInvokable* event, ZTHandlerBase* handler)
+{
+    // Without a subscriber a callable would outlive what it captured.
+    if (receiver || !handler || handler->isMemberFunction())
+        return subscribeImpl(sender, event, receiver, handler);
+    std::unique_ptr<ZTHandlerBase> owned(handler);
+    if (canBeSubscribedTo(sender, event))
+        fail(*event,
+             "handler. The handler was given with a subscriber, but the subscriber was null");
+    return {};
+}
+
 ZTSubscription ZTBasePrivate::addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
     ZTSubscription subscription(record);

@@ -65,6 +65,96 @@ class Smart : public Mixed
     const int spare = 0;
 };
 ZT_CLASS(Smart)
+
+/// Members and enumerators whose names take some care.
+class Names : public ZTBase
+{
+    ZT_OBJECT(Names, ZTBase)
+public:
+    enum class Stufe { Aus = 0, Größte = 7 };
+    template <int Slot>
+    int at() const
+    {
+        return Slot;
+    }
+    double größe() const { return 1.5; }
+    int operator()() { return 1; }
+    int operator+(int other) const { return other; }
+    int operator[](int) { return 2; }
+    explicit operator bool() const { return true; }
+    explicit operator std::string() const { return {}; }
+    int operators() { return 3; }
+    int first() { return 1; }
+    int second() { return 2; }
+
+private:
+    static constexpr auto members()
+    {
+        // clang-format off
+        return zt::members(
+            zt::enumeration<Stufe>(
+                zt::enumerators<Stufe::Aus, Stufe::Größte, zt::enumerator("Standard", Stufe::Aus)>),
+            zt::property<&Self::größe>(),
+            zt::method<&Self::at<3>>(),
+            zt::method<&Self::at<4>>().as("at4"),
+            zt::method<&Self::operator()>(),
+            zt::method<&Self::operator+>(),
+            zt::method<&Self::operator[]>(),
+            zt::method<&Self::operator bool>(),
+            zt::method<&Self::operator std::string>(),
+            zt::method<&Self::operators>(),
+            zt::method<&Self::first>().as("twin"),
+            zt::method<&Self::second>().as("twin"));
+        // clang-format on
+    }
+};
+ZT_CLASS(Names)
+
+/// A class whose table a host laid out, between classes of the kit.
+class Hand : public sample::Device
+{
+public:
+    using Self = Hand;
+    static const ZTMetaClass& typeMetaClass();
+    const ZTMetaClass* metaClass() const { return &typeMetaClass(); }
+    void signalled() {}
+};
+const ZTMetaClass& Hand::typeMetaClass()
+{
+    static zt::detail::ZTStaticMetaClassData table = [] {
+        const ZTMetaClass& super = sample::Device::typeMetaClass();
+        zt::detail::ZTStaticMetaClassData data;
+        data.superClass = &super;
+        data.typeName = "struct host::Hand";
+        data.classInfoOffset = super.classInfoCount();
+        data.enumOffset = super.enumCount();
+        data.propertyOffset = super.propertyCount();
+        data.invokableOffset = super.invokableCount();
+        return data;
+    }();
+    static const ZTStaticMetaClass handMade(&table);
+    return handMade;
+}
+
+class Fingers : public Hand
+{
+    ZT_OBJECT(Fingers, Hand)
+    static constexpr auto members() { return zt::members(); }
+};
+ZT_CLASS(Fingers)
+
+/// Has no `ZT_OBJECT` of its own and so is a Mixed to the library, for what derives from it too.
+class Unnamed : public Mixed
+{
+public:
+    using Self = Unnamed;
+};
+class Toes : public Unnamed
+{
+    ZT_OBJECT(Toes, Unnamed)
+    static constexpr auto members() { return zt::members(); }
+};
+ZT_CLASS(Toes)
 } // namespace host
 
 namespace
@@ -102,6 +192,44 @@ TEST_F(Declare, TellsMembersOfManyShapesOverThreeLevels)
               "method 12 void reset(), 2\n");
     EXPECT_EQ(support::describe(*object.metaClass()), "struct host::Smart: struct host::Mixed\n"
                                                       "property 6 int spare get, 4 renamed\n");
+}
+
+TEST_F(Declare, TellsTheWholeNameOfEachMemberAndEnumerator)
+{
+    EXPECT_EQ(support::describe(Names::typeMetaClass()),
+              "struct host::Names: struct ZTBase\n"
+              "enum 0 Stufe Aus=0 Größte=7 Standard=0\n"
+              "property 0 double größe get, -1\n"
+              "method 4 int at() const, 2\n"
+              "method 5 int at4() const, 2\n"
+              "method 6 int operator()(), 2\n"
+              "method 7 int operator+(int) const, 2\n"
+              "method 8 int operator[](int), 2\n"
+              "method 9 bool operator bool() const, 2\n"
+              "method 10 std::string operator class std::basic_string<char,struct "
+              "std::char_traits<char>,class std::allocator<char> >() const, 2\n"
+              "method 11 int operators(), 2\n"
+              "method 12 int twin(), 2\n"
+              "method 13 int twin(), 2\n");
+}
+
+TEST_F(Declare, OfTwoMembersThatFitTheLaterIsFound)
+{
+    Names names;
+    const ZTMetaClass& type = Names::typeMetaClass();
+    EXPECT_EQ(type.indexOfInvokable<void()>("twin"), 13);
+    EXPECT_EQ(type.invokable<void()>("twin")->invoke(&names), ZTVariant(2));
+    const auto* table = static_cast<const ZTStaticMetaClass&>(type).table();
+    const ZTStaticMetaClass copy(table); // asks the class without an index of the names
+    EXPECT_EQ(copy.indexOfInvokable<void()>("twin"), 13);
+}
+
+TEST_F(Declare, ClassThatAHostLaidOutStaysInTheChain)
+{
+    const ZTMetaClass& fingers = Fingers::typeMetaClass();
+    EXPECT_EQ(fingers.superClass(), &Hand::typeMetaClass());
+    EXPECT_TRUE(fingers.isDerivedFrom(&sample::Device::typeMetaClass()));
+    EXPECT_EQ(Toes::typeMetaClass().superClass(), &Mixed::typeMetaClass());
 }
 
 TEST_F(Declare, ClassAndMembersAreFoundOverAllLevels)

@@ -1,5 +1,6 @@
 #include "support/hostclasses.h"
 
+#include <functional>
 #include <vector>
 
 namespace host
@@ -37,6 +38,12 @@ struct RawHandler : zt::detail::ZTHandlerBase {
 
 /// Lets the subscribe templates take a raw handler as it is.
 template <>
+inline constexpr bool zt::detail::isCallable<host::RawHandler*> = true;
+template <>
+struct zt::detail::HandlerParameters<host::RawHandler*, zt::detail::UnknownParameters> {
+    using type = zt::detail::Parameters<>;
+};
+template <>
 zt::detail::ZTHandlerBase*
 zt::detail::makeHandler<ZTBase, zt::detail::UnknownParameters, host::RawHandler*>(
     host::RawHandler* handler)
@@ -62,7 +69,9 @@ protected:
     ZTSubscription subscribe(const ZTMetaInvokable* event, RawHandler* handler,
                              ZTBase* subscriber = nullptr)
     {
-        return ZTBase::subscribe(speaker.get(), event, subscriber, handler);
+        return subscriber || handler->isMember
+                   ? ZTBase::subscribe(speaker.get(), event, subscriber, handler)
+                   : ZTBase::subscribe(speaker.get(), event, handler);
     }
 
     const ZTMetaType* text = &ztMetaType<std::string>();
@@ -178,6 +187,90 @@ TEST_F(Shapes, OfCallables)
     });
     EXPECT_EQ(say(1), "moved 5");
     EXPECT_FALSE(ZTBase::subscribe(speaker.get(), &Speaker::told, &a, std::function<void()>()));
+}
+
+struct Overloaded {
+    void operator()(int number) const { page->add("int " + std::to_string(number)); }
+    void operator()(const std::string& text) const { page->add("text " + text); }
+};
+/// Stands for what `std::bind_front` and its like give: it takes whatever its function takes.
+struct Forwarding {
+    template <class... T>
+    auto operator()(T&&... values) & -> decltype(noteText(std::forward<T>(values)...))
+    {
+        noteText(std::forward<T>(values)...);
+    }
+    template <class... T>
+    auto operator()(T&&... values) const& -> decltype(noteText(std::forward<T>(values)...))
+    {
+        noteText(std::forward<T>(values)...);
+    }
+};
+
+/// Whether a handler fits an event of those parameters.
+template <class Handler, class... P>
+inline constexpr bool
+    fits = zt::detail::faultOfHandler<ZTBase, void (ZTBase::*)(P...), Handler>() ==
+           zt::detail::SubscribeFault::None;
+
+TEST_F(Shapes, OfCallablesThatForwardOrAreOverloadedTakeWhatFitsExactly)
+{
+    page = &diary;
+    EXPECT_EQ(heardBy(Overloaded()), "text x");
+    EXPECT_EQ(heardBy(std::ref(noteText)), "function x");
+    EXPECT_EQ(heardBy(std::bind_front(&Hearer::hearText, &a)), "a:x");
+    EXPECT_EQ(heardBy(Forwarding()), "function x");
+    EXPECT_EQ(heardBy([](auto text, auto&& times) { page->add(text += std::to_string(times)); }),
+              "x2");
+
+    using Front = decltype(std::bind_front(&Hearer::hear, &a));
+    EXPECT_TRUE((fits<Front, int, double>));
+    EXPECT_TRUE((fits<std::reference_wrapper<void(int)>, int>));
+    EXPECT_TRUE((fits<Overloaded, int>));
+    EXPECT_FALSE((fits<Front, double>));
+    EXPECT_FALSE((fits<std::reference_wrapper<void(int)>, double>));
+    EXPECT_FALSE((fits<Overloaded, double>));
+}
+
+TEST_F(Shapes, OfCallablesWithAReceiverThatIsNullAreRefused)
+{
+    page = &diary;
+    Hearer* nobody = nullptr;
+    const std::string line = "Zintar: Subscription failed with event told and handler. The handler "
+                             "was given with a subscriber, but the subscriber was null\n";
+    auto refuse = [&](auto handler) {
+        EXPECT_LOGS(line, [&] {
+            EXPECT_FALSE(ZTBase::subscribe(speaker.get(), &Speaker::told, nobody, handler));
+        });
+    };
+    refuse([&] { diary.add("heard"); });
+    refuse(&noteText);
+    EXPECT_LOGS_NOTHING([&] { // nothing that could be refused
+        EXPECT_FALSE(
+            ZTBase::subscribe(speaker.get(), &Speaker::told, nobody, std::function<void()>()));
+    });
+    speaker->told("x", 1);
+    EXPECT_EQ(diary.take(), "");
+}
+
+TEST_F(Shapes, OfAFunctionWithoutAReceiverEndsThroughItsHandleAlone)
+{
+    page = &diary;
+    ZTSubscription free = ZTBase::subscribe(speaker.get(), &Speaker::told, &noteText);
+    const ZTBase* anybody = nullptr;
+    EXPECT_FALSE(ZTBase::unsubscribe(speaker.get(), &Speaker::told, anybody, &noteText));
+    EXPECT_TRUE(free);
+    EXPECT_TRUE(ZTBase::unsubscribe(free));
+}
+
+struct Quiet : Speaker {
+    void unlisted() {}
+};
+TEST_F(Shapes, OfNoEventEndNothingAndAreNotTold)
+{
+    Quiet quiet;
+    EXPECT_LOGS_NOTHING(
+        [&] { EXPECT_FALSE(ZTBase::unsubscribe(&quiet, &Quiet::unlisted, &a, &Hearer::hear)); });
 }
 
 struct Loud : Hearer {

@@ -314,6 +314,24 @@ TEST_F(MemberBuilder, TakesItsFunctionsBack)
     EXPECT_FALSE(property.canSet());
 }
 
+TEST_F(MemberBuilder, TakesItsFunctionsBackForTypedOnesThatAreEmpty)
+{
+    auto method = builder.addInvokable();
+    auto property = builder.addProperty(declared.property("level"));
+    method.setFunction([](const Heater&, int) {});
+    method.setFunction(std::function<double(Heater&)>());
+    EXPECT_FALSE(method.function());
+    EXPECT_EQ(method.parameterMetaTypes(), std::vector{&ztMetaType<int>()});
+    method.setFunction([](const Heater&) {});
+    method.setFunction(static_cast<void (*)(Heater&)>(nullptr));
+    EXPECT_FALSE(method.function());
+    property.setGetter(std::function<double(const Heater&)>());
+    property.setSetter(static_cast<void (*)(Heater&, double)>(nullptr));
+    EXPECT_FALSE(property.canGet());
+    EXPECT_FALSE(property.canSet());
+    EXPECT_EQ(&property.metaType(), &ztMetaType<int>());
+}
+
 TEST_F(MemberBuilder, OfAPropertyTakesAnEventOfItsOwnClassBuilder)
 {
     ZTMetaClassBuilder other;

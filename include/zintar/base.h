@@ -1,8 +1,8 @@
 #pragma once
 
-#include <zintar/detail/handlers.h>
 #include <zintar/detail/lent.h>
 #include <zintar/detail/lifewatch.h>
+#include <zintar/detail/makehandler.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/metaclass.h>
@@ -75,39 +75,29 @@ inline constexpr bool isPlainCopy = std::is_same_v<Value, Argument>
 /// Logs that a member function that was to be subscribed to is no invokable of its class.
 ZT_EXPORT void warnUnknownEvent(const ZTMetaClass& metaClass);
 
-/// The parameters of an event, as far as they are known while compiling.
+/// The descriptor of an event, which a host gives as such or as a member function; null for a
+/// member function that its class does not list.
 template <class Event>
-struct EventParameters {
-    static_assert(isInvokablePointer<Event>,
-                  "An event is given as a member function or as a descriptor.");
-    using type = UnknownParameters;
-};
-template <class Event>
-    requires isMemberPointer<Event>
-struct EventParameters<Event> {
-    using type = typename MemberTraits<Event>::Params;
-};
-template <class Event>
-using EventParams = typename EventParameters<Event>::type;
-
-/// The descriptor of an event, which a host gives as such or as a member function.
-template <class Sender, class Event>
-const ZTMetaInvokable* eventOf(Sender*, Event event)
+const ZTMetaInvokable* findEvent(Event event)
 {
-    static_assert(std::is_base_of_v<ZTBase, Sender>, "The sender must be an object.");
     if constexpr (isMemberPointer<Event>) {
         using Class = typename MemberTraits<Event>::Class;
-        static_assert(std::is_base_of_v<Class, Sender>,
-                      "The event is a member function of another class than the sender's.");
         int index = indexOfMember<Class>(&event);
-        if (index < 0) {
-            warnUnknownEvent(Class::typeMetaClass());
-            return nullptr;
-        }
-        return Class::typeMetaClass().invokable(index);
+        return index < 0 ? nullptr : Class::typeMetaClass().invokable(index);
     } else {
         return event;
     }
+}
+
+/// The same for subscribing, where a member function that is no event is told.
+template <class Sender, class Event>
+const ZTMetaInvokable* eventOf(Sender*, Event event)
+{
+    const ZTMetaInvokable* descriptor = findEvent(event);
+    if constexpr (isMemberPointer<Event>)
+        if (!descriptor)
+            warnUnknownEvent(MemberTraits<Event>::Class::typeMetaClass());
+    return descriptor;
 }
 } // namespace zt::detail
 
@@ -237,38 +227,38 @@ public:
     /// Whatever the compiler can see to be wrong does not compile.
     template <class Sender, class Event, class Receiver, class Handler>
         requires(!(zt::detail::isInvokableOrNull<Event> && zt::detail::isInvokableOrNull<Handler>))
-    static ZTSubscription subscribe(Sender* sender, Event event, Receiver* receiver,
+    static ZTSubscription subscribe(const Sender& sender, Event event, const Receiver& receiver,
                                     Handler handler)
     {
-        static_assert(std::is_base_of_v<ZTBase, Receiver>, "The receiver must be an object.");
-        const ZTMetaInvokable* descriptor = zt::detail::eventOf(sender, event);
-        if constexpr (zt::detail::isInvokablePointer<Handler>)
-            return subscribe(sender, descriptor, receiver, handler);
+        using namespace zt::detail;
+        constexpr SubscribeFault fault = faultOfSubscription<Sender, Event, Receiver, Handler>();
+        tell<fault>();
+        if constexpr (fault != SubscribeFault::None)
+            return {};
+        else if constexpr (isInvokablePointer<Handler>)
+            return subscribe(sender, eventOf(sender, event), receiver, handler);
         else
-            return subscribeImpl(sender, descriptor, receiver,
-                                 zt::detail::makeHandler<Receiver, zt::detail::EventParams<Event>>(
-                                     std::move(handler)));
+            return subscribeFor(receiver, sender, eventOf(sender, event),
+                                makeHandler<std::remove_pointer_t<Receiver>, EventParams<Event>>(
+                                    std::move(handler)));
     }
 
-    /// Subscribes a function, or a callable without captures, that no object's life bounds.
+    /// Subscribes a function, or a callable without captures, that no object's life bounds; or a
+    /// callable with captures, which gives a `ZTScopedSubscription`: what it captured is safe only
+    /// as long as somebody holds the result.
     template <class Sender, class Event, class Handler>
-        requires(std::is_empty_v<Handler> || std::is_pointer_v<Handler>)
-    static ZTSubscription subscribe(Sender* sender, Event event, Handler handler)
+    static zt::detail::FreeSubscription<Handler> subscribe(const Sender& sender, Event event,
+                                                           Handler handler)
     {
-        return subscribeImpl(
-            sender, zt::detail::eventOf(sender, event), nullptr,
-            zt::detail::makeHandler<ZTBase, zt::detail::EventParams<Event>>(handler));
-    }
-    /// A callable with captures and without a receiver: what it captured is safe only as long as
-    /// somebody holds the result.
-    template <class Sender, class Event, class Handler>
-        requires(!std::is_empty_v<Handler> && !std::is_pointer_v<Handler> &&
-                 !std::is_member_pointer_v<Handler>)
-    static ZTScopedSubscription subscribe(Sender* sender, Event event, Handler handler)
-    {
-        return ZTScopedSubscription(subscribeImpl(
-            sender, zt::detail::eventOf(sender, event), nullptr,
-            zt::detail::makeHandler<ZTBase, zt::detail::EventParams<Event>>(std::move(handler))));
+        using namespace zt::detail;
+        constexpr SubscribeFault fault = faultOfFreeSubscription<Sender, Event, Handler>();
+        tell<fault>();
+        if constexpr (fault == SubscribeFault::None)
+            return FreeSubscription<Handler>(
+                subscribeImpl(sender, eventOf(sender, event), nullptr,
+                              makeHandler<ZTBase, EventParams<Event>>(std::move(handler))));
+        else
+            return {};
     }
 
     // Unsubscribing. Each form ends every subscription that fits, at once, also while the event is
@@ -286,24 +276,29 @@ public:
                             const ZTBase* subscriber, const ZTMetaInvokable* handler);
     /// The same with member functions. A callable cannot be found again by its value: end its
     /// subscription through the handle.
-    template <class Sender, class Event, class Handler>
+    template <class Sender, class Event, class Receiver, class Handler>
         requires(!(zt::detail::isInvokableOrNull<Event> && zt::detail::isInvokableOrNull<Handler>))
-    static bool unsubscribe(Sender* sender, Event event, const ZTBase* receiver, Handler handler)
+    static bool unsubscribe(const Sender& sender, Event event, const Receiver& receiver,
+                            Handler handler)
     {
-        const ZTMetaInvokable* descriptor = nullptr;
-        if constexpr (!std::is_null_pointer_v<Event>) {
-            descriptor = zt::detail::eventOf(sender, event);
-            if (!descriptor)
-                return false;
-        }
-        if constexpr (zt::detail::isInvokablePointer<Handler> || std::is_null_pointer_v<Handler>) {
-            return unsubscribe(sender, descriptor, receiver, handler);
+        using namespace zt::detail;
+        constexpr SubscribeFault fault = faultOfUnsubscription<Sender, Event, Receiver, Handler>();
+        tell<fault>();
+        if constexpr (fault == SubscribeFault::None) {
+            const ZTMetaInvokable* descriptor = nullptr;
+            if constexpr (!std::is_null_pointer_v<Event>) {
+                descriptor = findEvent(event);
+                if (!descriptor)
+                    return false;
+            }
+            if constexpr (isInvokablePointer<Handler> || std::is_null_pointer_v<Handler>) {
+                return unsubscribe(sender, descriptor, receiver, handler);
+            } else {
+                HandlerKey key{typeid(Handler), &handler};
+                return unsubscribeImpl(sender, descriptor, receiver, &key);
+            }
         } else {
-            static_assert(zt::detail::isMemberPointer<Handler> || std::is_pointer_v<Handler>,
-                          "A callable cannot be found by its value: keep the ZTSubscription and "
-                          "end it through that.");
-            zt::detail::HandlerKey key{typeid(Handler), &handler};
-            return unsubscribeImpl(sender, descriptor, receiver, &key);
+            return false;
         }
     }
 
@@ -350,6 +345,10 @@ private:
     static ZTSubscription subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                         const ZTBase* subscriber,
                                         zt::detail::ZTHandlerBase* handler);
+    /// A handler that a receiver bounds: refused without one, like a member function.
+    static ZTSubscription subscribeFor(const ZTBase* receiver, const ZTBase* sender,
+                                       const ZTMetaInvokable* event,
+                                       zt::detail::ZTHandlerBase* handler);
     static bool unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                 const ZTBase* subscriber, void* key);
 

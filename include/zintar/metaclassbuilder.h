@@ -125,7 +125,8 @@ public:
     /// it fills in the parameter types, the result type, and the constness from that of `self`.
     /// Arguments that do not fit are told in the log and arrive as default values. Given one that
     /// takes the variants themselves, `(const ZTVariant& object, const ZTArgumentArray&)`, it
-    /// leaves the types to the other setters.
+    /// leaves the types to the other setters. An empty function or a null pointer removes the
+    /// function and leaves the types alone.
     /// @param key  by which `ZTMetaClass::indexOfInvokable(void*)` finds the invokable. It is only
     ///             compared here; a declared super class that is asked for a key which this class
     ///             does not have takes it for the address of a pointer to a member function.
@@ -135,6 +136,8 @@ public:
         if constexpr (std::is_convertible_v<Callable, zt::detail::InvokableFunction>) {
             setUntypedFunction(std::move(callable), key);
         } else {
+            if (zt::detail::isNullCallable(callable))
+                return setUntypedFunction({}, key);
             using Traits = zt::detail::ObjectCallable<Callable>;
             static_assert(Traits::Params::count <= zt::detail::maxParamCount,
                           "A method has at most ZTMetaInvokable::MaxParamCount parameters.");
@@ -196,7 +199,8 @@ public:
     [[nodiscard]] zt::detail::GetterFunction getter() const;
     [[nodiscard]] zt::detail::SetterFunction setter() const;
 
-    /// Sets what reading runs; an empty function removes the getter.
+    /// Sets what reading runs; an empty function or a null pointer removes the getter and leaves
+    /// the type alone.
     ///
     /// Given a callable that takes the object, `[](const Account& self) { return ...; }`, it sets
     /// the type of the property: `Value`, or what the callable gives. Given one that takes the
@@ -207,6 +211,8 @@ public:
         if constexpr (std::is_convertible_v<Callable, zt::detail::GetterFunction>) {
             setUntypedGetter(std::move(callable));
         } else {
+            if (zt::detail::isNullCallable(callable))
+                return setUntypedGetter({});
             using Result = typename zt::detail::ObjectCallable<Callable>::Result;
             using Type = std::conditional_t<std::is_void_v<Value>, Result, Value>;
             auto getter = zt::detail::wrapGetter<Type>(std::move(callable));
@@ -214,7 +220,7 @@ public:
             setUntypedGetter(std::move(getter));
         }
     }
-    /// Sets what writing runs; an empty function removes the setter. A callable
+    /// Sets what writing runs; an empty function or a null pointer removes the setter. A callable
     /// `[](Account& self, double value)` sets the type of the property; a value that does not fit
     /// is told in the log, and the callable is not called.
     template <class Callable = zt::detail::SetterFunction>
@@ -223,6 +229,8 @@ public:
         if constexpr (std::is_convertible_v<Callable, zt::detail::SetterFunction>) {
             setUntypedSetter(std::move(callable));
         } else {
+            if (zt::detail::isNullCallable(callable))
+                return setUntypedSetter({});
             using Params = typename zt::detail::ObjectCallable<Callable>::Params;
             static_assert(Params::count == 1, "A setter takes the object and one value.");
             auto setter = zt::detail::wrapSetter(std::move(callable), Params{});

@@ -3,6 +3,9 @@
 /// @file
 /// The whole library. `fwd.h` is enough for a header that only names its types.
 
+// In front, so that a mistake in a subscription is few includes away.
+#include <zintar/detail/makehandler.h>
+
 #include <zintar/base.h>
 #include <zintar/converter.h>
 #include <zintar/datastream.h>

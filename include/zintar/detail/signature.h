@@ -126,7 +126,7 @@ struct CallableTraits<R (*)(P...)> {
 template <class R, class... P>
 struct CallableTraits<R (*)(P...) noexcept> : CallableTraits<R (*)(P...)> {};
 template <class F>
-    requires requires { &F::operator(); }
+    requires HasTraits<decltype(&F::operator())>
 struct CallableTraits<F> {
     using Result = typename MemberTraits<decltype(&F::operator())>::Result;
     using Params = typename MemberTraits<decltype(&F::operator())>::Params;
@@ -137,6 +137,16 @@ concept PlainCallable = requires
 {
     typename CallableTraits<F>::Params;
 };
+
+/// Whether there is nothing to call: a null pointer, or an empty `std::function`.
+template <class F>
+bool isNullCallable(const F& callable)
+{
+    if constexpr (!std::is_empty_v<F> && requires { callable == nullptr; })
+        return callable == nullptr;
+    else
+        return false;
+}
 
 /// A variable that holds a pointer to a member: what a class is asked for. Each program and plugin
 /// has its own, since the address of an inline member function may differ between them.
