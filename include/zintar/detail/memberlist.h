@@ -167,7 +167,7 @@ struct MemberList {
             return true;
         // Instances of one function template differ by their names alone.
         return isOneName ? a.identity.isSet() && a.identity == b.identity
-                         : a.key && isKnownSameKey(a.key, b.key);
+                         : a.identity.isSet() && isKnownSameKey(a.key, b.key);
     }
 
     constexpr bool hasMemberListedTwice() const
