@@ -395,11 +395,13 @@ struct TypedEvent<Event, Parameters<P...>> {
         static_assert(sizeof...(Arguments) == sizeof...(P),
                       "sendEvent takes the parameters of the event, no more and no fewer.");
         if constexpr (sizeof...(Arguments) == sizeof...(P)) {
-            static_assert((std::is_convertible_v<Arguments, Held<P>> && ...),
-                          "sendEvent takes what converts to the parameters of the event.");
-            const DeclaredEvent& event = declared();
-            if (ZTEventSlot* slot = sender.heardSlot(event.index)) [[unlikely]]
-                deliver(sender, *slot, event, std::forward<Arguments>(arguments)...);
+            constexpr bool fits = (std::is_convertible_v<Arguments, Held<P>> && ...);
+            static_assert(fits, "sendEvent takes what converts to the parameters of the event.");
+            if constexpr (fits) {
+                const DeclaredEvent& event = declared();
+                if (ZTEventSlot* slot = sender.heardSlot(event.index)) [[unlikely]]
+                    deliver(sender, *slot, event, std::forward<Arguments>(arguments)...);
+            }
         }
     }
 

@@ -58,7 +58,7 @@ public:                                                                         
     using Self = Class;                                                                            \
     using ZtSelf = Class;                                                                          \
     using ZtSuper = Super;                                                                         \
-    static_assert(::zt::detail::isObjectClass<Super>,                                              \
+    static_assert(::zt::detail::canBeSuperClass<Super>(),                                          \
                   "ZT_OBJECT: the super class of an object class must be ZTBase or derived from "  \
                   "it.");                                                                          \
     _Pragma("GCC diagnostic push") ZT_DETAIL_NO_OVERRIDE_WARNING                                   \

@@ -20,6 +20,16 @@ namespace zt::detail
 template <class C>
 inline constexpr bool isObjectClass = std::is_base_of_v<ZTBase, C>;
 
+/// The same of what may be no class at all, or one that is not complete.
+template <class C>
+constexpr bool canBeSuperClass()
+{
+    if constexpr (Complete<C>)
+        return std::is_base_of_v<ZTBase, C>;
+    else
+        return false;
+}
+
 // The way of an object into a function goes through two questions, each of which remembers the last
 // answer that was yes: whether the pointer may come along the class tree, and whether the object
 // really is one of the class.

@@ -185,7 +185,9 @@ constexpr SubscribeFault faultOfHandlerParameters()
 template <class Receiver, class F>
 constexpr SubscribeFault faultOfMemberHandler()
 {
-    if constexpr (!HasTraits<F>) {
+    if constexpr (!isMemberPointer<F>) {
+        return SubscribeFault::None;
+    } else if constexpr (!HasTraits<F>) {
         return SubscribeFault::HandlerKind;
     } else {
         using Traits = MemberTraits<F>;
@@ -209,11 +211,9 @@ constexpr SubscribeFault faultOfHandler()
         return SubscribeFault::NullHandler;
     else if constexpr (isInvokablePointer<F>)
         return SubscribeFault::None;
-    else if constexpr (isMemberPointer<F>)
-        return faultOfMemberHandler<Receiver, F>() != SubscribeFault::None
-                   ? faultOfMemberHandler<Receiver, F>()
-                   : faultOfHandlerParameters<F, EventParams<Event>>();
-    else if constexpr (!isCallable<F>)
+    else if constexpr (faultOfMemberHandler<Receiver, F>() != SubscribeFault::None)
+        return faultOfMemberHandler<Receiver, F>();
+    else if constexpr (!isMemberPointer<F> && !isCallable<F>)
         return SubscribeFault::HandlerKind;
     else
         return faultOfHandlerParameters<F, EventParams<Event>>();

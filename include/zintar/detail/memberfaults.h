@@ -121,9 +121,13 @@ constexpr MemberFault faultOfSetter()
 {
     using Value = typename MemberTraits<Getter>::Result;
     if constexpr (std::is_null_pointer_v<Setter>) {
-        bool isSet = !MemberTraits<Getter>::isFunction && !std::is_const_v<Value>;
-        return isSet && !std::is_assignable_v<Value&, Value> ? MemberFault::NotAssignable
-                                                             : MemberFault::None;
+        if constexpr (MemberTraits<Getter>::isFunction || std::is_const_v<Value>)
+            return MemberFault::None;
+        else if constexpr (!std::is_assignable_v<Value&, Value>)
+            return MemberFault::NotAssignable;
+        else
+            return std::is_default_constructible_v<Held<Value>> ? MemberFault::None
+                                                                : MemberFault::NoDefault;
     } else if constexpr (std::is_member_function_pointer_v<Setter> && HasTraits<Setter>) {
         using Params = typename MemberTraits<Setter>::Params;
         if constexpr (Params::count != 1 || !Params::plain)

@@ -27,7 +27,7 @@ constexpr detail::ListedMember<0> info(std::string_view key, std::string_view va
 
 /// An enumeration: `zt::enumeration<Mode>(zt::enumerators<Mode::Off, Mode::Heat>)`.
 template <class Enum, auto... Values>
-constexpr detail::EnumerationEntry enumeration(detail::Enumerators<Values...>)
+constexpr auto enumeration(detail::Enumerators<Values...>)
 {
     using List = detail::Enumerators<Values...>;
     constexpr bool isEnum = std::is_enum_v<Enum>;
