@@ -1,10 +1,10 @@
 # Compiles FILE with CASE defined. What stands behind `#ifdef CASE // expect: ` is the sentence that
 # the compiler must give first, and alone, in an output of at most 12 lines. `expect at length`
 # allows more lines and errors behind it, where the compiler itself has something to say.
-# A CASE of "none" must compile, so that no other fails for another reason.
+# A CASE of NO_MISTAKE must compile, so that no other fails for another reason.
 execute_process(COMMAND ${COMPILER} -std=c++20 -fsyntax-only -D${CASE} -I${INCLUDE} ${FILE}
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
-if(CASE STREQUAL "none")
+if(CASE STREQUAL "NO_MISTAKE")
     if(NOT result EQUAL 0)
         message(FATAL_ERROR "It does not compile without a mistake:\n${output}")
     endif()
