@@ -78,6 +78,8 @@ public:
         return Slot;
     }
     double größe() const { return 1.5; }
+    int far() const { return *m_far; }
+    void setFar(int value) const { *m_far = value; }
     int operator()() { return 1; }
     int operator+(int other) const { return other; }
     int operator[](int) { return 2; }
@@ -95,6 +97,7 @@ private:
             zt::enumeration<Stufe>(
                 zt::enumerators<Stufe::Aus, Stufe::Größte, zt::enumerator("Standard", Stufe::Aus)>),
             zt::property<&Self::größe>(),
+            zt::property<&Self::far, &Self::setFar>(),
             zt::method<&Self::at<3>>(),
             zt::method<&Self::at<4>>().as("at4"),
             zt::method<&Self::operator()>(),
@@ -107,6 +110,7 @@ private:
             zt::method<&Self::second>().as("twin"));
         // clang-format on
     }
+    std::unique_ptr<int> m_far = std::make_unique<int>(1);
 };
 ZT_CLASS(Names)
 
@@ -200,6 +204,7 @@ TEST_F(Declare, TellsTheWholeNameOfEachMemberAndEnumerator)
               "struct host::Names: struct ZTBase\n"
               "enum 0 Stufe Aus=0 Größte=7 Standard=0\n"
               "property 0 double größe get, -1\n"
+              "property 1 int far get set, -1\n"
               "method 4 int at() const, 2\n"
               "method 5 int at4() const, 2\n"
               "method 6 int operator()(), 2\n"
@@ -211,6 +216,13 @@ TEST_F(Declare, TellsTheWholeNameOfEachMemberAndEnumerator)
               "method 11 int operators(), 2\n"
               "method 12 int twin(), 2\n"
               "method 13 int twin(), 2\n");
+}
+
+TEST_F(Declare, SetterMayBeConst)
+{
+    Names names;
+    EXPECT_TRUE(names.setProperty("far", 7));
+    EXPECT_EQ(names.far(), 7);
 }
 
 TEST_F(Declare, OfTwoMembersThatFitTheLaterIsFound)

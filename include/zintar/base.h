@@ -93,11 +93,17 @@ const ZTMetaInvokable* findEvent(Event event)
 template <class Sender, class Event>
 const ZTMetaInvokable* eventOf(Sender*, Event event)
 {
-    const ZTMetaInvokable* descriptor = findEvent(event);
-    if constexpr (isMemberPointer<Event>)
-        if (!descriptor)
-            warnUnknownEvent(MemberTraits<Event>::Class::typeMetaClass());
-    return descriptor;
+    constexpr SubscribeFault fault = faultOfEvent<Sender*, Event>();
+    tell<fault>();
+    if constexpr (fault != SubscribeFault::None) {
+        return nullptr;
+    } else {
+        const ZTMetaInvokable* descriptor = findEvent(event);
+        if constexpr (isMemberPointer<Event>)
+            if (!descriptor)
+                warnUnknownEvent(MemberTraits<Event>::Class::typeMetaClass());
+        return descriptor;
+    }
 }
 } // namespace zt::detail
 
@@ -223,7 +229,8 @@ public:
     ///     ZTBase::subscribe(lamp, &Lamp::switched, journal, [=](bool on) { ... });
     ///
     /// A callable that takes a `const ZTArgumentArray&` fits every event and gets all arguments as
-    /// variants. A callable lives until the subscription ends, so at most as long as the receiver.
+    /// variants. A callable lives until the subscription ends, so at most as long as the receiver;
+    /// a null receiver is refused, which is told in the log.
     /// Whatever the compiler can see to be wrong does not compile.
     template <class Sender, class Event, class Receiver, class Handler>
         requires(!(zt::detail::isInvokableOrNull<Event> && zt::detail::isInvokableOrNull<Handler>))
@@ -274,8 +281,8 @@ public:
     /// ends nothing.
     static bool unsubscribe(const ZTBase* sender, const ZTMetaInvokable* event,
                             const ZTBase* subscriber, const ZTMetaInvokable* handler);
-    /// The same with member functions. A callable cannot be found again by its value: end its
-    /// subscription through the handle.
+    /// The same with member functions. A callable cannot be found again by its value, nor a
+    /// function that was subscribed without a receiver: end its subscription through the handle.
     template <class Sender, class Event, class Receiver, class Handler>
         requires(!(zt::detail::isInvokableOrNull<Event> && zt::detail::isInvokableOrNull<Handler>))
     static bool unsubscribe(const Sender& sender, Event event, const Receiver& receiver,
