@@ -59,22 +59,6 @@ constexpr bool isIdentifierChar(char c) noexcept
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-/// The last identifier of the probe's text: the bare name of a member or an enumerator, or an
-/// empty view for a value that has no name.
-template <auto Value>
-constexpr std::string_view valueName() noexcept
-{
-    std::string_view text = valueProbe<Value>();
-    std::size_t end = text.size();
-    while (end > 0 && !isIdentifierChar(text[end - 1]))
-        --end;
-    std::size_t begin = end;
-    while (begin > 0 && isIdentifierChar(text[begin - 1]))
-        --begin;
-    bool named = begin < end && (text[begin] < '0' || text[begin] > '9');
-    return named ? text.substr(begin, end - begin) : std::string_view();
-}
-
 /// Text of at most `Capacity` bytes that can be built while compiling.
 template <std::size_t Capacity>
 struct TextBuffer {
