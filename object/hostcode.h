@@ -21,32 +21,29 @@
 //    allocation leaves all as it was. Where code of the host stands in between, room is kept:
 //    `ZTJoining`. What destroys or ends something takes no memory at all.
 //
-// operation             code of the host runs              rule
-// --------------------  ---------------------------------
-// ------------------------------------------ setParent             childRemoved, childAdded watches
-// the object and the new parent ~ZTBase               destroyed                          as the
-// object; then its record ends:
-//  and assignment over  childRemoved of the parent         the record is there until the next line
-//  an object            ends of the children               the record is there until the next line
-//                       a line in the log                  the object has no record any more
-//                       ends of properties and handlers    the record is gone; last act
-// dynamic property,     copy of the value                  ZTValueReading
-//  reading
-//  setting              comparison, copy                   watches the object, looks the name up
-//  again
-//                       dynamicPropertyChanged             nothing is used behind it
-//                       end of the old value               last act
-// subscribe             end of a handler that is refused   last act
-// unsubscribe           ends of the handlers               last act
-// raising an event      copies of typed values             watches the sender, looks the slot up
-// again
-//                       handlers                           ZTDelivery
-//                       end of a handler that ended        within `Call`, when it has returned
-// declared property,    copies and conversions of values   before the object is asked for
-//  method by name       getter, setter, method             nothing is used behind it
-// ZTEventListener       copies of what it records          watches the listener, which takes them
-// last
-//                       ends of records                    last act
+// clang-format off
+// operation               code of the host runs               rule
+// ----------------------  ----------------------------------  --------------------------------
+// setParent               childRemoved, childAdded            watches object and new parent
+// ~ZTBase, and            destroyed                           the record may be moved away
+//  assignment over an     childRemoved, ends of the children  the record is still in its place
+//  object                 a line in the log                   the object has no record any more
+//                         ends of properties and handlers     last act
+// reading a dynamic       copy of the value                   ZTValueReading
+//  property
+// setting one             comparison, copies                  watches the object, looks it up again
+//                         dynamicPropertyChanged              told by values made before
+//                         end of the old value                last act
+// subscribe               end of a handler that is refused    last act
+// unsubscribe             ends of the handlers                last act
+// raising an event        copies of typed values              watches sender, looks slot up again
+//                         handlers                            ZTDelivery
+//                         end of a handler that has ended     when it has returned: Call
+// declared property,      copies, conversions of values       watches the object
+//  method by name         getter, setter, method              nothing is used behind it
+// ZTEventListener         copies of what it records           watches the listener
+//                         ends of records                     last act
+// clang-format on
 
 /// The handlers that an operation has ended. They are destroyed when this is, in the order of being
 /// added.

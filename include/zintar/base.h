@@ -184,9 +184,9 @@ public:
     /// Sets a property of the class, or else a dynamic property of this object.
     ///
     /// A setter converts the value by a registered converter where it has to; what it cannot take
-    /// is told in the log and leaves the property as it was. A property that the class declares without a setter stays
-    /// unchanged and still answers true. A dynamic property that changes sends
-    /// `dynamicPropertyChanged`.
+    /// is told in the log and leaves the property as it was. A property that the class declares
+    /// without a setter stays unchanged and still answers true. A dynamic property that changes
+    /// sends `dynamicPropertyChanged`.
     /// @param createDynamic  store the value under a name that the class does not know; also
     ///                       needed to write an existing dynamic property
     /// @return false when the class does not know the name and `createDynamic` is false

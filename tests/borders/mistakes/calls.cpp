@@ -35,19 +35,23 @@ private:
 };
 ZT_CLASS(Lamp)
 
-#ifdef ARRAY_IN_A_VARIANT // expect at length: A variant cannot hold an array, nor text of other characters than char: use a std::array,
+#ifdef ARRAY_IN_A_VARIANT // expect at length: A variant cannot hold an array, nor text of other
+                          // characters than char: use a std::array,
 // a std::vector or a string.
 
 ZTVariant hold(const int (&numbers)[3]) { return ZTVariant(numbers); }
 #endif
 
-#ifdef INITIALIZER_LIST_IN_A_VARIANT // expect at length: A variant cannot hold a std::initializer_list, which does not own what is in it: use a
+#ifdef INITIALIZER_LIST_IN_A_VARIANT // expect at length: A variant cannot hold a
+                                     // std::initializer_list, which does not own what is in it: use
+                                     // a
 // std::vector.
 
 ZTVariant hold(std::initializer_list<int> numbers) { return ZTVariant(numbers); }
 #endif
 
-#ifdef WIDE_TEXT_IN_A_VARIANT // expect at length: A variant cannot hold an array, nor text of other characters than char: use a std::array,
+#ifdef WIDE_TEXT_IN_A_VARIANT // expect at length: A variant cannot hold an array, nor text of other
+                              // characters than char: use a std::array,
 // a std::vector or a string.
 
 void setTitle(ZTBase& window) { window.setProperty("title", L"wide"); }
