@@ -52,6 +52,7 @@ public:
     void lit(const std::string& reason, int level) { sendEvent<&Self::lit>(reason, level); }
     void spent(const std::string& reason) { sendEvent<&Self::spent>(reason); }
     void hear(const std::string& reason) { diary.add(reason); }
+    void notListed() {}
     void hearAll(const std::string&, int level) { diary.add(level ? "all" : "none"); }
     std::string joined(const std::string& head, int) const { return head + label; }
 
@@ -232,6 +233,7 @@ TEST_F(FailingMemory, Subscribing)
         DO(s.handle = ZTBase::subscribe(s.room.get(), s.spent, s.lamp, s.hear)),
         DO(s.handle = ZTBase::subscribe(s.room.get(), s.spent, s.lamp, s.hearAll)),
         DO(s.handle = ZTBase::subscribe(s.room.get(), &Lamp::hear, s.lamp, &Lamp::hear)),
+        DO(s.handle = ZTBase::subscribe(s.room.get(), &Lamp::notListed, s.lamp, [t = longText] { diary.add(t); })),
     });
 }
 

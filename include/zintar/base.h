@@ -240,14 +240,19 @@ public:
         using namespace zt::detail;
         constexpr SubscribeFault fault = faultOfSubscription<Sender, Event, Receiver, Handler>();
         tell<fault>();
-        if constexpr (fault != SubscribeFault::None)
+        if constexpr (fault != SubscribeFault::None) {
             return {};
-        else if constexpr (isInvokablePointer<Handler>)
-            return subscribe(sender, eventOf(sender, event), receiver, handler);
-        else
-            return subscribeFor(receiver, sender, eventOf(sender, event),
-                                makeHandler<std::remove_pointer_t<Receiver>, EventParams<Event>>(
-                                    std::move(handler)));
+        } else {
+            // Before there is a handler to lose.
+            const ZTMetaInvokable* descriptor = eventOf(sender, event);
+            if constexpr (isInvokablePointer<Handler>)
+                return subscribe(sender, descriptor, receiver, handler);
+            else
+                return subscribeFor(
+                    receiver, sender, descriptor,
+                    makeHandler<std::remove_pointer_t<Receiver>, EventParams<Event>>(
+                        std::move(handler)));
+        }
     }
 
     /// Subscribes a function, or a callable without captures, that no object's life bounds; or a
@@ -260,12 +265,14 @@ public:
         using namespace zt::detail;
         constexpr SubscribeFault fault = faultOfFreeSubscription<Sender, Event, Handler>();
         tell<fault>();
-        if constexpr (fault == SubscribeFault::None)
-            return FreeSubscription<Handler>(
-                subscribeImpl(sender, eventOf(sender, event), nullptr,
-                              makeHandler<ZTBase, EventParams<Event>>(std::move(handler))));
-        else
+        if constexpr (fault != SubscribeFault::None) {
             return {};
+        } else {
+            const ZTMetaInvokable* descriptor = eventOf(sender, event);
+            return FreeSubscription<Handler>(
+                subscribeImpl(sender, descriptor, nullptr,
+                              makeHandler<ZTBase, EventParams<Event>>(std::move(handler))));
+        }
     }
 
     // Unsubscribing. Each form ends every subscription that fits, at once, also while the event is
