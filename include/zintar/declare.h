@@ -69,7 +69,7 @@ public:                                                                         
                                                                                                    \
 private:                                                                                           \
     friend struct ::zt::detail::ClassAccess;                                                       \
-    friend constexpr void ztObjectClass(::zt::detail::ObjectClassTag<Class>) {}                    \
+    [[maybe_unused]] friend constexpr void ztObjectClass(::zt::detail::ObjectClassTag<Class>) {}   \
     static ::zt::detail::ClassTable& ztTable();
 
 #define ZT_DETAIL_JOIN(a, b) a##b
