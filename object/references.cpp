@@ -34,8 +34,6 @@ ZTRefImpl* ZTRefImpl::get(const ZTBase* object)
 
 ZTRefImpl::ZTRefImpl(const ZTBase* of) noexcept : refCount(1), holders(2), object(of) {}
 
-ZTRefImpl::~ZTRefImpl() = default;
-
 void ZTRefImpl::letGo() noexcept
 {
     if (--holders == 0)

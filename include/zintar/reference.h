@@ -37,7 +37,7 @@ private:
     friend struct ::ZTBasePrivate;
 
     explicit ZTRefImpl(const ZTBase* of) noexcept;
-    ~ZTRefImpl();
+    ~ZTRefImpl() = default;
     /// The block of the object with one more reference on it; null for null.
     static ZTRefImpl* get(const ZTBase* object);
     /// Called by whoever takes `refCount` down to 0. Touches nothing of the object.
