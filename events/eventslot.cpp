@@ -170,7 +170,8 @@ void ZTEventSlot::askAnew(const ZTMetaClass& senderClass, int index)
     m_descriptorsEnded = descriptorsEndedNow();
     m_class = &senderClass;
     m_event = senderClass.invokable(static_cast<unsigned int>(index));
-    ++m_askings;
+    for (ZTDelivery* delivery = dispatching; delivery; delivery = delivery->m_outer)
+        delivery->m_isCurrent = false;
     for (ZTSlotEntry& entry : subscriptions) {
         if (!entry.record)
             continue;
@@ -184,7 +185,6 @@ ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, int index,
     : m_sender(&sender),
       m_slot(slot),
       m_index(index),
-      m_askings(slot.askings()),
       m_event(event),
       m_outer(slot.dispatching),
       m_end(m_outer ? m_outer->m_end : slot.subscriptions.size())

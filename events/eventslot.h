@@ -75,8 +75,6 @@ struct ZTEventSlot {
             askAnew(*senderClass, index);
         return m_event;
     }
-    /// Changes whenever the handlers have been asked anew whether they take the event.
-    [[nodiscard]] unsigned int askings() const { return m_askings; }
 
     /// In the order of delivery; empty where a subscription has ended.
     std::vector<ZTSlotEntry> subscriptions;
@@ -100,7 +98,6 @@ private:
     const ZTMetaClass* m_class = nullptr;
     const ZTMetaInvokable* m_event = nullptr;
     unsigned int m_descriptorsEnded = 0;
-    unsigned int m_askings = 0;
     /// Null as long as nobody had to search among many.
     std::unique_ptr<ZTSlotIndex> m_index;
 };
@@ -125,12 +122,9 @@ public:
     }
 
     /// The next entry, which may be empty; null at the end, and when the sender has died.
-    const ZTSlotEntry* next()
-    {
-        return m_sender && m_next < m_end ? &m_slot.subscriptions[m_next++] : nullptr;
-    }
+    const ZTSlotEntry* next() { return m_next < m_end ? &m_slot.subscriptions[m_next++] : nullptr; }
     /// Whether what the slot knows of its handlers is about this delivery's event.
-    [[nodiscard]] bool isCurrent() const { return m_askings == m_slot.askings(); }
+    [[nodiscard]] bool isCurrent() const { return m_isCurrent; }
 
     void enterReceiver(ZTBasePrivate& receiver)
     {
@@ -154,6 +148,7 @@ public:
     ZTDelivery* senderDied()
     {
         m_sender = nullptr;
+        m_end = 0;
         return m_outer;
     }
     ZTDelivery* receiverDied()
@@ -168,7 +163,7 @@ private:
     ZTBasePrivate* m_sender;
     ZTEventSlot& m_slot;
     int m_index;
-    unsigned int m_askings;
+    bool m_isCurrent = true;
     const ZTMetaInvokable& m_event;
     ZTDelivery* m_outer;
     std::size_t m_next = 0;

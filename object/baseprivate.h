@@ -113,6 +113,9 @@ struct ZTBasePrivate : zt::detail::InBlocks {
         return found ? *found : nullptr;
     }
     void setDynamicProperty(std::string_view name, const ZTVariant& value);
+    /// @param property  the one with that name, or null
+    void changeDynamicProperty(zt::detail::DynamicProperty* property, std::string_view name,
+                               const ZTVariant& value);
     zt::detail::DynamicProperty& addDynamicProperty(std::string_view name, ZTVariant&& value);
     std::vector<std::string_view> dynamicPropertyNames() const;
 

@@ -83,12 +83,22 @@ bool isDifferent(zt::detail::DynamicProperty& property, const ZTVariant& value)
 
 void ZTBasePrivate::setDynamicProperty(std::string_view name, const ZTVariant& value)
 {
+    zt::detail::DynamicProperty* property = findDynamicProperty(name);
+    // Where nobody listens, no code of the host comes between one built-in value and another.
+    if (property && !eventSlots && ZTMetaTypePrivate::of(value.type()).isBuiltIn &&
+        (!(property->value != value) || zt::detail::assignInPlace(property->value, value)))
+        return;
+    changeDynamicProperty(property, name, value);
+}
+
+void ZTBasePrivate::changeDynamicProperty(zt::detail::DynamicProperty* property,
+                                          std::string_view name, const ZTVariant& value)
+{
     using Changed =
         zt::detail::TypedEvent<&ZTBase::dynamicPropertyChanged,
                                zt::detail::Parameters<const std::string&, const ZTVariant&>>;
     ZTVariant old; // the last to go
     ZTLifeWatch self(this);
-    zt::detail::DynamicProperty* property = findDynamicProperty(name);
     if (property && (!isDifferent(*property, value) || !self))
         return;
     if (!eventSlots && property && zt::detail::assignInPlace(property->value, value))

@@ -34,6 +34,7 @@ public:
             Functions::createDefault(), Functions::compare(), serialize, deserialize,
             Functions::print(), nullptr);
         record->isInBlocks = true;
+        record->isBuiltIn = true;
         record->assign = Functions::assign();
         m_registry.add(std::move(record), alias);
     }

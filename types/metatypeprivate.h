@@ -85,6 +85,7 @@ struct ZTMetaTypePrivate {
     zt::detail::DeserializeFunction deserialize;
     zt::detail::PrintFunction print;
     bool isInBlocks = false;
+    bool isBuiltIn = false; ///< of the types that are always there
     zt::detail::AssignFunction assign = nullptr;
     std::atomic<const ZTMetaTypeName*> aliases = nullptr;
     zt::detail::PublishedIndex<ZTConverter> convertersTo;

@@ -4,7 +4,9 @@
 #include <zintar/detail/signature.h>
 #include <zintar/subscription.h>
 
+#include <atomic>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -140,22 +142,27 @@ public:
 
 private:
     /// Whether the object still is what the member function needs: its destruction may have gone
-    /// further, and a move may leave a part of what it was behind.
+    /// further, and a move may leave a part of what it was behind. It is asked when its table of
+    /// virtual functions is another one than that of the last receiver.
     template <class Object> // `ZTBase`, which may be incomplete here
     bool isReceiver(const Object& subscriber)
     {
         if constexpr (!std::is_same_v<std::remove_const_t<Receiver>, ZTBase>) {
-            if (&typeid(subscriber) == m_knownClass) [[likely]]
+            const void* table;
+            std::memcpy(&table, static_cast<const void*>(&subscriber), sizeof(table));
+            if (table == knownTable.load(std::memory_order_relaxed)) [[likely]]
                 return true;
             if (!dynamic_cast<const Receiver*>(&subscriber))
                 return false;
-            m_knownClass = &typeid(subscriber);
+            knownTable.store(table, std::memory_order_relaxed);
         }
         return true;
     }
 
+    /// Of the last receiver that was asked.
+    inline static std::atomic<const void*> knownTable = nullptr;
+
     Method m_method;
-    const std::type_info* m_knownClass = nullptr;
 };
 
 template <class Callable, class Params>
