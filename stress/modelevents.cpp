@@ -43,9 +43,9 @@ int Model::audienceOf(Id sender, Event event) const
     limit(walk);
     int count = 0;
     for (const auto& [id, one] : subscriptions) {
-        if (one.sender != sender || one.event != event || !one.isAlive || id >= walk.certainEnd)
+        if (one.sender != sender || one.event != event || !one.isAlive || id >= walk.allowedEnd)
             continue;
-        if (!isCertain(one))
+        if (!isCertain(one) || id >= walk.certainEnd)
             return -1;
         count += isReached(one, walk);
     }

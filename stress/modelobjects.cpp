@@ -89,10 +89,16 @@ void Model::leaveBelow(Id soul, Id above)
 
 void Model::moveSoul(Id from, Id to)
 {
-    bodies.at(to).soul = bodies.at(from).soul;
+    Id id = bodies.at(from).soul;
+    bodies.at(to).soul = id;
     bodies.at(from).soul = none;
-    if (Soul* soul = soulOf(to))
-        soul->body = to;
+    if (id == none)
+        return;
+    Soul& soul = souls.at(id);
+    soul.body = to;
+    // A parent that is coming to its end may have let go of what was dying then.
+    if (bodies.at(from).isDying && soul.parent != none && !isSettled(soul.parent))
+        join(id, soul.parent);
 }
 
 Id Model::startAssigning(Id to, Id from)

@@ -169,6 +169,8 @@ void World::close()
         execute({Code::Strong, {holder, nobody}});
     }
     execute({Code::Change, {0}});
+    ++m_muted; // what the array got by that runs nothing any more
+    execute({Code::Change, {0}});
     clearAttic();
 }
 
