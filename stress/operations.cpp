@@ -240,8 +240,10 @@ void World::block(const Operands& o, bool isBlocked)
     auto count = [this](const Blocked& blocked) -> int* {
         if (blocked.soul == none)
             return nullptr;
+        // Where no handler runs the delivery may be over, and what it raised just goes.
         for (Frame& frame : m_model.frames)
-            frame.isLoose = frame.isLoose || (blocked.isSent && frame.sender == blocked.soul);
+            frame.isLoose =
+                frame.isLoose || (blocked.isSent ? frame.sender == blocked.soul : !frame.isRunning);
         Soul& soul = m_model.souls.at(blocked.soul);
         return blocked.isSent ? &soul.sentBlockers : &soul.receivedBlockers;
     };
