@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../types/nameindex.h"
+#include "../common/nameindex.h"
 
 #include <zintar/metaclass.h>
 

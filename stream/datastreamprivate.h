@@ -1,6 +1,6 @@
 #pragma once
 
-#include "littleendian.h"
+#include "../common/littleendian.h"
 
 #include <zintar/datastream.h>
 

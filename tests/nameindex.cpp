@@ -1,4 +1,4 @@
-#include "types/nameindex.h"
+#include "common/nameindex.h"
 
 #include "support/crafted.h"
 

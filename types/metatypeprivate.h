@@ -1,7 +1,7 @@
 #pragma once
 
-#include "nameindex.h"
-#include "publishedindex.h"
+#include "../common/nameindex.h"
+#include "../common/publishedindex.h"
 
 #include <zintar/metatype.h>
 #include <zintar/variant.h>

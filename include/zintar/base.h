@@ -1,7 +1,7 @@
 #pragma once
 
+#include <zintar/detail/declaredevent.h>
 #include <zintar/detail/lent.h>
-#include <zintar/detail/lifewatch.h>
 #include <zintar/detail/makehandler.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
@@ -15,97 +15,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-
-namespace zt::detail
-{
-class ClassTable;
-struct ClassAccess;
-
-/// An event as it is raised with typed values.
-struct DeclaredEvent {
-    DeclaredEvent(const ZTMetaClass& declaringClass, int indexInClass)
-        : index(indexInClass), descriptor(declaringClass.invokable(indexInClass))
-    {}
-
-    int index; ///< class-wide; -1 when the class does not list the event
-    const ZTMetaInvokable* descriptor;
-};
-
-template <auto Event, class Params>
-struct TypedEvent;
-
-/// Tells one object class from another; see `declare.h`.
-template <class C>
-struct ObjectClassTag {};
-
-/// The list of a declared class as this program or plugin sees it; see `declare.h`.
-template <class C>
-struct DeclaredHere;
-
-/// The class-wide index of a member function that class `C` declares, or -1.
-/// @param variable  holds the pointer to the member function
-template <class C>
-int indexOfMember(void* variable)
-{
-    int index = C::typeMetaClass().indexOfInvokable(variable);
-    // A plugin may have a copy of an inline member at an address of its own.
-    if constexpr (requires { typename C::ZtSuper; })
-        if (index < 0)
-            index = DeclaredHere<C>::indexOf(variable);
-    return index;
-}
-
-/// Raises an event of an object for a function of its class.
-struct ZT_EXPORT EventRaiser {
-    static void raise(const ZTBase& sender, int index, const ZTArgumentArray& arguments);
-    /// Raises it with typed values, if the sender is still there and somebody still listens.
-    static void raise(const ZTLifeWatch& sender, const DeclaredEvent& event, void** values);
-};
-
-/// Whether a value for an event is made of an argument without code of the host.
-template <class Value, class Argument>
-inline constexpr bool isPlainCopy = std::is_same_v<Value, Argument>
-                                        ? std::is_trivially_copyable_v<Value> ||
-                                              std::is_same_v<Value, std::string>
-                                        : (std::is_scalar_v<Value>&& std::is_scalar_v<Argument>) ||
-                                              (std::is_same_v<Value, std::string> &&
-                                               (std::is_pointer_v<Argument> ||
-                                                std::is_same_v<Argument, std::string_view>));
-
-/// Logs that a member function that was to be subscribed to is no invokable of its class.
-ZT_EXPORT void warnUnknownEvent(const ZTMetaClass& metaClass);
-
-/// The descriptor of an event, which a host gives as such or as a member function; null for a
-/// member function that its class does not list.
-template <class Event>
-const ZTMetaInvokable* findEvent(Event event)
-{
-    if constexpr (isMemberPointer<Event>) {
-        using Class = typename MemberTraits<Event>::Class;
-        int index = indexOfMember<Class>(&event);
-        return index < 0 ? nullptr : Class::typeMetaClass().invokable(index);
-    } else {
-        return event;
-    }
-}
-
-/// The same for subscribing, where a member function that is no event is told.
-template <class Sender, class Event>
-const ZTMetaInvokable* eventOf(Sender*, Event event)
-{
-    constexpr SubscribeFault fault = faultOfEvent<Sender*, Event>();
-    tell<fault>();
-    if constexpr (fault != SubscribeFault::None) {
-        return nullptr;
-    } else {
-        const ZTMetaInvokable* descriptor = findEvent(event);
-        if constexpr (isMemberPointer<Event>)
-            if (!descriptor)
-                warnUnknownEvent(MemberTraits<Event>::Class::typeMetaClass());
-        return descriptor;
-    }
-}
-} // namespace zt::detail
 
 /// The root of every object that the library reflects.
 ///
@@ -387,77 +296,4 @@ private:
 /// Prints the address.
 ZT_EXPORT std::ostream& operator<<(std::ostream& stream, const ZTBase* object);
 
-namespace zt::detail
-{
-/// One declared event, with its index and the way to send it from typed values.
-template <auto Event, class... P>
-struct TypedEvent<Event, Parameters<P...>> {
-    static_assert(sizeof...(P) <= maxParamCount,
-                  "An event carries at most ZTMetaInvokable::MaxParamCount parameters.");
-
-    static const DeclaredEvent& declared()
-    {
-        using Class = typename MemberTraits<decltype(Event)>::Class;
-        static const DeclaredEvent found(Class::typeMetaClass(),
-                                         indexOfMember<Class>(memberKey<Event>()));
-        return found;
-    }
-
-    template <class... Arguments>
-    static void send(const ZTBase& sender, Arguments&&... arguments)
-    {
-        static_assert(sizeof...(Arguments) == sizeof...(P),
-                      "sendEvent takes the parameters of the event, no more and no fewer.");
-        if constexpr (sizeof...(Arguments) == sizeof...(P)) {
-            constexpr bool fits = (std::is_convertible_v<Arguments, Held<P>> && ...);
-            static_assert(fits, "sendEvent takes what converts to the parameters of the event.");
-            if constexpr (fits) {
-                const DeclaredEvent& event = declared();
-                if (ZTEventSlot* slot = sender.heardSlot(event.index)) [[unlikely]]
-                    deliver(sender, *slot, event, std::forward<Arguments>(arguments)...);
-            }
-        }
-    }
-
-private:
-    // Out of line, so that a send that nobody hears is short.
-    template <class... Arguments>
-    [[gnu::noinline]] static void deliver(const ZTBase& sender, ZTEventSlot& slot,
-                                          const DeclaredEvent& event, Arguments&&... arguments)
-    {
-        if constexpr ((isPlainCopy<Held<P>, std::decay_t<Arguments>> && ...)) {
-            withCopies([&](void** values) { sender.sendValues(slot, event, values); },
-                       std::forward<Arguments>(arguments)...);
-        } else {
-            ZTLifeWatch watch(&sender);
-            withCopies([&](void** values) { EventRaiser::raise(watch, event, values); },
-                       std::forward<Arguments>(arguments)...);
-        }
-    }
-
-    /// Copies, since a handler may change what the arguments refer to.
-    template <class Send, class... Arguments>
-    static void withCopies(const Send& send, Arguments&&... arguments)
-    {
-        std::tuple<Held<P>...> values(hold<P>(std::forward<Arguments>(arguments))...);
-        std::apply(
-            [&](auto&... value) {
-                void* addresses[] = {std::addressof(value)..., nullptr};
-                send(addresses);
-            },
-            values);
-    }
-
-    template <class Parameter, class Argument>
-    static Held<Parameter> hold(Argument&& argument)
-    {
-        if constexpr (std::is_pointer_v<std::decay_t<Argument>> &&
-                      std::is_same_v<Held<Parameter>, std::string>) {
-            const char* text = argument;
-            return text ? text : "";
-        } else {
-            return static_cast<Held<Parameter>>(std::forward<Argument>(argument));
-        }
-    }
-};
-} // namespace zt::detail
+#include <zintar/detail/typedevent.h>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/values/untyped.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 
@@ -19,22 +20,6 @@ enum class ZTPartialOrdering : signed char {
     Greater = 1,
     Unordered = 2, ///< the type has no comparison, or only equality and the values differ
 };
-
-namespace zt::detail
-{
-// What a type can do, seen through untyped pointers. Any of them may be null.
-using CreateFunction = void* (*)(const void* source);
-using DestroyFunction = void (*)(void* block);
-using CreateDefaultFunction = void* (*)();
-using CompareFunction = ZTPartialOrdering (*)(const void* a, const void* b);
-using SerializeFunction = void (*)(ZTDataStream& stream, const void* value);
-using DeserializeFunction = void (*)(ZTDataStream& stream, void* value);
-using PrintFunction = void (*)(std::ostream& stream, const void* value);
-using AssignFunction = void (*)(void* target, const void* source);
-using ConverterFunction = bool (*)(const void* source, void* target);
-/// Gives the class that a pointer type points to, complete.
-using ClassFunction = const ZTMetaClass* (*)();
-} // namespace zt::detail
 
 /// The run-time record of one value type: how to make, copy, destroy, compare, stream and print a
 /// value that is known only as an untyped pointer, what the type is called, and which class it

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <zintar/datastream.h>
-#include <zintar/detail/abilities.h>
 #include <zintar/detail/blocks.h>
+#include <zintar/detail/values/abilities.h>
 #include <zintar/metatype.h>
 
 #include <concepts>
