@@ -17,6 +17,7 @@
 #include "metaclassbuilderprivate.h"
 
 #include <zintar/base.h>
+#include <zintar/classrecord.h>
 #include <zintar/datastream.h>
 #include <zintar/log.h>
 #include <zintar/metaclassbuilder.h>
@@ -28,8 +29,7 @@
 
 namespace
 {
-constexpr unsigned short constFlag = 1;
-constexpr unsigned short eventFlag = 2;
+using Flags = ZTClassRecordFlags;
 
 void write(ZTDataStream& stream, const ZTMetaClassInfo& info)
 {
@@ -45,8 +45,8 @@ void write(ZTDataStream& stream, const ZTMetaEnum& metaEnum)
 
 void write(ZTDataStream& stream, const ZTMetaInvokable& invokable)
 {
-    auto flags = static_cast<unsigned short>((invokable.isConst() ? constFlag : 0) |
-                                             (invokable.isEvent() ? eventFlag : 0));
+    auto flags = static_cast<unsigned short>((invokable.isConst() ? Flags::ConstInvokable : 0) |
+                                             (invokable.isEvent() ? Flags::Event : 0));
     stream << invokable.name() << invokable.returnMetaType() << flags
            << static_cast<int>(invokable.accessSpecifier()) << invokable.parameterCount();
     for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
@@ -58,9 +58,8 @@ void write(ZTDataStream& stream, const ZTMetaProperty& property, unsigned int in
     int event = property.changeEventIndex();
     if (event >= 0)
         event -= static_cast<int>(invokableOffset);
-    auto flags =
-        static_cast<unsigned char>((property.canGet() ? ZTDynamicMetaProperty::storedGetter : 0) |
-                                   (property.canSet() ? ZTDynamicMetaProperty::storedSetter : 0));
+    auto flags = static_cast<unsigned char>((property.canGet() ? Flags::Readable : 0) |
+                                            (property.canSet() ? Flags::Writable : 0));
     stream << property.name() << property.metaType() << event << flags << property.propInfoCount();
     for (unsigned int i = 0; i < property.propInfoCount(); ++i)
         stream << property.propInfoKey(i) << property.propInfoValue(i);
@@ -180,8 +179,8 @@ private:
         int access = 0;
         if (!read(invokable.m_name, invokable.m_returnMetaType, flags, access))
             return;
-        invokable.m_isConst = flags & constFlag;
-        invokable.m_isEvent = flags & eventFlag;
+        invokable.m_isConst = flags & Flags::ConstInvokable;
+        invokable.m_isEvent = flags & Flags::Event;
         invokable.m_access = static_cast<ZTAccessSpecifier>(access);
         readList<unsigned int>([&] {
             const ZTMetaType* type = nullptr;

@@ -1,6 +1,7 @@
 #include "memberbuilderprivate.h"
 #include "metaclassbuilderprivate.h"
 
+#include <zintar/classrecord.h>
 #include <zintar/metaclassbuilder.h>
 #include <zintar/staticmetaclass.h>
 
@@ -72,13 +73,13 @@ void ZTMetaPropertyBuilder::setMetaType(const ZTMetaType& type)
 bool ZTMetaPropertyBuilder::canGet() const
 {
     const ZTDynamicMetaProperty& property = *priv->descriptor;
-    return (property.m_accessFlags & ZTDynamicMetaProperty::storedGetter) || property.canGet();
+    return (property.m_accessFlags & ZTClassRecordFlags::Readable) || property.canGet();
 }
 
 bool ZTMetaPropertyBuilder::canSet() const
 {
     const ZTDynamicMetaProperty& property = *priv->descriptor;
-    return (property.m_accessFlags & ZTDynamicMetaProperty::storedSetter) || property.canSet();
+    return (property.m_accessFlags & ZTClassRecordFlags::Writable) || property.canSet();
 }
 
 zt::detail::GetterFunction ZTMetaPropertyBuilder::getter() const
@@ -101,13 +102,13 @@ void clearFlag(unsigned char& flags, unsigned char flag)
 
 void ZTMetaPropertyBuilder::setUntypedGetter(zt::detail::GetterFunction getter)
 {
-    clearFlag(priv->descriptor->m_accessFlags, ZTDynamicMetaProperty::storedGetter);
+    clearFlag(priv->descriptor->m_accessFlags, ZTClassRecordFlags::Readable);
     priv->descriptor->m_getter.swap(getter); // the old one, of the host, ends last
 }
 
 void ZTMetaPropertyBuilder::setUntypedSetter(zt::detail::SetterFunction setter)
 {
-    clearFlag(priv->descriptor->m_accessFlags, ZTDynamicMetaProperty::storedSetter);
+    clearFlag(priv->descriptor->m_accessFlags, ZTClassRecordFlags::Writable);
     priv->descriptor->m_setter.swap(setter);
 }
 

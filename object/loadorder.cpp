@@ -3,11 +3,13 @@
 // holds within a file only:
 //
 // 1. The class of `ZTBase`. Looking up its pointer type creates the registry with the built-in
-//    types. No variant is made and no event is sent before step 4.
+//    types. No variant is made and no event is sent before step 3.
 // 2. The class of `ZTDynamicBase`, which counts on from the root's.
-// 3. The class of the event listener, which is made when the first listener is.
-// 4. The invalid type. From here on variants can be made.
-// 5. `ZTVariant` gets its alias.
+// 3. The invalid type. From here on variants can be made.
+// 4. `ZTVariant` gets its alias.
+//
+// What the library needs for some hosts alone is made at its first use, like the class of the event
+// listener.
 
 #include <zintar/declare.h>
 

@@ -86,10 +86,6 @@ struct ZTDynamicMetaProperty final : ZTMetaProperty {
     using Getter = std::function<ZTVariant(const ZTVariant&)>;
     using Setter = std::function<ZTVariant(const ZTVariant&, const ZTVariant&)>;
 
-    /// Bits of `m_accessFlags`: accessors that a stored class had and that are not given back yet.
-    static constexpr unsigned char storedGetter = 1;
-    static constexpr unsigned char storedSetter = 2;
-
     ZTDynamicMetaProperty() = default;
     [[nodiscard]] std::string_view name() const override { return m_name; }
     [[nodiscard]] const ZTMetaType& metaType() const override;
@@ -108,6 +104,7 @@ struct ZTDynamicMetaProperty final : ZTMetaProperty {
     std::weak_ptr<ZTDynamicMetaInvokable> m_changeEvent;
     std::vector<std::pair<std::string, std::string>> m_propInfos;
     const ZTMetaType* m_metaType = nullptr;
+    /// The accessors that a stored class had and that are not given back yet.
     unsigned char m_accessFlags = 0;
     Getter m_getter;
     Setter m_setter;

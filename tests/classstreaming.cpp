@@ -154,7 +154,7 @@ TEST(ClassReader, StopsAtTheFirstFailedReadAndKeepsWhatWasRead)
     const std::string bytes = heaterBytes();
     const std::size_t firstProperty = bytes.find("serial") - 8;
     for (std::size_t size = 0; size < bytes.size(); ++size) {
-        support::CapturedLog log;
+        ZTLogCapture log;
         ZTDataStream stream = support::streamOf(bytes.substr(0, size));
         ZTMetaClassBuilder builder;
         builder.deserialize(stream, withDevice);

@@ -189,7 +189,7 @@ TEST_P(DescriptorContract, IsDerivedFromComparesDescriptorsAndWarnsOfDynamicOnes
     const std::string head = "Zintar: ZTMetaClass::isDerivedFrom called ";
     const std::string on = head + "on dynamic meta class \"struct sample::Heater\".\n";
     const std::string with = head + "with dynamic meta class \"struct sample::Device\".\n";
-    support::CapturedLog log;
+    ZTLogCapture log;
     EXPECT_TRUE(heater.isDerivedFrom(&device));
     EXPECT_TRUE(heater.isDerivedFrom(&ZTBase::typeMetaClass()));
     EXPECT_EQ(log.err(), GetParam().make == &declared ? "" : on + with + on);
@@ -227,9 +227,9 @@ TEST_P(CallContract, FunctionsReachTheObject)
 TEST_P(CallContract, WrongObjectsAndValuesChangeNothing)
 {
     Heater object;
-    support::CapturedLog log;
+    ZTLogCapture log;
     heater.property("level")->set(ZTVariant(&object), ZTVariant(2.5));
-    EXPECT_EQ(log.all(),
+    EXPECT_EQ(log.text(),
               "Zintar Warning: Retrieved default-constructed value of type \"int\" while "
               "converting from ZTVariant. Conversion failed from type type \"double\".\n");
     EXPECT_EQ(object.level(), 1);

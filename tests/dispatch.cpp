@@ -21,7 +21,7 @@ TEST_F(Dispatch, IndexOutOfRangeIsToldAndDeliversNothing)
     ZTEventBlocker blocker(speaker.get(), true);
     const std::string head = "Zintar Error: Cannot send event with out of bounds index ";
     const std::string tail = " on object of type struct host::Speaker.\n";
-    support::CapturedLog log;
+    ZTLogCapture log;
     for (int index : {-1, 8, 7, std::numeric_limits<int>::min()})
         speaker->sendEvent(index, {});
     EXPECT_EQ(log.err(), head + "-1" + tail + head + "8" + tail + head + "-2147483648" + tail);

@@ -81,7 +81,7 @@ class DynamicBase : public TreeTest
 protected:
     std::string errorsOf(Shape& object, const ZTMetaClass* metaClass)
     {
-        support::CapturedLog log;
+        ZTLogCapture log;
         EXPECT_FALSE(object.initializeMetaClass(metaClass));
         EXPECT_EQ(log.out(), "");
         return log.err();

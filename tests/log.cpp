@@ -2,6 +2,8 @@
 
 #include <zintar/log.h>
 
+#include <iostream>
+
 namespace
 {
 using namespace std::string_literals;
@@ -19,10 +21,27 @@ TEST(Log, WritesOneLineToTheStreamOfItsType)
                  {"a", 3, "", "Zintar: Error unsupported log type 3.\n"},
                  {"a", -1, "", "Zintar: Error unsupported log type -1.\n"}};
     for (const auto& one : cases) {
-        support::CapturedLog log;
+        ZTLogCapture log;
         ztLog(one.message, static_cast<ZTLogType>(one.type));
         EXPECT_EQ(log.out(), one.out);
         EXPECT_EQ(log.err(), one.err);
     }
+}
+
+TEST(Log, TheInnermostCaptureKeepsTheLinesInTheOrderOfWriting)
+{
+    ZTLogCapture outer;
+    ztLog("first", ZTLogType::Error);
+    {
+        ZTLogCapture inner;
+        ztLog("b", ZTLogType::Warning);
+        std::cout << 'a' << std::endl;
+        ztLog("c", ZTLogType::Error);
+        EXPECT_EQ(inner.text(), "b\na\nc\n");
+        EXPECT_EQ(inner.out(), "a\n");
+        EXPECT_EQ(inner.err(), "b\nc\n");
+    }
+    ztLog("last", ZTLogType::Info);
+    EXPECT_EQ(outer.text(), "first\nlast\n");
 }
 } // namespace

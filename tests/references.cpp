@@ -119,7 +119,7 @@ TYPED_TEST(AnyReference, ReadsNullOnceTheObjectIsGone)
         const Ref copy = child;
         Node* dying = byParent ? parent : child.get();
         {
-            support::CapturedLog log;
+            ZTLogCapture log;
             delete dying;
             EXPECT_EQ(log.err(), strong ? heldLine : "");
             EXPECT_EQ(log.out(), "");

@@ -78,9 +78,9 @@ TEST_F(StaticClass, InvokesWithTooFewArgumentsAndWarns)
 {
     const ZTMetaInvokable& method = *lamp.invokable(1U);
     const int object = 0;
-    support::CapturedLog log;
+    ZTLogCapture log;
     EXPECT_EQ(method.invoke(&object, ZTVariant("abc"), 2), ZTVariant("abc"));
-    EXPECT_EQ(log.all(), "");
+    EXPECT_EQ(log.text(), "");
     EXPECT_EQ(method.invoke(&object, 1), ZTVariant(1));
     EXPECT_EQ(log.err(), "Zintar: Insufficient parameters supplied for ZTmetaInvokable invoke for "
                          "invokable \"dim\".\n");

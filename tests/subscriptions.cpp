@@ -21,7 +21,7 @@ protected:
     template <class... Arguments>
     std::string refusal(Arguments... arguments)
     {
-        support::CapturedLog log;
+        ZTLogCapture log;
         EXPECT_FALSE(ZTBase::subscribe(arguments...));
         EXPECT_EQ(log.out(), "");
         return log.err();

@@ -35,7 +35,7 @@ TEST_F(Tree, ConstructorMakesAFullChildAndNoneIsItsOwnParent)
     watch(p);
     ZTBase *plain = new ZTBase(&p), *dynamic = new ZTDynamicBase(&p);
     EXPECT_EQ(diary.take(), "p+? p+?");
-    support::CapturedLog log;
+    ZTLogCapture log;
     plain->setParent(plain);
     EXPECT_EQ(log.err(), "Zintar Error: Cannot parent an ZTBase object under itself.\n");
     EXPECT_EQ(log.out(), "");

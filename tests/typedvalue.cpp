@@ -16,7 +16,7 @@ const std::string head = "Zintar Warning: Retrieved default-constructed value of
 template <class T, class Value>
 void expectRetrieved(const ZTVariant& variant, const Value& value, const std::string& line = {})
 {
-    support::CapturedLog log;
+    ZTLogCapture log;
     EXPECT_EQ(ztVariantValue<T>(variant), value);
     EXPECT_EQ(log.out(), line);
     EXPECT_EQ(log.err(), "");

@@ -25,7 +25,7 @@ std::string failed(const std::string& what, const std::string& type)
 /// What the stream gives to a variant that held something; the warnings go to standard error.
 ZTVariant readOver(ZTDataStream& stream, const std::string& warning = {})
 {
-    support::CapturedLog log;
+    ZTLogCapture log;
     ZTVariant target(-1);
     EXPECT_EQ(&(stream >> target), &stream);
     EXPECT_EQ(log.err(), warning);

@@ -177,11 +177,11 @@ TEST(Variant, ComparesFarBelow)
 TEST(Variant, PrintsItsTypeAndValue)
 {
     ZTVariant five(5);
-    support::CapturedLog log;
+    ZTLogCapture log;
     EXPECT_EQ(printed(ZTVariant()), "ZTVariant(ZTBadMetaType, )");
     EXPECT_EQ(printed(ZTVariant(ztMetaType<ZTVariant>(), &five)),
               "ZTVariant(struct ZTVariant, ZTVariant(int, 5))");
-    EXPECT_EQ(log.all(), "");
+    EXPECT_EQ(log.text(), "");
     EXPECT_EQ(printed(ZTVariant(ztMetaType("void"), nullptr)), "ZTVariant(void, )");
     EXPECT_EQ(log.err(), "Zintar: ZTVariant print failed for type void.\n");
     EXPECT_EQ(log.out(), "");

@@ -1,7 +1,6 @@
 #include "metatypeprivate.h"
 
 #include <zintar/log.h>
-#include <zintar/metaclass.h>
 
 #include <memory>
 #include <utility>

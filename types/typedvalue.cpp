@@ -43,12 +43,6 @@ bool convertOrWarn(const ZTVariant& variant, const ZTMetaType& target, void* res
     return false;
 }
 
-bool comesAlongClassTree(const ZTMetaType& from, const ZTMetaType& to)
-{
-    bool yieldsNull = false;
-    return can_convert_meta_class(from, to, yieldsNull) && !yieldsNull;
-}
-
 bool holdsPointer(const ZTVariant& variant)
 {
     return variant.type().metaClass() && storedPointer(variant);

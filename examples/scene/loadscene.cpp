@@ -135,7 +135,7 @@ private:
     {
         if (!m_stream.good())
             throw Mistake(m_place, "the file ends here, or is damaged");
-        if (std::string message = m_messages.first(); !message.empty())
+        if (std::string message = firstMessage(m_messages); !message.empty())
             throw Mistake(m_place, message);
     }
 
@@ -155,7 +155,7 @@ private:
         return object;
     }
 
-    LibraryMessages m_messages;
+    ZTLogCapture m_messages;
     ZTDataStream m_stream;
     Classes& m_classes;
     Population m_population;

@@ -8,12 +8,4 @@
 #    error "Zintar needs C++20 or later: compile with -std=c++20, say."
 #endif
 
-#if defined(_WIN32)
-#    if defined(ZT_BUILDING_LIBRARY)
-#        define ZT_EXPORT __declspec(dllexport)
-#    else
-#        define ZT_EXPORT __declspec(dllimport)
-#    endif
-#else
-#    define ZT_EXPORT [[gnu::visibility("default")]]
-#endif
+#define ZT_EXPORT [[gnu::visibility("default")]]

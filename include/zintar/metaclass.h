@@ -96,6 +96,9 @@ public:
     /// @param object  holds a pointer to the object
     /// @return an invalid variant when the property has no getter
     [[nodiscard]] virtual ZTVariant get(const ZTVariant& object) const;
+    /// Calls the setter; without one nothing happens. What the setter cannot take is told in the
+    /// log and leaves the property as it was.
+    /// @return what the setter gives; an invalid variant from all that the library makes itself
     virtual ZTVariant set(const ZTVariant& object, const ZTVariant& value) const;
 
     /// The same with a pointer to an object, and with the value as a `T`; a default value, with a

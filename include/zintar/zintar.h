@@ -7,6 +7,7 @@
 #include <zintar/detail/makehandler.h>
 
 #include <zintar/base.h>
+#include <zintar/classrecord.h>
 #include <zintar/converter.h>
 #include <zintar/datastream.h>
 #include <zintar/declare.h>
@@ -16,6 +17,7 @@
 #include <zintar/fwd.h>
 #include <zintar/integers.h>
 #include <zintar/log.h>
+#include <zintar/logcapture.h>
 #include <zintar/metaclass.h>
 #include <zintar/metaclassbuilder.h>
 #include <zintar/metatype.h>

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <zintar/logcapture.h>
+
 #include <exception>
 #include <initializer_list>
 #include <iostream>
-#include <sstream>
 #include <string>
 
 /// A block of a page that is run, and what the page says that it prints.
@@ -16,17 +17,13 @@ struct Block {
 /// What the block prints, on standard output and standard error in the order of writing.
 inline std::string outputOf(const Block& block)
 {
-    std::ostringstream output;
-    std::streambuf* out = std::cout.rdbuf(output.rdbuf());
-    std::streambuf* error = std::cerr.rdbuf(output.rdbuf());
+    ZTLogCapture output;
     try {
         block.run();
     } catch (const std::exception& exception) {
-        output << "an exception left the block: " << exception.what() << "\n";
+        std::cerr << "an exception left the block: " << exception.what() << "\n";
     }
-    std::cout.rdbuf(out);
-    std::cerr.rdbuf(error);
-    return output.str();
+    return output.text();
 }
 
 /// Runs the blocks of a page in their order and tells those that print something else.

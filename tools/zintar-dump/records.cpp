@@ -2,6 +2,7 @@
 
 #include "text.h"
 
+#include <zintar/classrecord.h>
 #include <zintar/metaclass.h>
 #include <zintar/metaclassbuilder.h>
 
@@ -65,9 +66,9 @@ private:
     {
         readText(invokable.name, "its name");
         readText(invokable.returnType, "its return type");
-        auto flags = readFlags<unsigned short>();
-        invokable.isConst = flags & 1;
-        invokable.isEvent = flags & 2;
+        auto flags = readFlags(ZTClassRecordFlags::AllOfInvokable);
+        invokable.isConst = flags & ZTClassRecordFlags::ConstInvokable;
+        invokable.isEvent = flags & ZTClassRecordFlags::Event;
         readAccess(invokable.access);
         readList<unsigned int>(
             invokable.parameterTypes, "parameters", smallestType,
@@ -79,23 +80,24 @@ private:
         readText(property.name, "its name");
         readText(property.type, "its type");
         readChangeEvent(property.changeEvent);
-        auto flags = readFlags<unsigned char>();
-        property.canGet = flags & 1;
-        property.canSet = flags & 2;
+        auto flags = readFlags(ZTClassRecordFlags::AllOfProperty);
+        property.canGet = flags & ZTClassRecordFlags::Readable;
+        property.canSet = flags & ZTClassRecordFlags::Writable;
         readList<unsigned int>(property.annotations, "annotations", smallestAnnotation,
                                [&](Annotation& annotation) { readAnnotation(annotation); });
     }
 
-    /// Bit 0 and bit 1 have a meaning; a writer leaves the others at 0.
+    /// @param all  those that have a meaning; a writer leaves the others at 0
     template <class Flags>
-    Flags readFlags()
+    Flags readFlags(Flags all)
     {
         std::size_t offset = m_stream.position();
         Flags flags = 0;
         readNumber(flags, "its flags");
-        if (flags > 3)
+        if (flags > all)
             note(offset, "its flags",
-                 "the value " + std::to_string(flags) + ", where 3 is the most");
+                 "the value " + std::to_string(flags) + ", where " + std::to_string(all) +
+                     " is the most");
         return flags;
     }
 

@@ -2,11 +2,11 @@
 
 #include "text.h"
 
+#include <zintar/logcapture.h>
 #include <zintar/metatype.h>
 #include <zintar/typedvalue.h>
 #include <zintar/typename.h>
 
-#include <iostream>
 #include <sstream>
 #include <string_view>
 
@@ -14,22 +14,6 @@ namespace dump
 {
 namespace
 {
-/// Keeps what the library says while it lives: its lines are about a program that reads its own
-/// values, and here they become part of a message or go unsaid.
-class LogCapture
-{
-public:
-    LogCapture() : m_original(std::cerr.rdbuf(m_lines.rdbuf())) {}
-    LogCapture(const LogCapture&) = delete;
-    LogCapture& operator=(const LogCapture&) = delete;
-    ~LogCapture() { std::cerr.rdbuf(m_original); }
-    [[nodiscard]] bool isEmpty() const { return m_lines.view().empty(); }
-
-private:
-    std::ostringstream m_lines;
-    std::streambuf* m_original;
-};
-
 /// How the values of a type travel.
 struct TypeForm {
     bool isRead;
@@ -104,12 +88,12 @@ private:
     {
         std::size_t valueOffset = m_stream.position();
         m_stream.seek(m_record.offset);
-        LogCapture log;
+        ZTLogCapture log;
         m_stream >> m_record.value;
         if (!m_stream.good())
             return fail(valueOffset,
                         "the bytes end in the value of type " + shownType(m_innermost));
-        if (!log.isEmpty())
+        if (!log.text().empty())
             return fail(m_record.offset,
                         isTooDeep(valueOffset)
                             ? "variants are nested too deep to be read"
@@ -173,7 +157,7 @@ std::string printedValue(const ZTVariant& variant)
 {
     if (const auto* inner = ztVariantPointer<ZTVariant>(variant))
         return shown(inner->type().name(), *inner, {});
-    LogCapture log;
+    ZTLogCapture log;
     std::ostringstream text;
     variant.type().print(text, variant.data());
     return escaped(text.view());
