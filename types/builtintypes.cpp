@@ -33,9 +33,8 @@ public:
             ztTypeName<T>(), typeid(T), Functions::create(), Functions::destroy(),
             Functions::createDefault(), Functions::compare(), serialize, deserialize,
             Functions::print(), nullptr);
-        record->isInBlocks = true;
         record->isBuiltIn = true;
-        record->assign = Functions::assign();
+        record->setStorage(sizeof(BlockOf<T>), Functions::assign());
         m_registry.add(std::move(record), alias);
     }
     /// A type without any function: no variant of it holds a block.

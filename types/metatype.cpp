@@ -152,6 +152,8 @@ const ZTMetaClass* ZTMetaType::metaClass() const
 
 void* ZTMetaType::create(const void* source) const
 {
+    if (source && priv->isPlain())
+        return priv->copyPlain(source);
     if (source)
         return priv->create ? priv->create(source) : nullptr;
     return priv->createDefault ? priv->createDefault() : nullptr;
@@ -159,7 +161,9 @@ void* ZTMetaType::create(const void* source) const
 
 void ZTMetaType::destroy(void* block) const
 {
-    if (priv->destroy)
+    if (priv->isPlain() && block) [[likely]]
+        ZTMetaTypePrivate::destroyPlain(block);
+    else if (priv->destroy)
         priv->destroy(block);
 }
 
@@ -202,7 +206,7 @@ const ZTMetaType* ztMetaType(const std::type_index& type)
     return ztMetaTypeRegistry().find(type);
 }
 
-bool isInBlocks(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).isInBlocks; }
+bool isInBlocks(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).blockSize != 0; }
 
 namespace
 {
@@ -224,7 +228,7 @@ void warnOfTakenName(const ZTMetaType& type)
 void warnOfTakenIdentity(const ZTMetaType& type, DestroyFunction destroy)
 {
     const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(type);
-    if (record.isInBlocks && record.destroy != destroy)
+    if (record.blockSize != 0 && record.destroy != destroy)
         warnOfNamesake(record.name);
 }
 
@@ -233,7 +237,7 @@ const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_vie
                                      DestroyFunction destroy, CreateDefaultFunction createDefault,
                                      CompareFunction compare, SerializeFunction serialize,
                                      DeserializeFunction deserialize, PrintFunction print,
-                                     const ZTMetaClass* metaClass, bool inBlocks,
+                                     const ZTMetaClass* metaClass, unsigned int blockSize,
                                      AssignFunction assign, ClassFunction findClass)
 {
     ZTMetaTypeRegistry& registry = ztMetaTypeRegistry();
@@ -244,8 +248,7 @@ const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_vie
     auto record =
         std::make_unique<ZTMetaTypePrivate>(name, type, create, destroy, createDefault, compare,
                                             serialize, deserialize, print, metaClass);
-    record->isInBlocks = inBlocks;
-    record->assign = assign;
+    record->setStorage(blockSize, assign);
     record->findClass = findClass;
     return registry.add(std::move(record), alias);
 }

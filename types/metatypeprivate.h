@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../common/keptblocks.h"
 #include "../common/nameindex.h"
 #include "../common/publishedindex.h"
 
@@ -9,6 +10,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -72,6 +74,31 @@ struct ZTMetaTypePrivate {
         });
     }
 
+    /// Whether values are at most 8 bytes, and no more than these: so the library may copy them and
+    /// end them without asking the type. Known when the record is complete.
+    [[nodiscard]] bool isPlain() const { return plainSize != 0; }
+    [[nodiscard]] void* copyPlain(const void* source) const
+    {
+        void* copy = zt::detail::takeBlockOf<plainBlock>();
+        switch (plainSize) {
+        case 1:
+            return std::memcpy(copy, source, 1);
+        case 4:
+            return std::memcpy(copy, source, 4);
+        default:
+            return std::memcpy(copy, source, 8);
+        }
+    }
+    static void destroyPlain(void* block) { zt::detail::giveBlockOfBack<plainBlock>(block); }
+    /// Tells how values are stored; to be called before others can find the type.
+    void setStorage(unsigned int sizeOfBlock, zt::detail::AssignFunction assignFunction)
+    {
+        blockSize = sizeOfBlock;
+        assign = assignFunction;
+        const bool isShort = blockSize == 1 || blockSize == 4 || blockSize == 8;
+        plainSize = assign && isShort ? static_cast<unsigned char>(blockSize) : 0;
+    }
+
     std::string name;
     std::type_index typeIndex;
     /// Null until somebody asks, where `findClass` is set.
@@ -84,9 +111,13 @@ struct ZTMetaTypePrivate {
     zt::detail::SerializeFunction serialize;
     zt::detail::DeserializeFunction deserialize;
     zt::detail::PrintFunction print;
-    bool isInBlocks = false;
+    /// Of the blocks of `TypeFunctions`; 0 where the host has functions of its own.
+    unsigned int blockSize = 0;
     bool isBuiltIn = false; ///< of the types that are always there
+    /// Null unless a value is no more than its bytes.
     zt::detail::AssignFunction assign = nullptr;
+    unsigned char plainSize = 0; ///< 0, 1, 4 or 8
+    static constexpr std::size_t plainBlock = 8;
     std::atomic<const ZTMetaTypeName*> aliases = nullptr;
     zt::detail::PublishedIndex<ZTConverter> convertersTo;
 };

@@ -14,7 +14,9 @@ ZTVariant::ZTVariant(const ZTMetaType& type, const void* value)
 ZTVariant::ZTVariant(const ZTVariant& other) : m_type(other.m_type), m_data(nullptr)
 {
     const ZTMetaTypePrivate& type = ZTMetaTypePrivate::of(*m_type);
-    if (other.m_data && type.create) [[likely]]
+    if (other.m_data && type.isPlain())
+        m_data = type.copyPlain(other.m_data);
+    else if (other.m_data && type.create)
         m_data = type.create(other.m_data);
     else if (other.isValid())
         m_data = m_type->create(other.m_data);

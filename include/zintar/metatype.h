@@ -103,10 +103,10 @@ namespace zt::detail
 
 /// Registers a type, or adds `alias` to the one that is registered already: its name, functions
 /// and class stand as the first call gave them. A name or an alias that is taken keeps its owner.
-/// @param inBlocks  whether `create` and `destroy` are those of `TypeFunctions`, with which a
-///                  variant may make a block by itself
+/// @param blockSize the size of the blocks if `create` and `destroy` are those of `TypeFunctions`,
+///                  with which a variant may make a block by itself; otherwise 0
 /// @param assign    copies a value into the block of another one, where nobody can tell that from
-///                  a new block; or null
+///                  a new block, since a value is no more than its bytes; or null
 /// @param findClass in place of `metaClass`, for a class that may not be complete yet; asked once
 ///                  somebody wants to know the class
 /// Threads: safe beside any other use of types. No code of the host runs meanwhile.
@@ -115,7 +115,7 @@ ztRegisterMetaType(const std::type_info& type, std::string_view name, const std:
                    CreateFunction create, DestroyFunction destroy,
                    CreateDefaultFunction createDefault, CompareFunction compare,
                    SerializeFunction serialize, DeserializeFunction deserialize,
-                   PrintFunction print, const ZTMetaClass* metaClass, bool inBlocks = false,
+                   PrintFunction print, const ZTMetaClass* metaClass, unsigned int blockSize = 0,
                    AssignFunction assign = nullptr, ClassFunction findClass = nullptr);
 [[nodiscard]] ZT_EXPORT bool isInBlocks(const ZTMetaType& type);
 

@@ -24,8 +24,8 @@ const ZTMetaType& registerType(const std::string& alias = {})
         const ZTMetaType& type = ztRegisterMetaType(
             typeid(T), ztTypeName<T>(), alias, Functions::create(), Functions::destroy(),
             Functions::createDefault(), Functions::compare(), Functions::serialize(),
-            Functions::deserialize(), Functions::print(), nullptr, true, Functions::assign(),
-            findClassOfPointer<T>());
+            Functions::deserialize(), Functions::print(), nullptr, sizeof(BlockOf<T>),
+            Functions::assign(), findClassOfPointer<T>());
         warnOfTakenName(type);
         return type;
     }
