@@ -22,6 +22,7 @@
 #include <zintar/log.h>
 #include <zintar/metaclassbuilder.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -108,6 +109,43 @@ const ZTMetaClass* findSuperClass(const std::string& name, const Classes& metaCl
     return nullptr;
 }
 
+// The fewest bytes that one entry of each list takes: every text has a length of 8, every count 4.
+constexpr std::size_t smallestType = 8;
+constexpr std::size_t smallestInfo = 8 + 8;
+constexpr std::size_t smallestEnumerator = 8 + 4;
+constexpr std::size_t smallestEnum = 8 + 8;
+constexpr std::size_t smallestInvokable = 8 + 8 + 2 + 4 + 4;
+constexpr std::size_t smallestProperty = 8 + 8 + 4 + 1 + 4;
+
+/// What an enumeration has already, while it is read. Names and values are sorted and not hashed:
+/// hashes of a known kind can be made to collide.
+class KnownEnumerators
+{
+public:
+    explicit KnownEnumerators(const ZTDynamicMetaEnum& metaEnum) : m_enum(metaEnum) {}
+    [[nodiscard]] bool have(const std::string& name, int value)
+    {
+        const auto& names = m_enum.m_enumerators;
+        const auto& values = m_enum.m_values;
+        if (names.size() <= few)
+            return std::find(names.begin(), names.end(), name) != names.end() ||
+                   std::find(values.begin(), values.end(), value) != values.end();
+        for (; m_sorted < names.size(); ++m_sorted) {
+            m_names.insert(names[m_sorted]);
+            m_values.insert(values[m_sorted]);
+        }
+        return m_names.count(name) || m_values.count(value);
+    }
+
+private:
+    /// As many are compared one by one in less time than sets are made.
+    static constexpr std::size_t few = 16;
+    const ZTDynamicMetaEnum& m_enum;
+    std::set<std::string> m_names;
+    std::set<int> m_values;
+    std::size_t m_sorted = 0; ///< how many are in the sets
+};
+
 /// Reads the parts of a class from a stream, up to the first read that fails.
 class ClassReader
 {
@@ -118,10 +156,11 @@ public:
 
     void readMembers()
     {
-        readList<unsigned int>([this] { readClassInfo(); });
-        readList<unsigned int>([this] { readEnum(); });
-        readList<unsigned int>([this] { readInvokable(); });
-        readList<unsigned int>([this] { readProperty(); });
+        readList<unsigned int>(smallestInfo, m_class.m_classInfos, [this] { readClassInfo(); });
+        readList<unsigned int>(smallestEnum, m_class.m_enums, [this] { readEnum(); });
+        readList<unsigned int>(smallestInvokable, m_class.m_invokables,
+                               [this] { readInvokable(); });
+        readList<unsigned int>(smallestProperty, m_class.m_properties, [this] { readProperty(); });
     }
 
 private:
@@ -131,50 +170,48 @@ private:
         return (... && (m_stream >> values, m_stream.good()));
     }
 
-    /// A damaged count ends with the bytes.
-    template <class Count, class ReadOne>
-    void readList(ReadOne readOne)
+    /// A damaged count ends with the bytes, and gets no room for more than these can hold.
+    /// @param smallest  how many bytes an entry takes at least
+    /// @param list      what the entries go into
+    template <class Count, class List, class ReadOne>
+    void readList(std::size_t smallest, List& list, ReadOne readOne)
     {
         Count count = 0;
         if (!m_stream.good() || !read(count))
             return;
+        if (const auto* plain = ZTDataStreamPrivate::ofPlain(m_stream))
+            list.reserve(list.size() + std::min<std::size_t>(count, plain->left() / smallest));
         for (Count i = 0; i < count && m_stream.good(); ++i)
             readOne();
     }
 
     void readClassInfo()
     {
-        m_class.m_classInfos.push_back(std::make_shared<ZTDynamicMetaClassInfo>());
-        ZTDynamicMetaClassInfo& info = *m_class.m_classInfos.back();
+        ZTDynamicMetaClassInfo& info = m_class.addClassInfo();
         read(info.m_key, info.m_value);
     }
 
-    /// A name or a value that is there already is read and left out, as a builder refuses it. They
-    /// are sorted and not hashed: hashes of a known kind can be made to collide.
+    /// A name or a value that is there already is read and left out, as a builder refuses it.
     void readEnum()
     {
-        m_class.m_enums.push_back(std::make_shared<ZTDynamicMetaEnum>());
-        ZTDynamicMetaEnum& metaEnum = *m_class.m_enums.back();
+        ZTDynamicMetaEnum& metaEnum = m_class.addEnum();
         if (!read(metaEnum.m_name))
             return;
-        std::set<std::string> names;
-        std::set<int> values;
-        readList<unsigned long long>([&] {
+        KnownEnumerators known(metaEnum);
+        readList<unsigned long long>(smallestEnumerator, metaEnum.m_enumerators, [&] {
             std::string name;
             int value = 0;
-            if (!read(name, value) || names.count(name) || values.count(value))
+            if (!read(name, value) || known.have(name, value))
                 return;
-            metaEnum.m_enumerators.push_back(name);
+            metaEnum.m_values.reserve(metaEnum.m_enumerators.capacity());
             metaEnum.m_values.push_back(value);
-            names.insert(std::move(name));
-            values.insert(value);
+            metaEnum.m_enumerators.push_back(std::move(name));
         });
     }
 
     void readInvokable()
     {
-        m_class.addInvokable();
-        ZTDynamicMetaInvokable& invokable = *m_class.m_invokables.back();
+        ZTDynamicMetaInvokable& invokable = m_class.addInvokable();
         unsigned short flags = 0;
         int access = 0;
         if (!read(invokable.m_name, invokable.m_returnMetaType, flags, access))
@@ -182,7 +219,7 @@ private:
         invokable.m_isConst = flags & Flags::ConstInvokable;
         invokable.m_isEvent = flags & Flags::Event;
         invokable.m_access = static_cast<ZTAccessSpecifier>(access);
-        readList<unsigned int>([&] {
+        readList<unsigned int>(smallestType, invokable.m_parameterMetaTypes, [&] {
             const ZTMetaType* type = nullptr;
             if (read(type))
                 invokable.m_parameterMetaTypes.push_back(type);
@@ -191,8 +228,7 @@ private:
 
     void readProperty()
     {
-        m_class.m_properties.push_back(std::make_shared<ZTDynamicMetaProperty>());
-        ZTDynamicMetaProperty& property = *m_class.m_properties.back();
+        ZTDynamicMetaProperty& property = m_class.addProperty();
         int event = -1;
         if (!read(property.m_name, property.m_metaType, event))
             return;
@@ -200,7 +236,7 @@ private:
             property.m_changeEvent = m_class.m_invokables[static_cast<std::size_t>(event)];
         if (!read(property.m_accessFlags))
             return;
-        readList<unsigned int>([&] {
+        readList<unsigned int>(smallestInfo, property.m_propInfos, [&] {
             std::string key;
             std::string value;
             if (read(key, value))

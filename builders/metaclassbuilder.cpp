@@ -81,7 +81,7 @@ auto handleOnLast(List& list, MakeHandle makeHandle)
 ZTMetaClassInfoBuilder ZTMetaClassBuilder::addClassInfo(const ZTMetaClassInfo* prototype)
 {
     auto& list = priv->metaClass->m_classInfos;
-    list.push_back(std::make_shared<ZTDynamicMetaClassInfo>());
+    priv->metaClass->addClassInfo();
     return handleOnLast(list, [=](auto& info) -> ZTMetaClassInfoBuilder {
         return {info, prototype};
     });
@@ -105,7 +105,7 @@ int ZTMetaClassBuilder::classInfoCount() const { return countOf(priv->metaClass-
 ZTMetaEnumBuilder ZTMetaClassBuilder::addEnum(const ZTMetaEnum* prototype)
 {
     auto& list = priv->metaClass->m_enums;
-    list.push_back(std::make_shared<ZTDynamicMetaEnum>());
+    priv->metaClass->addEnum();
     return handleOnLast(list, [=](auto& one) -> ZTMetaEnumBuilder { return {one, prototype}; });
 }
 
@@ -154,7 +154,7 @@ int ZTMetaClassBuilder::invokableCount() const { return countOf(priv->metaClass-
 ZTMetaPropertyBuilder ZTMetaClassBuilder::addProperty(const ZTMetaProperty* prototype)
 {
     auto& list = priv->metaClass->m_properties;
-    list.push_back(std::make_shared<ZTDynamicMetaProperty>());
+    priv->metaClass->addProperty();
     return handleOnLast(list, [=, this](auto& property) -> ZTMetaPropertyBuilder {
         return {this, property, prototype};
     });

@@ -3,6 +3,7 @@
 #include "memberlookup.h"
 
 #include <zintar/base.h>
+#include <zintar/detail/blocks.h>
 
 #include <algorithm>
 
@@ -243,10 +244,27 @@ void ZTDynamicMetaClass::setSuperClass(const ZTMetaClass* super)
     m_invokableOffset = super ? super->invokableCount() : 0;
 }
 
-void ZTDynamicMetaClass::addInvokable()
+namespace
 {
-    m_invokables.push_back(std::make_shared<ZTDynamicMetaInvokable>(this, m_invokables.size()));
+template <class Member, class... Arguments>
+Member& append(std::vector<std::shared_ptr<Member>>& list, Arguments... arguments)
+{
+    list.push_back(
+        std::allocate_shared<Member>(zt::detail::BlockAllocator<Member>(), arguments...));
+    return *list.back();
 }
+} // namespace
+
+ZTDynamicMetaClassInfo& ZTDynamicMetaClass::addClassInfo() { return append(m_classInfos); }
+
+ZTDynamicMetaEnum& ZTDynamicMetaClass::addEnum() { return append(m_enums); }
+
+ZTDynamicMetaInvokable& ZTDynamicMetaClass::addInvokable()
+{
+    return append(m_invokables, this, m_invokables.size());
+}
+
+ZTDynamicMetaProperty& ZTDynamicMetaClass::addProperty() { return append(m_properties); }
 
 void ZTDynamicMetaClass::finish()
 {

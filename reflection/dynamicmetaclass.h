@@ -139,8 +139,11 @@ struct ZTDynamicMetaClass final : ZTMetaClass {
 
     /// Stores the super class and takes its counts as the offsets; null for none.
     void setSuperClass(const ZTMetaClass* super);
-    /// Appends an empty invokable that knows this class as its owner.
-    void addInvokable();
+    // Each appends an empty member. An invokable knows this class as its owner.
+    ZTDynamicMetaClassInfo& addClassInfo();
+    ZTDynamicMetaEnum& addEnum();
+    ZTDynamicMetaInvokable& addInvokable();
+    ZTDynamicMetaProperty& addProperty();
     /// Nothing changes any more.
     void finish();
 

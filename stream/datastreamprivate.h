@@ -46,6 +46,8 @@ struct ZTDataStreamPrivate {
     {
         return !pastEnd && count <= size - readPosition;
     }
+    /// How many bytes are still to be read.
+    [[nodiscard]] std::size_t left() const { return size - readPosition; }
     /// Makes room in a stream that is good.
     void reserve(std::size_t count)
     {
