@@ -1,6 +1,6 @@
 #include "dynamicmetaclass.h"
 
-#include "memberlookup.h"
+#include "ownorinherited.h"
 
 #include <zintar/base.h>
 #include <zintar/detail/blocks.h>
@@ -104,12 +104,6 @@ void ZTDynamicMetaInvokable::raise(const ZTVariant& object, const ZTArgumentArra
     const auto* sender = ztVariantValue<ZTBase*>(object);
     if (sender && sender->metaClass()->invokable(index()) == this)
         zt::detail::EventRaiser::raise(*sender, index(), arguments);
-}
-
-void ZTDynamicMetaInvokable::forgetOwner()
-{
-    if (!std::holds_alternative<int>(m_index))
-        m_index = nullptr;
 }
 
 const ZTMetaType& ZTDynamicMetaProperty::metaType() const { return typeOrBad(m_metaType); }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "memberindex.h"
+#include "membersbyname.h"
 
 #include <zintar/metaclass.h>
 
@@ -63,8 +63,8 @@ struct ZTDynamicMetaInvokable final : ZTMetaInvokable {
 
     void raise(const ZTVariant& object, const ZTArgumentArray& arguments) const;
     void freezeIndex(int index) { m_index = index; }
-    /// The invokable has left its class, or the class is gone. A frozen index stays.
-    void forgetOwner();
+    /// The invokable has left its class, or the class is gone.
+    void forgetOwner() { m_index = nullptr; }
 
     std::string m_name;
     bool m_isConst = false;

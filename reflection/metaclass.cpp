@@ -1,7 +1,7 @@
 #include <zintar/metaclass.h>
 
 #include "descriptorlives.h"
-#include "memberlookup.h"
+#include "ownorinherited.h"
 
 #include <zintar/log.h>
 

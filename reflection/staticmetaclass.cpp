@@ -1,7 +1,7 @@
 #include <zintar/staticmetaclass.h>
 
-#include "memberindex.h"
-#include "memberlookup.h"
+#include "membersbyname.h"
+#include "ownorinherited.h"
 
 using namespace zt::detail;
 
@@ -198,42 +198,36 @@ const ZTMetaInvokable* ZTStaticMetaClass::invokable(unsigned int index) const
         [&](const ZTMetaClass& super) { return super.invokable(index); });
 }
 
+namespace
+{
+/// What a callback of the table gives, in the class's index space.
+int classWide(int position, unsigned int offset)
+{
+    return position < 0 ? -1 : position + static_cast<int>(offset);
+}
+} // namespace
+
 int ZTStaticMetaClass::indexOfInvokable(std::string_view name, bool isConst,
                                         const std::type_index& signature) const
 {
-    if (!invokableIndex)
-        return indexInTable(name, isConst, signature);
-    const auto* own = invokableIndex->names.find(name, [&](const auto& invokable) {
-        return invokable.isConst == isConst && invokable.signature == signature;
-    });
-    return own ? own->index : indexInSuperClass(name, isConst, signature);
-}
-
-int ZTStaticMetaClass::indexInTable(std::string_view name, bool isConst,
-                                    const std::type_index& signature) const
-{
-    if (data->indexOfInvokableBySignature) {
-        int own = data->indexOfInvokableBySignature(this, name, isConst, signature);
-        if (own >= 0)
-            return own + static_cast<int>(data->invokableOffset);
-    }
-    return indexInSuperClass(name, isConst, signature);
-}
-
-int ZTStaticMetaClass::indexInSuperClass(std::string_view name, bool isConst,
-                                         const std::type_index& signature) const
-{
-    const ZTMetaClass* super = data->superClass;
-    return super ? super->indexOfInvokable(name, isConst, signature) : -1;
+    int own = -1;
+    if (invokableIndex)
+        own = invokableIndex->find(name, isConst, signature);
+    else if (data->indexOfInvokableBySignature)
+        own = classWide(data->indexOfInvokableBySignature(this, name, isConst, signature),
+                        data->invokableOffset);
+    if (own >= 0)
+        return own;
+    return data->superClass ? data->superClass->indexOfInvokable(name, isConst, signature) : -1;
 }
 
 int ZTStaticMetaClass::indexOfInvokable(void* function) const
 {
-    if (data->indexOfInvokableByFunction) {
-        int own = data->indexOfInvokableByFunction(this, function);
-        if (own >= 0)
-            return own + static_cast<int>(data->invokableOffset);
-    }
+    int own = -1;
+    if (data->indexOfInvokableByFunction)
+        own = classWide(data->indexOfInvokableByFunction(this, function), data->invokableOffset);
+    if (own >= 0)
+        return own;
     return data->superClass ? data->superClass->indexOfInvokable(function) : -1;
 }
 

@@ -17,12 +17,10 @@ const ZTMetaType& typeOnStream(std::string_view name)
 {
     if (const ZTMetaType* found = ztMetaTypeRegistry().find(name))
         return *found;
-    const ZTMetaType& bad = ZTMetaType::ZTBadMetaType;
-    if (name != ZTMetaTypePrivate::of(bad).name)
-        ztLog("Zintar: ZTMetaType deserialization failed. Did not find meta type with name \"" +
-                  std::string(name) + "\".",
-              ZTLogType::Warning);
-    return bad;
+    ztLog("Zintar: ZTMetaType deserialization failed. Did not find meta type with name \"" +
+              std::string(name) + "\".",
+          ZTLogType::Warning);
+    return ZTMetaType::ZTBadMetaType;
 }
 
 /// Of a stream whose medium is another one, or that does not hold all of the name.

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <zintar/base.h>
-#include <zintar/detail/members.h>
+#include <zintar/detail/declare/members.h>
 // Behind the members, so that a mistake in one of them is few includes away.
-#include <zintar/detail/declared.h>
+#include <zintar/detail/declare/classchecks.h>
+#include <zintar/detail/declare/declaredclass.h>
 #include <zintar/dynamicbase.h>
 
 /// @file
@@ -40,6 +41,18 @@
 /// Names come from the members; `.as("name")` gives another, for overloads or where stored data
 /// must survive a rename. Private members may be listed, and data members may be properties.
 /// Overloads are told apart by a cast. A class that lists nothing returns `zt::members()`.
+
+// How a declaration becomes a class; all of it is in detail/declare/.
+//
+//   what is listed      members.h makes one entry (entries.h) for each line, with a record
+//                       (record.h) in it and with the names of names.h and enumerators.h; list.h
+//                       is all of them, and declaredlist.h finds the list that belongs to a class.
+//   the checks          memberchecks.h and classchecks.h find the mistakes; members.h and
+//                       ZT_DETAIL_CHECK_CLASS tell them.
+//   the functions       functions.h has those behind the records, which take an object and
+//                       arguments as variants.
+//   the table           declaredclass.h hands the list to table.h, which is compiled in the
+//                       library and makes the tables of staticmetaclass.h from the records.
 
 #if defined(__clang__)
 #    define ZT_DETAIL_NO_OVERRIDE_WARNING                                                          \

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/staticrecords.h>
 #include <zintar/export.h>
 #include <zintar/metaclass.h>
 
@@ -9,144 +10,41 @@
 #include <vector>
 
 /// @file
-/// Class descriptors over constant tables. `declare.h` makes the tables of a declared class; a
-/// generator may lay them out itself. The records own nothing: what they point to lives as long
-/// as any descriptor on them, as a rule for the life of the process. The tables are trusted; a
-/// count that is larger than its array is a fault of the generator.
+/// Class descriptors over constant tables.
+///
+/// Whoever writes classes by hand wants `declare.h`, which makes the tables; whoever makes a class
+/// at run time wants `metaclassbuilder.h`. This is for a generator that lays out the tables itself,
+/// and for code that is given a class and wants to see its table.
+///
+///     // What is constant. Lists are lists of pointers; records may stand anywhere.
+///     ZTStaticMetaPropertyData level("level", &getLevel, &setLevel, 0, nullptr);
+///     const ZTStaticMetaPropertyData* const properties[] = {&level};
+///     ZTStaticMetaClassData table(0, nullptr, 0, nullptr, 1, properties, 0, nullptr, nullptr,
+///                                 nullptr);
+///     const ZTStaticMetaClass lamp(&table);
+///
+///     // What is known at load, in any order: the descriptor reads the table at each call.
+///     table.superClass = &ZTBase::typeMetaClass();
+///     table.propertyOffset = table.superClass->propertyCount(); // and the three others
+///     table.typeName = ztTypeName<Lamp>();
+///     table.metaType = &ztMetaType<Lamp*>();
+///     level.metaType = &ztMetaType<double>();
+///
+/// Counts and lists are final before the descriptor is made, names before it is asked for one. The
+/// tables are trusted: a count that is larger than its array is a fault of the generator.
 
 namespace zt::detail
 {
 class ClassTable;
 struct InvokableIndex;
 struct PropertyIndex;
-
-// clang-format off
-/// One key/value annotation of a property.
-struct ZT_EXPORT ZTPropertyInfo {
-    ZTPropertyInfo() noexcept;
-    constexpr ZTPropertyInfo(std::string_view k, std::string_view v) noexcept : key(k), value(v) {}
-    ZTPropertyInfo(const ZTPropertyInfo&) noexcept = default;
-    ZTPropertyInfo& operator=(const ZTPropertyInfo& other) noexcept;
-    ZTPropertyInfo& operator=(ZTPropertyInfo&& other) noexcept;
-
-    std::string_view key;
-    std::string_view value;
-};
-
-struct ZT_EXPORT ZTStaticMetaClassInfoData {
-    ZTStaticMetaClassInfoData() noexcept;
-    ZTStaticMetaClassInfoData(std::string_view key, std::string_view value) noexcept;
-    ZTStaticMetaClassInfoData(const ZTStaticMetaClassInfoData&) noexcept = default;
-    ZTStaticMetaClassInfoData& operator=(const ZTStaticMetaClassInfoData& other) noexcept;
-    ZTStaticMetaClassInfoData& operator=(ZTStaticMetaClassInfoData&& other) noexcept;
-
-    std::string_view key;
-    std::string_view value;
-};
-
-struct ZT_EXPORT ZTStaticMetaEnumData {
-    ZTStaticMetaEnumData() noexcept;
-    ZTStaticMetaEnumData(std::string_view name, unsigned int count,
-                         const std::string_view* enumerators, const int* values) noexcept;
-    ZTStaticMetaEnumData(const ZTStaticMetaEnumData&) noexcept = default;
-    ZTStaticMetaEnumData& operator=(const ZTStaticMetaEnumData& other) noexcept;
-    ZTStaticMetaEnumData& operator=(ZTStaticMetaEnumData&& other) noexcept;
-
-    std::string_view name;
-    unsigned int count = 0;
-    const std::string_view* enumerators = nullptr;
-    const int* values = nullptr;
-};
-
-struct ZT_EXPORT ZTStaticMetaPropertyData {
-    using Getter = ZTVariant (*)(const ZTVariant& object);
-    using Setter = ZTVariant (*)(const ZTVariant& object, const ZTVariant& value);
-
-    ZTStaticMetaPropertyData() noexcept;
-    ZTStaticMetaPropertyData(std::string_view name, Getter getter, Setter setter,
-                             unsigned int propInfoCount, const ZTPropertyInfo* propInfos) noexcept;
-    ZTStaticMetaPropertyData(const ZTStaticMetaPropertyData&) noexcept = default;
-    ZTStaticMetaPropertyData& operator=(const ZTStaticMetaPropertyData& other) noexcept;
-    ZTStaticMetaPropertyData& operator=(ZTStaticMetaPropertyData&& other) noexcept;
-
-    std::string_view name;
-    Getter getter = nullptr;
-    Setter setter = nullptr;
-    int changeEventIndex = -1; ///< class-wide
-    const ZTMetaInvokable* changeEvent = nullptr;
-    unsigned int propInfoCount = 0;
-    const ZTPropertyInfo* propInfos = nullptr;
-    const ZTMetaType* metaType = nullptr; ///< null stands for the invalid type
-};
-
-struct ZT_EXPORT ZTStaticMetaInvokableData {
-    using Function = ZTVariant (*)(const ZTVariant& object, const ZTArgumentArray& arguments);
-
-    ZTStaticMetaInvokableData() noexcept;
-    ZTStaticMetaInvokableData(std::string_view name, bool isConst, unsigned int parameterCount,
-                              Function function, ZTAccessSpecifier accessSpecifier) noexcept;
-    ZTStaticMetaInvokableData(const ZTStaticMetaInvokableData&) noexcept = default;
-    ZTStaticMetaInvokableData& operator=(const ZTStaticMetaInvokableData& other) noexcept;
-    ZTStaticMetaInvokableData& operator=(ZTStaticMetaInvokableData&& other) noexcept;
-
-    std::string_view name;
-    bool isConst = false;
-    const ZTMetaType* returnMetaType = nullptr; ///< null stands for the invalid type
-    unsigned int parameterCount = 0;
-    const ZTMetaType* const* parameterMetaTypes = nullptr; ///< a null entry: the invalid type
-    Function function = nullptr;
-    ZTAccessSpecifier accessSpecifier = ZTAccessSpecifier::Private;
-    bool isEvent = false;
-    int index = -1; ///< class-wide
-};
-
-/// The table of a class. Its counts are those of the class's own members.
-struct ZT_EXPORT ZTStaticMetaClassData {
-    using IndexByFunction = int (*)(const ZTMetaClass* self, void* function);
-    using IndexBySignature = int (*)(const ZTMetaClass* self, std::string_view name, bool isConst,
-                                     const std::type_index& signature);
-
-    ZTStaticMetaClassData() noexcept;
-    /// A count of 0 makes the list null. What is not named here is left to the set-up, which may
-    /// follow after the descriptor was made: it reads the table at each call.
-    ZTStaticMetaClassData(unsigned int classInfoCount, const ZTStaticMetaClassInfoData* const* classInfos,
-                          unsigned int enumCount, const ZTStaticMetaEnumData* const* enums,
-                          unsigned int propertyCount, const ZTStaticMetaPropertyData* const* properties,
-                          unsigned int invokableCount, const ZTStaticMetaInvokableData* const* invokables,
-                          IndexByFunction indexOfInvokableByFunction,
-                          IndexBySignature indexOfInvokableBySignature) noexcept;
-    ZTStaticMetaClassData(const ZTStaticMetaClassData&) noexcept = default;
-    ZTStaticMetaClassData& operator=(const ZTStaticMetaClassData& other) noexcept;
-    ZTStaticMetaClassData& operator=(ZTStaticMetaClassData&& other) noexcept;
-
-    const ZTMetaClass* superClass = nullptr;
-    std::string_view typeName;
-    const ZTMetaType* metaType = nullptr; ///< null stands for the invalid type
-    bool reserved = false;
-    unsigned int classInfoCount = 0;
-    unsigned int classInfoOffset = 0;
-    const ZTStaticMetaClassInfoData* const* classInfos = nullptr;
-    unsigned int enumCount = 0;
-    unsigned int enumOffset = 0;
-    const ZTStaticMetaEnumData* const* enums = nullptr;
-    unsigned int propertyCount = 0;
-    unsigned int propertyOffset = 0;
-    const ZTStaticMetaPropertyData* const* properties = nullptr;
-    unsigned int invokableCount = 0;
-    unsigned int invokableOffset = 0;
-    const ZTStaticMetaInvokableData* const* invokables = nullptr;
-    /// Both give the position in the class's own list, or a negative number.
-    IndexByFunction indexOfInvokableByFunction = nullptr;
-    IndexBySignature indexOfInvokableBySignature = nullptr;
-    void* userData = nullptr;
-};
-// clang-format on
-
-/// A new descriptor on a table, which stays the caller's.
-[[nodiscard]] ZT_EXPORT std::unique_ptr<ZTMetaClass>
-createStaticMetaClass(const ZTStaticMetaClassData* data);
 } // namespace zt::detail
 
+// The descriptors of members. Each is a pointer to its record, which stays the generator's, and
+// answers with what stands there; `metaclass.h` tells what each operation means. Copies are the
+// same member to nobody who compares addresses.
+
+/// An annotation of a class, over its record.
 struct ZT_EXPORT ZTStaticMetaClassInfo : ZTMetaClassInfo {
 public:
     explicit ZTStaticMetaClassInfo(const zt::detail::ZTStaticMetaClassInfoData* record) noexcept;
@@ -157,6 +55,7 @@ private:
     const zt::detail::ZTStaticMetaClassInfoData* data;
 };
 
+/// An enumeration, over its record.
 struct ZT_EXPORT ZTStaticMetaEnum : ZTMetaEnum {
 public:
     explicit ZTStaticMetaEnum(const zt::detail::ZTStaticMetaEnumData* record) noexcept;
@@ -169,6 +68,8 @@ private:
     const zt::detail::ZTStaticMetaEnumData* data;
 };
 
+/// A property, over its record. `get` and `set` hand on what they are given and give back what the
+/// record's function returns; an invalid variant where there is none.
 struct ZT_EXPORT ZTStaticMetaProperty : ZTMetaProperty {
 public:
     explicit ZTStaticMetaProperty(const zt::detail::ZTStaticMetaPropertyData* record) noexcept;
@@ -186,6 +87,7 @@ public:
     using ZTMetaProperty::get;
     using ZTMetaProperty::set;
 
+    /// The record's functions, to be called without the descriptor; null where there is none.
     [[nodiscard]] zt::detail::ZTStaticMetaPropertyData::Getter getter() const noexcept;
     [[nodiscard]] zt::detail::ZTStaticMetaPropertyData::Setter setter() const noexcept;
 
@@ -193,6 +95,8 @@ private:
     const zt::detail::ZTStaticMetaPropertyData* data;
 };
 
+/// A method or an event, over its record. `invoke` hands on the object and the arguments as they
+/// are and gives back what the record's function returns; an invalid variant where there is none.
 struct ZT_EXPORT ZTStaticMetaInvokable : ZTMetaInvokable {
 public:
     explicit ZTStaticMetaInvokable(const zt::detail::ZTStaticMetaInvokableData* record) noexcept;
@@ -213,12 +117,20 @@ private:
 
 /// A class over a table.
 ///
+/// The descriptors of its own members are made with it and live as long as it does, or until it is
+/// assigned to. A lookup by name takes the first own member, and the super class's where there is
+/// none. In a table of a generator it compares name by name; a declared class has an index.
+///
 /// A copy reads the same table but has member descriptors of its own, so it is not the same class
 /// to `isDerivedFrom`, and pointers into the one are not pointers into the other. User data lives
 /// in the table and is shared. A moved-from descriptor is only to be destroyed or assigned to.
 /// Assign to a class only while it has no objects: they remember its members.
+///
+/// Threads: reads may run in parallel; `setUserData`, and changes of the table, may not run beside
+/// them.
 struct ZT_EXPORT ZTStaticMetaClass : ZTMetaClass {
 public:
+    /// @param table  not null; read now and at each call
     explicit ZTStaticMetaClass(const zt::detail::ZTStaticMetaClassData* table);
     ZTStaticMetaClass(const ZTStaticMetaClass& other);
     ZTStaticMetaClass(ZTStaticMetaClass&& other) noexcept;
@@ -245,14 +157,17 @@ public:
     [[nodiscard]] const ZTMetaInvokable* invokable(unsigned int index) const override;
     using ZTMetaClass::indexOfInvokable;
     using ZTMetaClass::invokable;
+    /// Asks the table's `indexOfInvokableByFunction`, and then the super class.
     [[nodiscard]] int indexOfInvokable(void* function) const override;
     [[nodiscard]] void* userData() const override;
+    /// Writes into the table, where every descriptor on it finds the word.
     void setUserData(void* word) override;
 
     /// The table, as it was given.
     [[nodiscard]] const zt::detail::ZTStaticMetaClassData* table() const noexcept { return data; }
 
 protected:
+    /// Asks the table's `indexOfInvokableBySignature`, and then the super class.
     [[nodiscard]] int indexOfInvokable(std::string_view name, bool isConst,
                                        const std::type_index& signature) const override;
 
@@ -260,10 +175,6 @@ private:
     friend class zt::detail::ClassTable;
 
     [[nodiscard]] const ZTMetaProperty* propertyInTable(std::string_view name) const;
-    [[nodiscard]] int indexInTable(std::string_view name, bool isConst,
-                                   const std::type_index& signature) const;
-    [[nodiscard]] int indexInSuperClass(std::string_view name, bool isConst,
-                                        const std::type_index& signature) const;
 
     const zt::detail::ZTStaticMetaClassData* data;
     // Over a table that the library has to itself; otherwise null, since a host may change the
@@ -275,3 +186,10 @@ private:
     std::vector<ZTStaticMetaProperty> properties;
     std::vector<ZTStaticMetaInvokable> invokables;
 };
+
+namespace zt::detail
+{
+/// A new descriptor on a table, which stays the caller's.
+[[nodiscard]] ZT_EXPORT std::unique_ptr<ZTMetaClass>
+createStaticMetaClass(const ZTStaticMetaClassData* data);
+} // namespace zt::detail

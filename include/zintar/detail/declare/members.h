@@ -1,10 +1,11 @@
 #pragma once
 
-#include <zintar/detail/enumerators.h>
-#include <zintar/detail/memberfaults.h>
-#include <zintar/detail/memberfunctions.h>
-#include <zintar/detail/memberlist.h>
-#include <zintar/detail/membernames.h>
+#include <zintar/detail/declare/entries.h>
+#include <zintar/detail/declare/enumerators.h>
+#include <zintar/detail/declare/functions.h>
+#include <zintar/detail/declare/list.h>
+#include <zintar/detail/declare/memberchecks.h>
+#include <zintar/detail/declare/names.h>
 
 #include <cstddef>
 #include <string_view>

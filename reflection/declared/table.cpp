@@ -1,6 +1,6 @@
-#include <zintar/detail/classtable.h>
+#include <zintar/detail/declare/table.h>
 
-#include "memberindex.h"
+#include "../membersbyname.h"
 
 #include <cstring>
 
@@ -36,14 +36,15 @@ unsigned int sizeOf(const List& list)
 int positionInList(const MemberRecord* members, std::size_t count, const void* variable)
 {
     int position = 0;
+    int found = -1;
     for (std::size_t i = 0; i < count; ++i) {
         if (members[i].kind != MemberKind::Method && members[i].kind != MemberKind::Event)
             continue;
         if (isSameMember(members[i].key, variable))
-            return position;
+            found = position;
         ++position;
     }
-    return -1;
+    return found;
 }
 
 ClassTable::ClassTable(const ClassDeclaration& declaration) : m_declaration(declaration)
@@ -174,35 +175,27 @@ void ClassTable::linkChangeEvents()
     for (std::size_t i = 0; i < m_properties.size(); ++i) {
         if (!m_propertyRecords[i]->changeEvent.isSet())
             continue;
-        void* event = const_cast<void*>(m_propertyRecords[i]->changeEventKey);
+        const void* event = m_propertyRecords[i]->changeEventKey;
         // Not through the descriptor: its callbacks ask for this table, which is still being made.
         int position = positionOf(event);
         int index = position >= 0 ? m_invokables[static_cast<std::size_t>(position)].index
-                    : superClass  ? superClass->indexOfInvokable(event)
+                    : superClass  ? superClass->indexOfInvokable(const_cast<void*>(event))
                                   : -1;
         m_properties[i].changeEventIndex = index;
         m_properties[i].changeEvent = m_descriptor->invokable(static_cast<unsigned int>(index));
     }
 }
 
-int ClassTable::positionOf(void* function) const
+int ClassTable::positionOf(const void* function) const
 {
-    if (!function)
-        return -1;
-    for (std::size_t i = m_invokableRecords.size(); i-- > 0;)
-        if (isSameMember(m_invokableRecords[i]->key, function))
-            return static_cast<int>(i);
-    return -1;
+    return function ? positionInList(m_declaration.members, m_declaration.memberCount, function)
+                    : -1;
 }
 
 int ClassTable::positionOf(std::string_view name, bool isConst,
                            const std::type_index& signature) const
 {
-    for (std::size_t i = m_invokableRecords.size(); i-- > 0;) {
-        const MemberRecord& member = *m_invokableRecords[i];
-        if (member.name == name && member.isConst == isConst && member.signature() == signature)
-            return static_cast<int>(i);
-    }
-    return -1;
+    int index = m_invokableIndex->find(name, isConst, signature);
+    return index < 0 ? -1 : index - static_cast<int>(invokableOffset);
 }
 } // namespace zt::detail

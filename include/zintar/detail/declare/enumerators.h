@@ -1,7 +1,7 @@
 #pragma once
 
-#include <zintar/detail/memberlist.h>
-#include <zintar/detail/membernames.h>
+#include <zintar/detail/declare/list.h>
+#include <zintar/detail/declare/names.h>
 
 #include <array>
 #include <cstddef>

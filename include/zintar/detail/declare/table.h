@@ -1,10 +1,10 @@
 #pragma once
 
-#include <zintar/detail/membernames.h>
-#include <zintar/detail/signature.h>
+#include <zintar/detail/declare/record.h>
 #include <zintar/staticmetaclass.h>
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <typeindex>
 #include <vector>
@@ -15,45 +15,8 @@
 
 namespace zt::detail
 {
-enum class MemberKind : unsigned char { Info, Enumeration, Property, Method, Event };
-
-/// A key and a value, as constant data.
-struct InfoText {
-    std::string_view key;
-    std::string_view value;
-};
-
-/// One member as the class declares it. What does not apply to its kind is empty.
-struct MemberRecord {
-    MemberKind kind = MemberKind::Info;
-    std::string_view name;     ///< the key of an annotation
-    std::string_view value;    ///< of an annotation
-    MemberIdentity identity;   ///< of properties and invokables
-    const void* key = nullptr; ///< the variable that holds the pointer to the member
-
-    // Enumerations.
-    const std::string_view* enumerators = nullptr;
-    const int* values = nullptr;
-    unsigned int count = 0; ///< of enumerators, annotations of a property, or parameters
-
-    // Properties.
-    ZTStaticMetaPropertyData::Getter getter = nullptr;
-    ZTStaticMetaPropertyData::Setter setter = nullptr;
-    MemberIdentity changeEvent;
-    const void* changeEventKey = nullptr;
-    std::size_t firstInfo = 0; ///< where its annotations begin in the list's texts
-
-    // Properties and invokables.
-    TypeGetter type = nullptr; ///< of the property, or of the result
-    const TypeGetter* parameterTypes = nullptr;
-    std::type_index (*signature)() = nullptr;
-    ZTStaticMetaInvokableData::Function function = nullptr;
-    ZTAccessSpecifier access = ZTAccessSpecifier::Public;
-    bool isConst = false;
-};
-
 /// The position among the invokables of a list of the member function to which the variable holds
-/// the pointer, or -1.
+/// the pointer, of the last one if there are several; or -1.
 [[nodiscard]] ZT_EXPORT int positionInList(const MemberRecord* members, std::size_t count,
                                            const void* variable);
 
@@ -92,7 +55,7 @@ public:
     [[nodiscard]] const ZTMetaClass& metaClass() const { return *m_descriptor; }
 
     /// Among the own invokables, of the last one that fits; -1 when there is none.
-    [[nodiscard]] int positionOf(void* function) const;
+    [[nodiscard]] int positionOf(const void* function) const;
     [[nodiscard]] int positionOf(std::string_view name, bool isConst,
                                  const std::type_index& signature) const;
 

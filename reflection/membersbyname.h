@@ -7,13 +7,18 @@
 #include <string_view>
 #include <typeindex>
 
+/// @file
+/// The members of a class that nobody changes any more, found by their names.
+
 namespace zt::detail
 {
 /// The properties of a class and of the super classes up to `beyond`, which is asked for others.
 struct PropertyIndex {
     [[nodiscard]] const ZTMetaProperty* find(std::string_view name) const
     {
-        return names.isPlain(name) ? search(name) : searchApart(name);
+        if (const auto* found = names.find(name))
+            return *found;
+        return beyond ? beyond->property(name) : nullptr;
     }
 
     /// A name that is there already hides the property.
@@ -25,20 +30,6 @@ struct PropertyIndex {
 
     NameIndex<const ZTMetaProperty*> names;
     const ZTMetaClass* beyond = nullptr;
-
-private:
-    [[nodiscard, gnu::always_inline]] inline const ZTMetaProperty*
-    search(std::string_view name) const
-    {
-        if (const auto* found = names.find(name))
-            return *found;
-        return beyond ? beyond->property(name) : nullptr;
-    }
-    /// As in the index: so the search for a plain name needs no frame.
-    [[nodiscard, gnu::noinline]] const ZTMetaProperty* searchApart(std::string_view name) const
-    {
-        return search(name);
-    }
 };
 
 /// The invokables that a class declares itself.
@@ -48,6 +39,17 @@ struct InvokableIndex {
         bool isConst;
         std::type_index signature;
     };
+
+    /// The class-wide index, or -1.
+    [[nodiscard]] int find(std::string_view name, bool isConst,
+                           const std::type_index& signature) const
+    {
+        const auto* found = names.find(name, [&](const Invokable& invokable) {
+            return invokable.isConst == isConst && invokable.signature == signature;
+        });
+        return found ? found->index : -1;
+    }
+
     NameIndex<Invokable> names;
 };
 } // namespace zt::detail

@@ -1,4 +1,4 @@
-#include <zintar/staticmetaclass.h>
+#include <zintar/detail/staticrecords.h>
 
 // The records are exported down to their constructors and assignments: they are the border between
 // the library and the code that lays out tables. Assignments copy field by field; a move leaves

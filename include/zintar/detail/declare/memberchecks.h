@@ -2,7 +2,7 @@
 
 #include <zintar/base.h>
 #include <zintar/detail/calls.h>
-#include <zintar/detail/classtable.h>
+#include <zintar/detail/declare/record.h>
 #include <zintar/detail/signature.h>
 
 #include <type_traits>

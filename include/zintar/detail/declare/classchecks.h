@@ -1,0 +1,132 @@
+#pragma once
+
+#include <zintar/base.h>
+#include <zintar/detail/declare/declaredlist.h>
+#include <zintar/dynamicbase.h>
+
+#include <concepts>
+#include <cstdint>
+#include <type_traits>
+
+/// @file
+/// The mistakes that the compiler can see in the declaration of a class.
+
+namespace zt::detail
+{
+/// Whether the class or one of its super classes lists the event.
+template <class C>
+constexpr bool listsEvent(std::uint64_t hash)
+{
+    if constexpr (!isDeclared<C>())
+        return true; // a table laid out by the host cannot be asked while compiling
+    else if constexpr (std::is_void_v<typename Declared<C>::Super>)
+        return declaredEvents<C>.has(hash);
+    else
+        return declaredEvents<C>.has(hash) || listsEvent<typename Declared<C>::Super>(hash);
+}
+
+template <class C>
+constexpr bool notifiesEventsOnly()
+{
+    for (const MemberRecord& member : declaredList<C>.members)
+        if (member.changeEvent.isSet() && !listsEvent<C>(member.changeEvent.hash))
+            return false;
+    return true;
+}
+
+// The classes that an object class derives from cannot be listed, but each of those that begin with
+// `ZT_OBJECT` declares a function that is found by its arguments.
+
+struct NoClassBetween {};
+NoClassBetween ztObjectClass(...);
+void ztObjectClass(ObjectClassTag<ZTDynamicBase>);
+
+/// An argument for the object classes that `C` derives from and `Super` does not.
+template <class C, class Super>
+struct ClassBetween {
+    template <class Other>
+        requires(std::is_base_of_v<Other, C> && !std::is_same_v<Other, C> &&
+                 !std::is_base_of_v<Other, Super>)
+    operator ObjectClassTag<Other>() const;
+};
+
+/// Whether the class derives from an object class that is nearer than the one that it names. One
+/// makes the call mean something else, several make it ambiguous.
+template <class C, class Super>
+inline constexpr bool hasClassBetween = !requires(ClassBetween<C, Super> between)
+{
+    {
+        ztObjectClass(between)
+        } -> std::same_as<NoClassBetween>;
+};
+
+template <class C, class Super>
+inline constexpr bool isPlainBase = std::is_convertible_v<C*, Super*>&& requires(Super* object)
+{
+    static_cast<C*>(object);
+};
+
+/// What can be wrong with a class, in the order in which it is looked for.
+enum class ClassFault {
+    None,
+    Told, ///< by `ZT_OBJECT`
+    NoObjectLine,
+    NoSuperClass,
+    Inheritance,
+    ClassBetween,
+    FirstBase,
+    NoMembers,
+    InheritedMembers,
+    MemberCall,
+    ListedTwice,
+    Notify
+};
+
+template <class C>
+constexpr ClassFault faultOfMembers()
+{
+    if constexpr (!ClassAccess::hasMembers<C>())
+        return ClassFault::NoMembers;
+    else if constexpr (ClassAccess::inheritsMembers<C>())
+        return ClassFault::InheritedMembers;
+    else if constexpr (!ClassAccess::hasConstantMembers<C>())
+        return ClassFault::MemberCall;
+    else if constexpr (declaredList<C>.hasMemberListedTwice())
+        return ClassFault::ListedTwice;
+    else
+        return notifiesEventsOnly<C>() ? ClassFault::None : ClassFault::Notify;
+}
+
+template <class C>
+constexpr ClassFault faultOfClass()
+{
+    if constexpr (std::is_same_v<C, ZTBase> || std::is_same_v<C, ZTDynamicBase>) {
+        return ClassFault::None;
+    } else if constexpr (!requires { typename C::ZtSelf; }) {
+        return ClassFault::NoObjectLine;
+    } else if constexpr (!std::is_same_v<typename C::ZtSelf, C>) {
+        return ClassFault::NoObjectLine;
+    } else {
+        using Super = typename C::ZtSuper;
+        if constexpr (!isObjectClass<Super>)
+            return ClassFault::Told;
+        else if constexpr (!std::is_base_of_v<Super, C> || std::is_same_v<Super, C>)
+            return ClassFault::NoSuperClass;
+        else if constexpr (!isPlainBase<C, Super>)
+            return ClassFault::Inheritance;
+        else if constexpr (hasClassBetween<C, Super>)
+            return ClassFault::ClassBetween;
+        else if constexpr (ClassAccess::offsetOfBase<C>() != 0)
+            return ClassFault::FirstBase;
+        else
+            return faultOfMembers<C>();
+    }
+}
+
+/// The first mistake in the declaration of a class, if there is one; `ZT_CLASS` tells it.
+template <class C>
+inline constexpr ClassFault classFault = faultOfClass<C>();
+
+template <class C, ClassFault fault>
+inline constexpr bool lacks = classFault<C> != fault;
+} // namespace zt::detail
