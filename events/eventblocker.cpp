@@ -23,9 +23,9 @@ ZTEventBlocker::~ZTEventBlocker() { leave(); }
 
 namespace
 {
-ZTEventBlocker*& blockersOf(ZTBasePrivate& record, bool sent)
+ZTEventBlocker*& blockersOf(ZTEventEnds& ends, bool sent)
 {
-    return sent ? record.sentEventBlockers : record.receivedEventBlockers;
+    return sent ? ends.sentEventBlockers : ends.receivedEventBlockers;
 }
 } // namespace
 
@@ -33,7 +33,7 @@ void ZTEventBlocker::enter()
 {
     if (!record)
         return;
-    link = &blockersOf(*record, blockSent);
+    link = &blockersOf(record->events, blockSent);
     next = *link;
     *link = this;
     if (next)
@@ -49,7 +49,7 @@ void ZTEventBlocker::leave()
         next->link = link;
 }
 
-void ZTBasePrivate::clearBlockers()
+void ZTEventEnds::clearBlockers()
 {
     for (bool sent : {true, false}) {
         ZTEventBlocker*& first = blockersOf(*this, sent);
@@ -58,6 +58,6 @@ void ZTBasePrivate::clearBlockers()
     }
 }
 
-bool ZTBase::isBlockingSentEvents() const { return priv && priv->sentEventBlockers; }
+bool ZTBase::isBlockingSentEvents() const { return priv && priv->events.sentEventBlockers; }
 
-bool ZTBase::isBlockingReceivedEvents() const { return priv && priv->receivedEventBlockers; }
+bool ZTBase::isBlockingReceivedEvents() const { return priv && priv->events.receivedEventBlockers; }

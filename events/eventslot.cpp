@@ -1,5 +1,8 @@
 #include "eventslot.h"
 
+#include "../reflection/parameters.h"
+#include "delivery.h"
+
 #include <new>
 #include <utility>
 
@@ -12,17 +15,10 @@ constexpr std::size_t fewEntries = 64;
 
 bool takesValuesOf(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event)
 {
-    auto takes = [&event](const auto& handler) {
-        if (handler.parameterCount() > event.parameterCount())
-            return false;
-        for (unsigned int i = 0; i < handler.parameterCount(); ++i)
-            if (handler.parameterMetaType(i) != event.parameterMetaType(i))
-                return false;
-        return true;
-    };
     if (const ZTHandlerBase* handler = subscription.ownedHandler())
-        return takes(*handler);
-    return takes(*std::get<const ZTMetaInvokable*>(subscription.handler));
+        return zt::detail::takesLeadingOf(*handler, event);
+    return zt::detail::takesLeadingOf(*std::get<const ZTMetaInvokable*>(subscription.handler),
+                                      event);
 }
 
 /// The handler, if it takes the addresses of the event's values.
@@ -33,22 +29,10 @@ ZTHandlerBase* typedHandlerOf(const ZTSubscriptionPrivate& subscription)
     return isTyped && subscription.takesEvent ? handler : nullptr;
 }
 
-void unlinkFromSubscriber(ZTSubscriptionPrivate& record)
-{
-    ZTBasePrivate* subscriber = record.subscriber;
-    if (!subscriber)
-        return;
-    (record.previous ? record.previous->next : subscriber->senders) = record.next;
-    if (record.next)
-        record.next->previous = record.previous;
-    record.previous = nullptr;
-    record.next = nullptr;
-    --subscriber->senderCount;
-}
-
 void endRecord(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
-    unlinkFromSubscriber(record);
+    if (record.subscriber)
+        record.subscriber->events.removeReceived(record);
     record.active.store(false, std::memory_order_release);
     ended.add(record.ownedHandler());
 }
@@ -178,17 +162,4 @@ void ZTEventSlot::askAnew(const ZTMetaClass& senderClass, int index)
         entry.record->takesEvent = m_event && takesValuesOf(*entry.record, *m_event);
         entry.typedHandler = typedHandlerOf(*entry.record);
     }
-}
-
-ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, int index,
-                       const ZTMetaInvokable& event)
-    : m_sender(&sender),
-      m_slot(slot),
-      m_index(index),
-      m_event(event),
-      m_outer(slot.dispatching),
-      m_end(m_outer ? m_outer->m_end : slot.subscriptions.size())
-{
-    slot.dispatching = this;
-    ++slot.deliveries;
 }

@@ -1,15 +1,13 @@
 #pragma once
 
-#include "../object/baseprivate.h"
 #include "../reflection/descriptorlives.h"
 #include "slotindex.h"
-#include "subscriptionprivate.h"
+#include "subscriptionrecord.h"
 
-#include <zintar/detail/lent.h>
+#include <zintar/base.h>
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <vector>
 
 // The rules of re-entrancy. A handler may destroy the sender, its own or any other receiver, may
@@ -100,114 +98,4 @@ private:
     unsigned int m_descriptorsEnded = 0;
     /// Null as long as nobody had to search among many.
     std::unique_ptr<ZTSlotIndex> m_index;
-};
-
-/// A walk over a slot: on the stack of the slot's deliveries, and while it calls a handler, on the
-/// stack of the receiver's active events.
-class ZTDelivery
-{
-public:
-    ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, int index, const ZTMetaInvokable& event);
-    ZTDelivery(const ZTDelivery&) = delete;
-    ZTDelivery& operator=(const ZTDelivery&) = delete;
-    ~ZTDelivery()
-    {
-        leaveReceiver(); // when a handler has thrown
-        if (!m_sender)
-            return;
-        m_slot.dispatching = m_outer;
-        --m_slot.deliveries;
-        if (!m_outer && m_slot.listed < m_slot.subscriptions.size())
-            m_slot.compact();
-    }
-
-    /// The next entry, which may be empty; null at the end, and when the sender has died.
-    const ZTSlotEntry* next() { return m_next < m_end ? &m_slot.subscriptions[m_next++] : nullptr; }
-    /// Whether what the slot knows of its handlers is about this delivery's event.
-    [[nodiscard]] bool isCurrent() const { return m_isCurrent; }
-
-    void enterReceiver(ZTBasePrivate& receiver)
-    {
-        m_receiver = &receiver;
-        m_below = receiver.activeEvents;
-        receiver.activeEvents = this;
-    }
-    void leaveReceiver()
-    {
-        if (m_receiver)
-            m_receiver->activeEvents = m_below;
-        m_receiver = nullptr;
-    }
-
-    /// Null once the sender has died; the slot is gone then.
-    [[nodiscard]] ZTBasePrivate* sender() const { return m_sender; }
-    [[nodiscard]] int index() const { return m_index; }
-    [[nodiscard]] const ZTMetaInvokable* event() const { return &m_event; }
-
-    // Each gives the next one on the stack.
-    ZTDelivery* senderDied()
-    {
-        m_sender = nullptr;
-        m_end = 0;
-        return m_outer;
-    }
-    ZTDelivery* receiverDied()
-    {
-        m_receiver = nullptr;
-        return m_below;
-    }
-
-private:
-    friend struct ZTEventSlot;
-
-    ZTBasePrivate* m_sender;
-    ZTEventSlot& m_slot;
-    int m_index;
-    bool m_isCurrent = true;
-    const ZTMetaInvokable& m_event;
-    ZTDelivery* m_outer;
-    std::size_t m_next = 0;
-    std::size_t m_end;
-    ZTBasePrivate* m_receiver = nullptr;
-    ZTDelivery* m_below = nullptr;
-};
-
-/// The values of an event on their way: as variants, or as the addresses of typed values.
-///
-/// Typed values are copies, which nobody changes. An array is the sender's: a handler may change
-/// it, so its addresses are taken for each call.
-struct ZTEventValues {
-    explicit ZTEventValues(const ZTArgumentArray& array) : m_array(&array) {}
-    /// The values are those of the event `declared`.
-    ZTEventValues(const ZTMetaInvokable* declared, void** addresses)
-        : m_declared(declared), m_addresses(addresses)
-    {}
-
-    /// Keeps typed values from being taken for those of `event`, another one at the same index:
-    /// the object has got another class since it was declared.
-    void fitTo(const ZTMetaInvokable& event)
-    {
-        if (m_declared && m_declared != &event) [[unlikely]]
-            fitToOther(event);
-    }
-    /// Whether they are what a handler with these parameters takes.
-    template <class Handler>
-    [[nodiscard]] bool areTakenBy(const Handler& handler) const;
-
-    const ZTArgumentArray& array();
-    /// Ten addresses, of which those of the handler's parameters are set.
-    void** addresses(const zt::detail::ZTHandlerBase& handler)
-    {
-        return m_addresses ? m_addresses : collectAddresses(handler);
-    }
-
-private:
-    void fitToOther(const ZTMetaInvokable& event);
-    void** collectAddresses(const zt::detail::ZTHandlerBase& handler);
-
-    const ZTArgumentArray* m_array = nullptr;
-    const ZTMetaInvokable* m_declared = nullptr;
-    void** m_addresses = nullptr;
-    std::optional<zt::detail::LentArguments> m_lent;
-    void* m_collected[zt::detail::maxParamCount];
 };

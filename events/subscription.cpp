@@ -1,70 +1,9 @@
-#include "subscriptionprivate.h"
+#include <zintar/subscription.h>
 
-#include <zintar/base.h>
+#include "subscriptionrecord.h"
 
-namespace zt::detail
-{
-ZTHandlerBase::~ZTHandlerBase() = default;
-
-void DescribedHandler::end()
-{
-    if (m_running > 0)
-        m_ended = true;
-    else
-        delete this;
-}
-
-std::string_view DescribedHandler::typeName() const { return description->name; }
-
-unsigned int DescribedHandler::parameterCount() const { return description->parameterCount; }
-
-const ZTMetaType& DescribedHandler::parameterMetaType(unsigned int index) const
-{
-    return description->types[index]();
-}
-
-bool ArrayHandler::isMemberFunction() const { return false; }
-
-bool ArrayHandler::isComparable() const { return false; }
-
-bool ArrayHandler::equals(void*) const { return false; }
-
-/// The dispatch hands such a handler the array instead.
-void ArrayHandler::invoke(const ZTBase*, void*, void**) {}
-} // namespace zt::detail
-
-bool ZTSubscriptionPrivate::hasSameHandler(const ZTSubscriptionPrivate& other) const
-{
-    return handler == other.handler;
-}
-
-namespace
-{
-bool isNull(const ZTSubscriptionPrivate::Handler& handler)
-{
-    return std::visit([](auto* pointer) { return pointer == nullptr; }, handler);
-}
-
-bool fits(const ZTSubscriptionPrivate& subscription, const ZTSubscriptionPrivate& pattern)
-{
-    if (isNull(pattern.handler))
-        return true;
-    if (void* const* key = std::get_if<void*>(&pattern.handler)) {
-        const zt::detail::ZTHandlerBase* handler = subscription.ownedHandler();
-        return handler && handler->isComparable() && handler->equals(*key);
-    }
-    return subscription.hasSameHandler(pattern);
-}
-} // namespace
-
-bool ZTSubscriptionPrivate::matches(const ZTSubscriptionPrivate& pattern) const
-{
-    if (this == &pattern)
-        return true;
-    return (!pattern.sender || pattern.sender == sender) &&
-           (!pattern.subscriber || pattern.subscriber == subscriber) &&
-           (!pattern.event || pattern.event == event) && fits(*this, pattern);
-}
+#include <memory>
+#include <utility>
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "baseprivate.h"
+#include "lifetime.h"
 
 #include <ostream>
 
@@ -6,11 +6,11 @@ ZTBase::ZTBase(ZTBase* parent) : priv(new ZTBasePrivate(this))
 {
     if (!parent)
         return;
-    ZTBasePrivate::Beginning made(priv);
+    ZTBeginning made(priv);
     try {
         setParent(parent);
     } catch (...) { // no destructor runs for this object then
-        ZTBasePrivate::Farewell farewell(this);
+        ZTFarewell farewell(this);
         ZTBasePrivate::end(priv);
         throw;
     }
@@ -25,8 +25,7 @@ ZTBase::ZTBase(ZTBase&& other) noexcept : priv(nullptr)
 ZTBase& ZTBase::operator=(ZTBase&& other) noexcept
 {
     // An object whose own end has come so far has no use for another record.
-    bool isDying =
-        priv ? priv->stage >= ZTLifeStage::Dying : ZTBasePrivate::Farewell::isDying(this);
+    bool isDying = priv ? priv->stage >= ZTLifeStage::Dying : ZTFarewell::isDying(this);
     if (this != &other && !isDying)
         ZTBasePrivate::replace(this, other);
     return *this;
@@ -40,9 +39,9 @@ ZTBase::~ZTBase()
         ZTBasePrivate::end(priv);
         return;
     }
-    ZTBasePrivate::Farewell farewell(this);
+    ZTFarewell farewell(this);
     priv->stage = ZTLifeStage::Dying;
-    if (priv->eventSlots) // somebody may listen
+    if (priv->events.areSent()) // somebody may listen
         destroyed(this);
     ZTBasePrivate::end(priv);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <zintar/detail/lifewatch.h>
-#include <zintar/subscription.h>
+#include <zintar/fwd.h>
 
 // Where code of the host runs inside the library, and what holds there.
 //

@@ -1,25 +1,21 @@
-#include "../events/eventslot.h"
-#include "baseprivate.h"
+#include "lifetime.h"
 
-#include <memory>
 #include <utility>
-
-ZTBasePrivate::ZTBasePrivate(ZTBase* owner) : object(owner) {}
 
 namespace
 {
-[[gnu::tls_model("initial-exec")]] thread_local ZTBasePrivate::Farewell* farewells = nullptr;
+[[gnu::tls_model("initial-exec")]] thread_local ZTFarewell* farewells = nullptr;
 } // namespace
 
-ZTBasePrivate::Farewell::Farewell(const ZTBase* object) noexcept
+ZTFarewell::ZTFarewell(const ZTBase* object) noexcept
     : m_object(object), m_outer(std::exchange(farewells, this))
 {}
 
-ZTBasePrivate::Farewell::~Farewell() { farewells = m_outer; }
+ZTFarewell::~ZTFarewell() { farewells = m_outer; }
 
-bool ZTBasePrivate::Farewell::isDying(const ZTBase* object) noexcept
+bool ZTFarewell::isDying(const ZTBase* object) noexcept
 {
-    for (const Farewell* one = farewells; one; one = one->m_outer)
+    for (const ZTFarewell* one = farewells; one; one = one->m_outer)
         if (one->m_object == object)
             return true;
     return false;
@@ -28,13 +24,11 @@ bool ZTBasePrivate::Farewell::isDying(const ZTBase* object) noexcept
 /// Whatever names the object by its address follows it to the new one.
 void ZTBasePrivate::moveTo(ZTBase* newObject)
 {
-    const std::size_t place = placeAmongChildren(); // as long as the entry has a record
-    if (parent && place < parent->children.size())
-        parent->children[place] = newObject;
-    pointReferencesTo(newObject);
-    object->priv = nullptr;
+    ZTBase* oldObject = object;
+    standFor(newObject);
+    references.pointTo(newObject);
+    oldObject->priv = nullptr;
     newObject->priv = this;
-    object = newObject;
     stage = ZTLifeStage::Alive; // the object that was dying stays behind
 }
 
@@ -60,15 +54,14 @@ void ZTBasePrivate::replace(ZTBase* object, ZTBase& other)
         }
         incoming->moveTo(object);
     }
-    Beginning assigned(incoming); // the assignment goes on behind this
+    ZTBeginning assigned(incoming); // the assignment goes on behind this
     end(old);
 }
 
 bool ZTBasePrivate::isAlone() const
 {
-    return !parent && children.empty() && !senders && !eventSlots && !refImpl && !strongRefImpl &&
-           !sentEventBlockers && !receivedEventBlockers && !dynamicProperties && !activeEvents &&
-           !watches;
+    return !parent && children.empty() && events.areNone() && references.areNone() &&
+           dynamicProperties.areNone() && !watches;
 }
 
 // The order is what hosts rely on. Handlers run until the last child is gone, and find the record
@@ -80,26 +73,25 @@ void ZTBasePrivate::end(ZTBasePrivate* record) noexcept
         return;
     }
     ZTLetGo ended;
-    std::unique_ptr<zt::detail::DynamicProperties> properties;
+    ZTDynamicProperties properties;
     record->stage = ZTLifeStage::TornDown;
-    record->endReceived(ended);
+    record->events.endReceived(ended);
     if (record->parent)
         record->setParent(nullptr);
     record->deleteChildren();
 
-    record->endReceived(ended); // what a handler has subscribed meanwhile
-    record->clearWeakReferences();
-    record->clearBlockers();
-    const bool wasHeld = record->clearStrongReferences();
-    while (record->activeEvents)
-        record->activeEvents = record->activeEvents->receiverDied();
+    record->events.endReceived(ended); // what a handler has subscribed meanwhile
+    record->references.clearWeak();
+    record->events.clearBlockers();
+    const bool wasHeld = record->references.clearStrong();
+    record->events.leaveDeliveries();
     for (ZTLifeWatch* watch = record->watches; watch; watch = watch->m_below)
         watch->m_record = nullptr;
-    record->endSent(ended);
+    record->events.endSent(ended);
     properties = std::move(record->dynamicProperties);
     if (record->object->priv == record)
         record->object->priv = nullptr;
     delete record;
     if (wasHeld)
-        warnOfHeldObject();
+        ZTReferences::warnOfHeldObject();
 }

@@ -24,7 +24,7 @@ ZTRefImpl* ZTRefImpl::get(const ZTBase* object)
     ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (!record)
         return nullptr;
-    ZTRefImpl*& block = record->refImpl;
+    ZTRefImpl*& block = record->references.refImpl;
     if (!block)
         block = new ZTRefImpl(record->object);
     else if (block->refCount++ == 0) // the earlier ones have gone, or are just going
@@ -45,13 +45,13 @@ ZTStrongRefImpl* ZTStrongRefImpl::get(const ZTBase* object)
     ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (!record)
         return nullptr;
-    if (record->strongRefImpl) {
-        ++record->strongRefImpl->refCount;
+    if (record->references.strongRefImpl) {
+        ++record->references.strongRefImpl->refCount;
     } else {
         (void)heldAtEnd();
-        record->strongRefImpl = new ZTStrongRefImpl(record);
+        record->references.strongRefImpl = new ZTStrongRefImpl(record);
     }
-    return record->strongRefImpl;
+    return record->references.strongRefImpl;
 }
 
 ZTStrongRefImpl::ZTStrongRefImpl(ZTBasePrivate* of) noexcept
@@ -64,14 +64,14 @@ ZTStrongRefImpl::~ZTStrongRefImpl()
     if (!held)
         return;
     // First, so that the object's end finds no block and has nothing to complain about.
-    record->strongRefImpl = nullptr;
+    record->references.strongRefImpl = nullptr;
     // A reference that was taken while the object dies is not the one that ends it.
     if (record->stage == ZTLifeStage::Alive)
         delete held;
 }
 } // namespace zt::detail
 
-void ZTBasePrivate::clearWeakReferences()
+void ZTReferences::clearWeak()
 {
     if (auto* block = std::exchange(refImpl, nullptr)) {
         block->object = nullptr;
@@ -79,7 +79,7 @@ void ZTBasePrivate::clearWeakReferences()
     }
 }
 
-bool ZTBasePrivate::clearStrongReferences()
+bool ZTReferences::clearStrong()
 {
     auto* block = std::exchange(strongRefImpl, nullptr);
     if (block)
@@ -87,9 +87,9 @@ bool ZTBasePrivate::clearStrongReferences()
     return block != nullptr;
 }
 
-void ZTBasePrivate::warnOfHeldObject() { ztLog(heldAtEnd(), ZTLogType::Error); }
+void ZTReferences::warnOfHeldObject() { ztLog(heldAtEnd(), ZTLogType::Error); }
 
-void ZTBasePrivate::pointReferencesTo(ZTBase* newObject)
+void ZTReferences::pointTo(ZTBase* newObject)
 {
     if (refImpl)
         refImpl->object = newObject;

@@ -45,14 +45,16 @@ public:
             --m_parent.record()->expectedChildren;
     }
     /// Null when there is none, or when it has died.
-    [[nodiscard]] ZTBasePrivate* parent() const { return m_parent.record(); }
+    [[nodiscard]] ZTTreeNode* parent() const { return m_parent.record(); }
 
 private:
     ZTLifeWatch m_parent;
 };
 } // namespace
 
-void ZTBasePrivate::setParent(ZTBase* newParent)
+ZTTreeNode& ZTTreeNode::of(const ZTBase* object) { return *ZTBasePrivate::of(object); }
+
+void ZTTreeNode::setParent(ZTBase* newParent)
 {
     if (newParent == object) {
         ztLog("Zintar Error: Cannot parent an ZTBase object under itself.", ZTLogType::Error);
@@ -66,55 +68,55 @@ void ZTBasePrivate::setParent(ZTBase* newParent)
         return;
 
     ZTJoining joining(newParent);
-    ZTLifeWatch self(this);
+    ZTLifeWatch self(static_cast<ZTBasePrivate*>(this));
     bool wasListed = hasLeftParent || leaveChildren();
     hasLeftParent = false;
-    ZTBasePrivate* oldParent = std::exchange(parent, nullptr);
+    ZTTreeNode* oldParent = std::exchange(parent, nullptr);
     if (oldParent && wasListed) {
         Moving moving(self);
         oldParent->object->childRemoved(object);
         if (!self)
             return;
     }
-    if (ZTBasePrivate* joined = joining.parent()) {
+    if (ZTTreeNode* joined = joining.parent()) {
         joined->addChild(*this);
         joined->object->childAdded(object);
     }
 }
 
-void ZTBasePrivate::reserveChild()
+void ZTTreeNode::reserveChild()
 {
     const std::size_t needed = children.size() + expectedChildren + 1;
     if (needed > children.capacity())
         children.reserve(std::max(needed, 2 * children.capacity()));
 }
 
-void ZTBasePrivate::addChild(ZTBasePrivate& child)
+void ZTTreeNode::addChild(ZTTreeNode& child)
 {
-    const ZTBasePrivate* last = children.empty() ? nullptr : of(children.back());
+    const ZTTreeNode* last = children.empty() || !children.back() ? nullptr : &of(children.back());
     if (last && last->rank == std::numeric_limits<std::uint32_t>::max()) {
         std::uint32_t next = 0;
         for (ZTBase* sibling : children)
             if (sibling)
-                of(sibling)->rank = next++;
+                of(sibling).rank = next++;
     }
     child.rank = last ? last->rank + 1 : 0;
     child.parent = this;
     children.push_back(child.object);
 }
 
-std::size_t ZTBasePrivate::placeAmongChildren() const
+std::size_t ZTTreeNode::placeAmongChildren() const
 {
     if (!parent)
         return 0;
     const auto& siblings = parent->children;
-    auto isBefore = [this](const ZTBase* sibling) { return !sibling || of(sibling)->rank < rank; };
+    auto isBefore = [this](const ZTBase* sibling) { return !sibling || of(sibling).rank < rank; };
     auto found = std::partition_point(siblings.begin(), siblings.end(), isBefore);
     bool isListed = found != siblings.end() && *found == object;
     return isListed ? static_cast<std::size_t>(found - siblings.begin()) : siblings.size();
 }
 
-bool ZTBasePrivate::leaveChildren()
+bool ZTTreeNode::leaveChildren()
 {
     const std::size_t place = placeAmongChildren();
     if (!parent || place == parent->children.size())
@@ -123,29 +125,37 @@ bool ZTBasePrivate::leaveChildren()
     return true;
 }
 
+void ZTTreeNode::standFor(ZTBase* newObject)
+{
+    const std::size_t place = placeAmongChildren(); // as long as the entry has a record
+    if (parent && place < parent->children.size())
+        parent->children[place] = newObject;
+    object = newObject;
+}
+
 /// Handlers may delete a sibling, detach it or add one meanwhile. The vector keeps its length: an
 /// entry is cleared when its child's turn comes, so that nobody finds a dead object there.
-void ZTBasePrivate::deleteChildren()
+void ZTTreeNode::deleteChildren()
 {
     for (std::size_t i = 0; i < children.size(); ++i) {
         ZTBase* child = children[i];
         if (!child)
             continue;
         children[i] = nullptr;
-        of(child)->parent = nullptr;
+        of(child).parent = nullptr;
         // Otherwise somebody is making or ending it right now, and goes on with it.
-        if (of(child)->stage == ZTLifeStage::Alive)
+        if (of(child).stage == ZTLifeStage::Alive)
             delete child;
     }
 }
 
 /// Objects can be above each other in a circle. So a second walk follows at half the speed, which
 /// the first one meets in a circle.
-bool ZTBasePrivate::descendsFrom(const ZTBasePrivate* ancestor) const
+bool ZTTreeNode::descendsFrom(const ZTTreeNode* ancestor) const
 {
-    const ZTBasePrivate* slow = this;
+    const ZTTreeNode* slow = this;
     bool slowMoves = false;
-    for (const ZTBasePrivate* above = parent; above && above != slow; above = above->parent) {
+    for (const ZTTreeNode* above = parent; above && above != slow; above = above->parent) {
         if (above == ancestor)
             return true;
         if (slowMoves)

@@ -1,8 +1,8 @@
 #include "dynamicmetaclass.h"
 
 #include "ownorinherited.h"
+#include "raiseevent.h"
 
-#include <zintar/base.h>
 #include <zintar/detail/blocks.h>
 
 #include <algorithm>
@@ -94,16 +94,23 @@ ZTVariant ZTDynamicMetaInvokable::invoke(const ZTVariant& object,
                                          const ZTArgumentArray& arguments) const
 {
     if (m_raisesItself)
-        raise(object, arguments);
+        zt::detail::raiseEvent(*this, object, arguments);
     return m_function ? m_function(object, arguments) : ZTVariant();
 }
 
+<<<<<<< HEAD
 /// An object whose class does not have this very event is left alone.
 void ZTDynamicMetaInvokable::raise(const ZTVariant& object, const ZTArgumentArray& arguments) const
 {
     const auto* sender = ztVariantValue<ZTBase*>(object);
     if (sender && sender->metaClass()->invokable(index()) == this)
         zt::detail::EventRaiser::raise(*sender, index(), arguments);
+=======
+void ZTDynamicMetaInvokable::forgetOwner()
+{
+    if (!std::holds_alternative<int>(m_index))
+        m_index = nullptr;
+>>>>>>> 4f4c7ba (Compose the record of an object of its parts)
 }
 
 const ZTMetaType& ZTDynamicMetaProperty::metaType() const { return typeOrBad(m_metaType); }

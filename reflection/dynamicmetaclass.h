@@ -61,7 +61,6 @@ struct ZTDynamicMetaInvokable final : ZTMetaInvokable {
     ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const override;
     [[nodiscard]] bool isDynamic() const override { return true; }
 
-    void raise(const ZTVariant& object, const ZTArgumentArray& arguments) const;
     void freezeIndex(int index) { m_index = index; }
     /// The invokable has left its class, or the class is gone.
     void forgetOwner() { m_index = nullptr; }

@@ -22,7 +22,7 @@ public:
     ~ZTEventBlocker();
 
 private:
-    friend struct ZTBasePrivate;
+    friend struct ZTEventEnds;
 
     void enter();
     void leave();

@@ -46,6 +46,8 @@ struct ZTBasePrivate;
 struct ZTDynamicBasePrivate;
 struct ZTSubscriptionPrivate;
 struct ZTEventSlot;
+struct ZTEventEnds;
+struct ZTReferences;
 class ZTLetGo;
 class ZTLifeWatch;
 

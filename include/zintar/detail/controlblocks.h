@@ -16,7 +16,7 @@ struct ZT_EXPORT ZTRefImpl {
 private:
     template <class Impl>
     friend class Reference;
-    friend struct ::ZTBasePrivate;
+    friend struct ::ZTReferences;
 
     explicit ZTRefImpl(const ZTBase* of) noexcept;
     ~ZTRefImpl() = default;
@@ -38,7 +38,7 @@ struct ZT_EXPORT ZTStrongRefImpl {
 private:
     template <class Impl>
     friend class Reference;
-    friend struct ::ZTBasePrivate;
+    friend struct ::ZTReferences;
 
     explicit ZTStrongRefImpl(ZTBasePrivate* of) noexcept;
     ~ZTStrongRefImpl();

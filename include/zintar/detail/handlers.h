@@ -1,8 +1,8 @@
 #pragma once
 
 #include <zintar/detail/blocks.h>
+#include <zintar/detail/handlerbase.h>
 #include <zintar/detail/signature.h>
-#include <zintar/subscription.h>
 
 #include <atomic>
 #include <cstddef>

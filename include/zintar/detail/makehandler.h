@@ -3,6 +3,7 @@
 #include <zintar/detail/handlers.h>
 #include <zintar/detail/signature.h>
 #include <zintar/metaclass.h>
+#include <zintar/subscription.h>
 
 #include <concepts>
 #include <type_traits>

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <zintar/subscription.h>
+#include <zintar/detail/handlerbase.h>
+#include <zintar/fwd.h>
 
 #include <atomic>
 #include <cstddef>

@@ -1,0 +1,68 @@
+#include "eventvalues.h"
+
+using zt::detail::ZTHandlerBase;
+
+namespace
+{
+/// A pointer to an object of a derived class is a value of a pointer to the base.
+bool isValueOf(const ZTMetaType& type, const ZTMetaType& declared)
+{
+    if (&type == &declared)
+        return true;
+    const ZTMetaClass* from = type.metaClass();
+    const ZTMetaClass* to = declared.metaClass();
+    return from && to && !from->isDynamic() && !to->isDynamic() && from->isDerivedFrom(to);
+}
+} // namespace
+
+bool ztFits(const ZTVariant& value, const ZTMetaType& declared)
+{
+    return &declared == &::ztMetaType<ZTVariant>() || isValueOf(value.type(), declared);
+}
+
+bool ZTEventValues::isValueOf(unsigned int position, const ZTMetaType& type) const
+{
+    if (!m_declared)
+        return ztFits((*m_array)[position], type);
+    return position < m_declared->parameterCount() &&
+           m_declared->parameterMetaType(position) == type;
+}
+
+void ZTEventValues::fitToOther(const ZTMetaInvokable& event)
+{
+    if (zt::detail::haveSameParameters(*m_declared, event))
+        return;
+    (void)array();
+    m_addresses = nullptr;
+}
+
+const ZTArgumentArray& ZTEventValues::array()
+{
+    if (!m_array) {
+        m_lent.emplace();
+        for (unsigned int i = 0; i < m_declared->parameterCount(); ++i) {
+            const ZTMetaType& type = m_declared->parameterMetaType(i);
+            if (&type == &::ztMetaType<ZTVariant>())
+                m_lent->lend(i, *static_cast<const ZTVariant*>(m_addresses[i]));
+            else
+                m_lent->lend(i, type, m_addresses[i]);
+        }
+        m_array = &static_cast<const ZTArgumentArray&>(*m_lent);
+    }
+    return *m_array;
+}
+
+/// A value of another type than the handler takes is not handed to it as if it were one.
+void** ZTEventValues::collectAddresses(const ZTHandlerBase& handler)
+{
+    const ZTMetaType& variantType = ::ztMetaType<ZTVariant>();
+    for (unsigned int i = 0; i < handler.parameterCount(); ++i) {
+        const ZTVariant& value = (*m_array)[i];
+        const ZTMetaType& taken = handler.parameterMetaType(i);
+        if (taken == variantType)
+            m_collected[i] = const_cast<ZTVariant*>(&value);
+        else
+            m_collected[i] = ::isValueOf(value.type(), taken) ? value.data() : nullptr;
+    }
+    return m_collected;
+}
