@@ -98,21 +98,6 @@ ZTVariant ZTDynamicMetaInvokable::invoke(const ZTVariant& object,
     return m_function ? m_function(object, arguments) : ZTVariant();
 }
 
-<<<<<<< HEAD
-/// An object whose class does not have this very event is left alone.
-void ZTDynamicMetaInvokable::raise(const ZTVariant& object, const ZTArgumentArray& arguments) const
-{
-    const auto* sender = ztVariantValue<ZTBase*>(object);
-    if (sender && sender->metaClass()->invokable(index()) == this)
-        zt::detail::EventRaiser::raise(*sender, index(), arguments);
-=======
-void ZTDynamicMetaInvokable::forgetOwner()
-{
-    if (!std::holds_alternative<int>(m_index))
-        m_index = nullptr;
->>>>>>> 4f4c7ba (Compose the record of an object of its parts)
-}
-
 const ZTMetaType& ZTDynamicMetaProperty::metaType() const { return typeOrBad(m_metaType); }
 
 int ZTDynamicMetaProperty::changeEventIndex() const
