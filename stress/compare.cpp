@@ -21,8 +21,10 @@ std::string World::differences()
     for (const auto& [id, soul] : m_model.souls)
         if (found.empty() && m_model.isSettled(id))
             found = differencesOf(id);
-    if (found.empty())
-        found = differencesOfHandles();
+    for (auto part : {&World::differencesOfHandles, &World::differencesOfReferences,
+                      &World::differencesOfRecorders})
+        if (found.empty())
+            found = (this->*part)();
     --m_muted;
     return found;
 }
@@ -90,7 +92,7 @@ std::string World::differencesOfDeliveries(Id id, const Soul& soul)
 {
     const auto* actor = static_cast<const Actor*>(m_objects.at(soul.body));
     const Frame* delivery = m_model.activeOf(id);
-    if (actor->activeEventIndex() != (delivery ? descriptorOf(delivery->event)->index() : -1))
+    if (actor->activeEventIndex() != (delivery ? indexOf(delivery->event) : -1))
         return "an object knows another event as the one that is delivered to it";
     if (!delivery)
         return actor->eventSender() ? "an object without a delivery knows a sender" : "";
@@ -114,6 +116,11 @@ std::string World::differencesOfHandles()
         if (!handle && !(handle == ZTSubscription()))
             return "a handle that tests false differs from an empty one";
     }
+    return "";
+}
+
+std::string World::differencesOfReferences()
+{
     for (std::size_t i = 0; i < holderCount; ++i) {
         Id id = m_weakSouls[i];
         if (id == none || m_model.isSettled(id)) {

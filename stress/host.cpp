@@ -31,62 +31,47 @@ Grip::~Grip()
         world().letGo(std::exchange(m_soul, none), m_reference);
 }
 
-Cargo::Cargo(int newNumber, const int* scripts, Grip newGrip)
-    : number(newNumber),
-      atEnd(scripts[0]),
-      atCopy(scripts[1]),
-      atCompare(scripts[2]),
-      grip(std::move(newGrip)),
-      isCounted(true)
+Hooks::Hooks(const int* scripts)
+    : atEnd(scripts[0]), atCopy(scripts[1]), atCompare(scripts[2]), isCounted(true)
 {
     ++alive;
 }
 
 // The other one may be gone when the script has run.
-Cargo::Cargo(const Cargo& other)
-    : number(other.number),
-      atEnd(other.atEnd),
+Hooks::Hooks(const Hooks& other)
+    : atEnd(other.atEnd),
       atCopy(other.atCopy),
       atCompare(other.atCompare),
-      grip(other.grip),
       isCounted(other.isCounted)
 {
     alive += isCounted;
     world().runHook(atCopy);
 }
 
-Cargo::Cargo(Cargo&& other) noexcept
-    : number(other.number),
-      atEnd(std::exchange(other.atEnd, 0)),
-      atCopy(std::exchange(other.atCopy, 0)),
-      atCompare(std::exchange(other.atCompare, 0)),
-      grip(std::move(other.grip)),
-      isCounted(other.isCounted)
+Hooks& Hooks::operator=(Hooks other) noexcept
 {
-    alive += isCounted;
-}
-
-Cargo& Cargo::operator=(Cargo other) noexcept
-{
-    std::swap(number, other.number);
-    std::swap(atEnd, other.atEnd);
-    std::swap(atCopy, other.atCopy);
-    std::swap(atCompare, other.atCompare);
-    std::swap(grip, other.grip);
-    std::swap(isCounted, other.isCounted);
+    swap(other);
     return *this;
 }
 
-Cargo::~Cargo()
+Hooks::~Hooks()
 {
     alive -= isCounted;
     world().runHook(atEnd);
 }
 
+void Hooks::swap(Hooks& other) noexcept
+{
+    std::swap(atEnd, other.atEnd);
+    std::swap(atCopy, other.atCopy);
+    std::swap(atCompare, other.atCompare);
+    std::swap(isCounted, other.isCounted);
+}
+
 bool Cargo::operator==(const Cargo& other) const
 {
     bool isEqual = number == other.number;
-    world().runHook(atCompare);
+    world().runHook(hooks.atCompare);
     return isEqual;
 }
 
@@ -96,13 +81,44 @@ void Actor::operator delete(void* memory) { world().givesBack(memory); }
 
 const ZTMetaInvokable* descriptorOf(Event event)
 {
+    constexpr std::string_view names[] = {
+        "said", "told", "", "destroyed", "childAdded", "childRemoved", "dynamicPropertyChanged"};
     const ZTMetaClass& actor = Actor::typeMetaClass();
-    constexpr std::string_view names[] = {"said",       "told",         "destroyed",
-                                          "childAdded", "childRemoved", "dynamicPropertyChanged"};
     for (unsigned int i = 0; i < actor.invokableCount(); ++i)
         if (actor.invokable(i)->name() == names[int(event)])
             return actor.invokable(i);
     return nullptr;
+}
+
+int indexOf(Event event)
+{
+    return event == Event::Shifted ? int(Actor::typeMetaClass().invokableCount())
+                                   : descriptorOf(event)->index();
+}
+
+OwnClass::Shifted::Shifted(const ZTMetaType& carried)
+    : ZTMetaInvokable(*descriptorOf(Event::Said)), type(carried)
+{}
+
+OwnClass::OwnClass(Sort sort)
+    : ZTMetaClass(Actor::typeMetaClass()),
+      shifted(sort == Sort::Text ? ztMetaType<std::string>() : ztMetaType<long long>())
+{}
+
+const ZTMetaInvokable* OwnClass::invokable(unsigned int index) const
+{
+    return int(index) == shifted.index() ? &shifted : superClass()->invokable(index);
+}
+
+const ZTMetaClass* Shifter::metaClass() const
+{
+    const ZTMetaClass* own = world().ownClassOf(body);
+    return own ? own : Actor::metaClass();
+}
+
+const ZTMetaProperty* OwnClass::property(std::string_view name) const
+{
+    return superClass()->property(name);
 }
 
 void Actor::hear(int number) { world().heard(none, Kind::Member, this, number); }

@@ -33,22 +33,29 @@ private:
     ZTStrongRef<ZTBase> m_reference;
 };
 
-/// A value, and what a handler captures.
-struct Cargo {
-    Cargo() = default;
-    Cargo(int newNumber, const int* scripts, Grip newGrip);
-    Cargo(const Cargo& other);
-    Cargo(Cargo&& other) noexcept;
-    Cargo& operator=(Cargo other) noexcept;
-    ~Cargo();
-    bool operator==(const Cargo& other) const;
+/// The scripts that a value runs: a part of it that is copied last and destroyed first.
+struct Hooks {
+    Hooks() = default;
+    explicit Hooks(const int* scripts);
+    Hooks(const Hooks& other);
+    Hooks(Hooks&& other) noexcept : Hooks() { swap(other); }
+    Hooks& operator=(Hooks other) noexcept;
+    ~Hooks();
+    void swap(Hooks& other) noexcept;
 
-    int number = 0;
     int atEnd = 0, atCopy = 0, atCompare = 0;
-    Grip grip{};
     /// Whether it was made by the world, or of such a one; the library makes some by itself.
     bool isCounted = false;
     inline static int alive = 0;
+};
+
+/// A value, and what a handler captures.
+struct Cargo {
+    bool operator==(const Cargo& other) const;
+
+    int number = 0;
+    Grip grip{};
+    Hooks hooks{};
 };
 
 class Actor : public ZTBase
@@ -84,7 +91,9 @@ private:
     }
 };
 
+/// One of the class `Actor`.
 const ZTMetaInvokable* descriptorOf(Event event);
+int indexOf(Event event);
 
 class Lead : public Actor
 {
@@ -95,5 +104,34 @@ public:
 
 private:
     static constexpr auto members() { return zt::members(); }
+};
+
+/// A class that a host lays out by itself: that of an actor with one event more.
+struct OwnClass : ZTMetaClass {
+    struct Shifted : ZTMetaInvokable {
+        explicit Shifted(const ZTMetaType& carried);
+        std::string_view name() const override { return "shifted"; }
+        bool isEvent() const override { return true; }
+        unsigned int parameterCount() const override { return 1; }
+        const ZTMetaType& parameterMetaType(unsigned int) const override { return type; }
+        int index() const override { return indexOf(Event::Shifted); }
+        const ZTMetaType& type;
+    };
+
+    explicit OwnClass(Sort sort);
+    const ZTMetaClass* superClass() const override { return &Actor::typeMetaClass(); }
+    std::string_view typeName() const override { return "OwnClass"; }
+    unsigned int invokableCount() const override { return unsigned(shifted.index()) + 1; }
+    const ZTMetaInvokable* invokable(unsigned int index) const override;
+    const ZTMetaProperty* property(std::string_view name) const override;
+    Shifted shifted;
+};
+
+/// An object whose class is another one later.
+class Shifter : public Actor
+{
+public:
+    using Actor::Actor;
+    const ZTMetaClass* metaClass() const override;
 };
 } // namespace stress

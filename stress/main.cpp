@@ -10,7 +10,7 @@
 #include <set>
 #include <sstream>
 
-// zintar_stress [SECONDS [SEED]]     random programs for that long, of each profile in turn
+// zintar_stress [SECONDS [SEED]]     random programs for that long, of all profiles in turn
 // zintar_stress programs N [SEED]    that many of each profile
 // zintar_stress replay FILE          the programs of a file, each behind a line "# name"
 //
@@ -22,136 +22,55 @@ namespace
 using namespace stress;
 using Clock = std::chrono::steady_clock;
 
-struct Profile {
-    const char* name;
-    std::map<Code, double> weights;
-};
-
-Weights weightsOf(const Profile& profile)
-{
-    Weights weights{};
-    for (auto [code, weight] : profile.weights)
-        weights[std::size_t(code)] = weight;
-    return weights;
-}
-
-const Profile profiles[] = {
-    {"events",
-     {{Code::Listen, 24},
-      {Code::Raise, 14},
-      {Code::Delete, 5},
-      {Code::Unsubscribe, 4},
-      {Code::End, 3},
-      {Code::Scope, 2},
-      {Code::Drop, 2},
-      {Code::Keep, 4},
-      {Code::Take, 3},
-      {Code::Let, 2},
-      {Code::Change, 3},
-      {Code::Throw, 2},
-      {Code::Block, 2},
-      {Code::Unblock, 2},
-      {Code::Move, 3},
-      {Code::Assign, 3},
-      {Code::New, 4},
-      {Code::Strong, 3},
-      {Code::Set, 2}}},
-    {"objects",
-     {{Code::Listen, 14},
-      {Code::Raise, 4},
-      {Code::Delete, 8},
-      {Code::Parent, 10},
-      {Code::Move, 5},
-      {Code::Assign, 7},
-      {Code::New, 8},
-      {Code::Strong, 6},
-      {Code::Weak, 4},
-      {Code::Set, 12},
-      {Code::Get, 2},
-      {Code::Put, 2},
-      {Code::Unsubscribe, 2},
-      {Code::Block, 1},
-      {Code::Unblock, 1},
-      {Code::End, 2}}},
-    {"deaths",
-     {{Code::New, 12},
-      {Code::Delete, 14},
-      {Code::Parent, 8},
-      {Code::Move, 5},
-      {Code::Assign, 14},
-      {Code::Listen, 16},
-      {Code::Strong, 4},
-      {Code::Weak, 2},
-      {Code::Keep, 2}}},
-    {"memory",
-     {{Code::Fail, 20},
-      {Code::Listen, 10},
-      {Code::Raise, 6},
-      {Code::Delete, 4},
-      {Code::Parent, 8},
-      {Code::Move, 2},
-      {Code::Assign, 3},
-      {Code::New, 6},
-      {Code::Strong, 3},
-      {Code::Weak, 3},
-      {Code::Set, 8},
-      {Code::Unsubscribe, 4},
-      {Code::End, 2},
-      {Code::Drop, 2},
-      {Code::Keep, 2},
-      {Code::Let, 2}}},
-};
-
 struct Totals {
     std::size_t programs = 0, steps = 0;
     std::set<std::string> faults;
 };
 
-void report(const Profile& profile, unsigned int seed, Totals& totals)
+void report(std::size_t profile, unsigned int seed, Totals& totals)
 {
-    Program program = makeProgram(seed, weightsOf(profile));
+    Program program = makeProgram(seed, profile);
     std::string fault = tryProgram(program).fault;
     if (fault.empty()) {
-        std::cout << profile.name << " " << seed << " fails in company alone\n";
-        totals.faults.insert(std::string(profile.name) + " in company");
+        std::cout << profiles[profile] << " " << seed << " fails in company alone\n";
+        totals.faults.insert(std::string(profiles[profile]) + " in company");
         return;
     }
-    if (!totals.faults.insert(fault).second)
+    if (!totals.faults.insert(fault).second) {
+        std::cout << "once more: " << fault << "\n";
         return;
+    }
+    std::cout << fault << std::endl;
     Program small = shrink(program, fault);
     Verdict verdict = tryProgram(small);
-    std::cout << "\n# " << profile.name << " " << seed << ", program " << totals.programs << ": "
-              << verdict.fault << "\n"
+    std::cout << "\n# " << profiles[profile] << " " << seed << ", program " << totals.programs
+              << ": " << verdict.fault << "\n"
               << textOf(small) << "\n"
               << verdict.log.substr(0, verdict.log.find("SUMMARY: ")) << std::endl;
 }
 
-/// Runs a profile until that time or number of programs.
-void run(const Profile& profile, unsigned int seed, Clock::time_point end, std::size_t count,
-         Totals& totals)
-{
-    constexpr unsigned int batchSize = 200;
-    while (count > 0 && Clock::now() < end) {
-        auto size = unsigned(std::min<std::size_t>(count, batchSize));
-        Batch batch = tryPrograms(seed, size, weightsOf(profile));
-        unsigned int done = batch.programs + (batch.failed && batch.programs < size);
-        totals.programs += done;
-        totals.steps += batch.steps;
-        if (batch.failed)
-            report(profile, batch.seed, totals);
-        seed += done;
-        count -= done;
-    }
-}
-
+/// Runs all profiles in turn, some programs of each, until that time or number of programs.
 int runAll(double seconds, std::size_t count, unsigned int seed)
 {
+    constexpr std::size_t batchSize = 400;
+    const auto start = Clock::now();
+    auto secondsSoFar = [&] { return std::chrono::duration<double>(Clock::now() - start).count(); };
     Totals totals;
-    auto share = std::chrono::duration_cast<Clock::duration>(
-        std::chrono::duration<double>(seconds / std::size(profiles)));
+    std::array<std::size_t, std::size(profiles)> done{};
     std::cout << "Stress from seed " << seed << std::endl;
-    for (const Profile& profile : profiles)
-        run(profile, seed, Clock::now() + share, count, totals);
+    for (std::size_t turn = 0; done.back() < count && secondsSoFar() < seconds; ++turn) {
+        std::size_t profile = turn % std::size(profiles);
+        auto size = unsigned(std::min(count - done[profile], batchSize));
+        Batch batch = tryPrograms(seed + unsigned(done[profile]), size, profile);
+        unsigned int tried = batch.programs + (batch.failed && batch.programs < size);
+        done[profile] += tried;
+        totals.programs += tried;
+        totals.steps += batch.steps;
+        if (!batch.failed)
+            continue;
+        std::cout << "After " << secondsSoFar() << " s: ";
+        report(profile, batch.seed, totals);
+    }
     std::cout << totals.programs << " programs, " << totals.steps << " steps: ";
     if (totals.faults.empty())
         std::cout << "nothing found\n";

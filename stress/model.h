@@ -30,8 +30,9 @@ constexpr Id none = -1;
 
 struct Body {
     Id soul = none;
-    bool isLead = false;
-    int heard = 0; ///< the script that its member functions run
+    Class ofClass = Class::Actor;
+    Sort sort = Sort::Nothing; ///< of the event that its class has now
+    int heard = 0;             ///< the script that its member functions run
     bool isBeingMade = false;
     bool isDying = false;
     bool isGone = false;
@@ -69,6 +70,7 @@ struct Subscription {
     Event event;
     Kind kind;
     int script;
+    Sort takes = Sort::Nothing; ///< of an event that carries one of them; nothing takes any
     bool isAlive = true;
 };
 
@@ -77,6 +79,9 @@ struct Frame {
 
     // Of an operation: the soul that is between two parents, and the one to come.
     Id placed = none, under = none;
+    Id made = none;         ///< the body whose constructor it runs
+    bool isPassing = false; ///< what a handler throws that is called meanwhile comes out of it
+    bool hasThrown = false;
 
     // Of a delivery.
     Id sender = none;
@@ -90,8 +95,9 @@ struct Frame {
     bool isLoose = false;   ///< what it reaches is open
     bool isRunning = false; ///< a handler runs
     Id receiver = none;
-    int steps = 0;         ///< of the world when it was raised
-    int number = 0;        ///< the value
+    int steps = 0;  ///< of the world when it was raised
+    int number = 0; ///< the value
+    Sort sort = Sort::Nothing;
     int arrayVersion = -1; ///< of the array that holds the value, if one does
 };
 
@@ -107,18 +113,21 @@ public:
 
     // Objects.
     /// A body with a soul; both have the number.
-    Id birth(bool isLead, int heard);
-    Id emptyBody(bool isLead, int heard);
+    Id birth(Class ofClass, int heard);
+    Id emptyBody(Class ofClass, int heard);
     [[nodiscard]] Soul* soulOf(Id body);
     /// Whether what the rules say of it holds now.
     [[nodiscard]] bool isSettled(Id soul) const;
     [[nodiscard]] bool isPlaceKnown(Id soul) const;
     void moveSoul(Id from, Id to);
+    /// The object has another class from now on.
+    void changeClass(Id soul);
     /// The soul that ends, or none.
     Id startAssigning(Id to, Id from);
     void finishAssigning(Id to, Id from, Id ended);
-    /// The soul is to get another parent by the operation in progress.
-    void startPlacing(Id soul, Id parent);
+    /// The soul is to get another parent by the operation in progress; a body is made for it, or
+    /// none.
+    void startPlacing(Id soul, Id parent, Id made = none);
     void finishPlacing();
     /// The destructor of the object begins.
     void dies(Id body);
@@ -126,7 +135,7 @@ public:
     void isGone(Id body);
 
     // Events.
-    Id subscribe(Id sender, Id receiver, Event event, Kind kind, int script);
+    Id subscribe(const Subscription& one);
     [[nodiscard]] bool isCertain(const Subscription& one) const;
     /// Ends what fits; notes whether anything certainly or perhaps was alive.
     template <class Condition>
@@ -151,6 +160,8 @@ public:
     }
     void end();
     void startRaise(Id sender, Event event, int number, int arrayVersion);
+    /// Whether an exception of the running handler comes out of an operation: it is thrown then.
+    bool startThrowing();
     void finishRaise(bool isComplete);
     /// A handler is called: of that subscription, or of the next one of that kind. Gives it.
     Id enter(Id subscription, Kind kind, Id receiver);

@@ -5,10 +5,10 @@
 
 namespace stress
 {
-Id Model::subscribe(Id sender, Id receiver, Event event, Kind kind, int script)
+Id Model::subscribe(const Subscription& one)
 {
     Id id = Id(subscriptions.size());
-    subscriptions[id] = {sender, receiver, event, kind, script};
+    subscriptions[id] = one;
     return id;
 }
 
@@ -21,15 +21,16 @@ bool Model::isCertain(const Subscription& one) const
 /// Whether the receiver is still what the handler is called on.
 bool Model::fits(const Subscription& one) const
 {
-    if (one.kind < Kind::Member)
+    if (one.receiver == none || one.kind < Kind::Member)
         return true;
     const Body& body = bodies.at(souls.at(one.receiver).body);
-    return !body.isDying && (one.kind != Kind::LeadMember || body.isLead);
+    return !body.isDying && (one.kind != Kind::LeadMember || body.ofClass == Class::Lead);
 }
 
 bool Model::isReached(const Subscription& one, const Frame& walk) const
 {
     return one.sender == walk.sender && one.event == walk.event && isCertain(one) &&
+           (one.takes == Sort::Nothing || one.takes == walk.sort) &&
            (one.receiver == none || (!souls.at(one.receiver).receivedBlockers && fits(one)));
 }
 
@@ -74,6 +75,7 @@ void Model::startRaise(Id sender, Event event, int number, int arrayVersion)
     walk.number = number;
     walk.arrayVersion = arrayVersion;
     walk.steps = steps;
+    walk.sort = bodies.at(souls.at(sender).body).sort;
     walk.isBlocked = souls.at(sender).sentBlockers > 0;
     limit(walk);
     frames.push_back(walk);
@@ -88,6 +90,22 @@ void Model::finishRaise(bool isComplete)
     if (isComplete && !isLoose && !walk.isBlocked)
         expectNoneBefore(walk, walk.certainEnd);
     frames.pop_back();
+}
+
+/// From within a handler of what somebody raised, or of an operation that lets it pass.
+bool Model::startThrowing()
+{
+    if (frames.size() < 3)
+        return false;
+    const Frame& delivery = frames[frames.size() - 2];
+    Frame& operation = frames[frames.size() - 3];
+    if (!delivery.isRunning || (delivery.type != Frame::Raise && !operation.isPassing))
+        return false;
+    operation.isPassing = false; // the end of what was being made sends childRemoved
+    operation.hasThrown = true;
+    if (operation.made != none)
+        bodies.at(operation.made).isDying = true;
+    return true;
 }
 
 void Model::expectNoneBefore(const Frame& walk, Id end) const
@@ -166,6 +184,8 @@ Id Model::enter(Id id, Kind kind, Id receiver)
     walk.isLoose = walk.isLoose || !isSettled(one.sender);
     if (walk.isBlocked || (id >= walk.allowedEnd))
         mismatch("a handler is called that is blocked or new");
+    if (one.takes != Sort::Nothing && one.takes != walk.sort)
+        mismatch("a handler gets a value of another type than it takes");
     if (isCertain(one) && one.receiver != none && souls.at(one.receiver).receivedBlockers)
         mismatch("a blocked receiver is called");
     if (one.receiver != none && isSettled(one.receiver) && !fits(one))

@@ -5,18 +5,18 @@
 
 namespace stress
 {
-Id Model::birth(bool isLead, int heard)
+Id Model::birth(Class ofClass, int heard)
 {
-    Id body = emptyBody(isLead, heard);
+    Id body = emptyBody(ofClass, heard);
     bodies[body].soul = body;
     souls[body].body = body;
     return body;
 }
 
-Id Model::emptyBody(bool isLead, int heard)
+Id Model::emptyBody(Class ofClass, int heard)
 {
     Id body = m_next++;
-    bodies[body].isLead = isLead;
+    bodies[body].ofClass = ofClass;
     bodies[body].heard = heard;
     return body;
 }
@@ -96,9 +96,17 @@ void Model::moveSoul(Id from, Id to)
         return;
     Soul& soul = souls.at(id);
     soul.body = to;
+    changeClass(id);
     // A parent that is coming to its end may have let go of what was dying then.
     if (bodies.at(from).isDying && soul.parent != none && !isSettled(soul.parent))
         join(id, soul.parent);
+}
+
+/// A delivery in progress asks then whether the values fit that stand in the sender's array.
+void Model::changeClass(Id soul)
+{
+    for (Frame& frame : frames)
+        frame.isLoose = frame.isLoose || (frame.sender == soul && frame.arrayVersion >= 0);
 }
 
 Id Model::startAssigning(Id to, Id from)
@@ -131,8 +139,10 @@ bool Model::isBeingPlaced(Id soul) const
                        [&](const Frame& frame) { return frame.placed == soul; });
 }
 
-void Model::startPlacing(Id soul, Id parent)
+void Model::startPlacing(Id soul, Id parent, Id made)
 {
+    frames.back().isPassing = true;
+    frames.back().made = made;
     // From within `childRemoved` of another move of the object: that one's parent stands.
     if (soul == parent || isBeingPlaced(soul) || !isSettled(soul))
         return;
@@ -144,7 +154,7 @@ void Model::startPlacing(Id soul, Id parent)
 void Model::finishPlacing()
 {
     Id soul = std::exchange(frames.back().placed, none);
-    if (soul != none && isSettled(soul))
+    if (soul != none && isSettled(soul) && !frames.back().hasThrown)
         join(soul, frames.back().under);
 }
 

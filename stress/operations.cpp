@@ -1,5 +1,7 @@
 #include "world.h"
 
+#include <algorithm>
+
 // The operations on objects, references, blockers and properties. Each brings the model forward,
 // calls the library, and looks up again what it needs behind that.
 
@@ -40,7 +42,7 @@ Grip World::gripOn(int slot)
 
 Cargo World::cargoOf(int number, const int* operands)
 {
-    return Cargo(number, operands, gripOn(operands[3]));
+    return {number, gripOn(operands[3]), Hooks(operands)};
 }
 
 void World::compareCalls(const Expectation& expected, Outcome outcome) const
@@ -58,28 +60,32 @@ void World::makeObject(const Operands& o)
     ZTBase* under = parent ? objectIn(o[1]) : nullptr;
     Id underSoul = parent ? parent->soul : none;
     void* memory = ::operator new(sizeof(Lead));
-    bool isLead = o[3] == 1;
-    Id id = m_model.birth(isLead, o[2]);
+    auto ofClass = Class(o[3]);
+    Id id = m_model.birth(ofClass, o[2]);
     m_slots[std::size_t(o[0])] = id;
     m_objects[id] = static_cast<ZTBase*>(memory);
     m_model.bodies.at(id).isBeingMade = true;
-    m_model.startPlacing(id, underSoul);
+    m_model.startPlacing(id, underSoul, id);
     Expectation expected =
         expect(underSoul == none ? 0 : m_model.audienceOf(underSoul, Event::ChildAdded));
-    Outcome outcome = library([&] {
-        if (isLead)
-            new (memory) Lead(id, under);
-        else
-            new (memory) Actor(id, under);
-    });
-    m_model.bodies.at(id).isBeingMade = false;
-    if (outcome != Outcome::NoMemory)
+    Outcome outcome = library([&] { construct(ofClass, memory, id, under); });
+    Body& body = m_model.bodies.at(id);
+    body.isBeingMade = false;
+    if (outcome == Outcome::Done)
         return compareCalls(expected, outcome);
-    ::operator delete(memory);
-    m_objects.erase(id);
-    m_slots[std::size_t(o[0])] = none;
-    m_model.souls.at(id).isGone = true;
-    m_model.bodies.at(id).isGone = true;
+    body.isDying = true;
+    givesBack(memory);
+}
+
+template <class... Arguments>
+void World::construct(Class ofClass, void* memory, Arguments&&... arguments)
+{
+    if (ofClass == Class::Lead)
+        new (memory) Lead(std::forward<Arguments>(arguments)...);
+    else if (ofClass == Class::Shifter)
+        new (memory) Shifter(std::forward<Arguments>(arguments)...);
+    else
+        new (memory) Actor(std::forward<Arguments>(arguments)...);
 }
 
 void World::deleteObject(const Operands& o)
@@ -131,19 +137,17 @@ void World::moveObject(const Operands& o)
     Body* source = bodyIn(o[0]);
     if (m_isClosing || !canBeMoved(source) || idIn(o[1]) != none)
         return;
-    bool isLead = source->isLead && !source->isDying && o[2] == 1;
+    // The handlers of a lead come along to another one.
+    auto ofClass = Class(o[2]);
+    if (ofClass == Class::Lead && (source->ofClass != Class::Lead || source->isDying))
+        ofClass = Class::Actor;
     void* memory = ::operator new(sizeof(Lead));
-    Id id = m_model.emptyBody(isLead, source->heard);
+    Id id = m_model.emptyBody(ofClass, source->heard);
     m_slots[std::size_t(o[1])] = id;
     m_objects[id] = static_cast<ZTBase*>(memory);
     m_model.moveSoul(idIn(o[0]), id);
     ZTBase& from = *objectIn(o[0]);
-    library([&] {
-        if (isLead)
-            new (memory) Lead(id, std::move(from));
-        else
-            new (memory) Actor(id, std::move(from));
-    });
+    library([&] { construct(ofClass, memory, id, std::move(from)); });
 }
 
 void World::assign(const Operands& o)
@@ -177,6 +181,7 @@ void World::setProperty(const Operands& o)
     if (objectIn(o[0]) != object) // a copy of the value has ended it
         return;
     Id id = soulIn(o[0]);
+    m_model.frames.back().isPassing = true;
     Expectation expected = expect(-1);
     if (id != none) {
         Soul& soul = m_model.souls.at(id);
@@ -202,7 +207,8 @@ void World::setProperty(const Operands& o)
     value = set;
 }
 
-void World::useDeclared(const Operands& o, bool isSet)
+template <bool isSet>
+void World::useDeclared(const Operands& o)
 {
     if (!wholeBodyIn(o[0]) || soulIn(o[0]) == none)
         return;
@@ -220,64 +226,125 @@ void World::useDeclared(const Operands& o, bool isSet)
         mismatch("a getter or setter is not called");
 }
 
-void World::throwStop()
+template void World::useDeclared<false>(const Operands& o);
+template void World::useDeclared<true>(const Operands& o);
+
+void World::shift(const Operands& o)
 {
-    const auto& frames = m_model.frames;
-    if (frames.size() < 2 || m_muted)
+    Body* body = wholeBodyIn(o[0]);
+    if (!body || body->ofClass != Class::Shifter)
         return;
-    const Frame& caller = frames[frames.size() - 2];
-    bool isReturned = caller.event == Event::PropertyChanged || caller.type == Frame::Raise;
-    if (caller.isRunning && isReturned && m_model.isSettled(caller.sender))
+    Id id = idIn(o[0]);
+    body->sort = Sort(o[1]);
+    m_model.changeClass(body->soul);
+    retire(std::exchange(m_ownClasses[id], nullptr));
+    if (body->sort != Sort::Nothing)
+        m_ownClasses[id] = makeClass(body->sort);
+}
+
+OwnClass* World::makeClass(Sort sort)
+{
+    for (auto& place : m_classes)
+        if (!place)
+            return &place.emplace(sort);
+    return &m_classes.emplace_back(std::in_place, sort).value();
+}
+
+void World::retire(OwnClass* retired)
+{
+    if (retired)
+        m_retired.push_back(retired);
+    endRetired();
+}
+
+/// While an event of it may be delivered a class has to stay.
+void World::endRetired()
+{
+    auto isOfShifter = [](const Frame& frame) { return frame.event == Event::Shifted; };
+    if (std::any_of(m_model.frames.begin(), m_model.frames.end(), isOfShifter))
+        return;
+    for (auto& place : m_classes)
+        if (place && std::count(m_retired.begin(), m_retired.end(), &*place))
+            place.reset();
+    m_retired.clear();
+}
+
+const OwnClass* World::ownClassOf(Id body) const
+{
+    auto found = m_ownClasses.find(body);
+    return found == m_ownClasses.end() ? nullptr : found->second;
+}
+
+void World::throwStop(const Operands&)
+{
+    if (!m_muted && m_model.startThrowing())
         throw Stop();
 }
 
-void World::block(const Operands& o, bool isBlocked)
+void World::failNext(const Operands& o) { m_failNext = o[0] + 1; }
+
+void World::countBlocker(const Blocked& blocked, int change)
 {
-    Blocked& held = m_blockers[std::size_t(o[0])];
-    ZTBase* object = isBlocked ? objectIn(o[1]) : nullptr;
-    if (isBlocked && !object)
+    if (blocked.soul == none)
         return;
-    auto count = [this](const Blocked& blocked) -> int* {
-        if (blocked.soul == none)
-            return nullptr;
-        // Where no handler runs the delivery may be over, and what it raised just goes.
-        for (Frame& frame : m_model.frames)
-            frame.isLoose =
-                frame.isLoose || (blocked.isSent ? frame.sender == blocked.soul : !frame.isRunning);
-        Soul& soul = m_model.souls.at(blocked.soul);
-        return blocked.isSent ? &soul.sentBlockers : &soul.receivedBlockers;
-    };
-    Blocked next;
-    next.soul = isBlocked ? soulIn(o[1]) : none;
-    next.isSent = o[2] == 1;
-    Outcome outcome = library([&] {
-        if (isBlocked)
-            next.blocker = std::make_unique<ZTEventBlocker>(object, next.isSent);
-    });
-    if (outcome != Outcome::Done)
-        return;
-    if (int* blockers = count(next))
-        ++*blockers;
-    if (int* blockers = count(held))
-        --*blockers;
-    held = std::move(next);
+    // Where no handler runs the delivery may be over, and what it raised just goes.
+    for (Frame& frame : m_model.frames)
+        frame.isLoose =
+            frame.isLoose || (blocked.isSent ? frame.sender == blocked.soul : !frame.isRunning);
+    Soul& soul = m_model.souls.at(blocked.soul);
+    (blocked.isSent ? soul.sentBlockers : soul.receivedBlockers) += change;
 }
 
-void World::refer(const Operands& o, bool isStrong)
+void World::block(const Operands& o)
 {
-    auto holder = std::size_t(o[0]);
-    if (isStrong) {
-        Grip grip;
-        if (library([&] { grip = gripOn(o[1]); }) == Outcome::Done)
-            m_strong[holder] = std::move(grip);
+    if (!bodyIn(o[1]))
         return;
-    }
+    unblock(o);
+    Blocked& held = m_blockers[std::size_t(o[0])];
+    held.soul = soulIn(o[1]);
+    held.isSent = o[2] == 1;
+    held.blocker.emplace(objectIn(o[1]), held.isSent);
+    countBlocker(held, 1);
+}
+
+void World::unblock(const Operands& o)
+{
+    Blocked& held = m_blockers[std::size_t(o[0])];
+    countBlocker(held, -1);
+    held.soul = none;
+    held.blocker.reset();
+}
+
+void World::reblock(const Operands& o)
+{
+    Blocked& held = m_blockers[std::size_t(o[0])];
+    const Blocked& other = m_blockers[std::size_t(o[1])];
+    if (!held.blocker || !other.blocker)
+        return;
+    countBlocker(other, 1);
+    countBlocker(held, -1);
+    held.soul = other.soul;
+    held.isSent = other.isSent;
+    *held.blocker = *other.blocker;
+}
+
+template <>
+void World::refer<true>(const Operands& o)
+{
+    Grip grip;
+    if (library([&] { grip = gripOn(o[1]); }) == Outcome::Done)
+        m_strong[std::size_t(o[0])] = std::move(grip);
+}
+
+template <>
+void World::refer<false>(const Operands& o)
+{
     ZTBase* object = objectIn(o[1] == nobody ? 0 : o[1]);
     ZTRef<ZTBase> reference;
     Id soul = o[1] == nobody ? none : soulIn(o[1]);
     if (library([&] { reference.reset(soul == none ? nullptr : object); }) != Outcome::Done)
         return;
-    m_weak[holder] = reference;
-    m_weakSouls[holder] = soul;
+    m_weak[std::size_t(o[0])] = reference;
+    m_weakSouls[std::size_t(o[0])] = soul;
 }
 } // namespace stress

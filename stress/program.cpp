@@ -2,119 +2,85 @@
 
 #include <algorithm>
 #include <map>
+#include <random>
 #include <sstream>
 
 namespace stress
 {
 namespace
 {
-struct Shape {
-    std::string_view name;
-    std::string_view shape;
-};
-
-// By `Code`. The operands "sssO" at the end of a line are the scripts that a value runs when it is
-// destroyed, copied and compared, and the object that it holds by a strong reference.
-constexpr Shape shapes[codeCount] = {
-    {"new", "oOsc"},        // the object, its parent, what its member functions run
-    {"delete", "o"},        //
-    {"parent", "oO"},       //
-    {"move", "ooc"},        // from, to
-    {"assign", "oo"},       // to, from
-    {"listen", "oOekshsO"}, // sender, receiver; what runs; the handle; what its capture runs, holds
-    {"scope", "h"},         // the handle into the scoped one of that number
-    {"end", "h"},           // by the handle
-    {"drop", "h"},          // the scoped handle
-    {"keep", "oh"},         // the scoped handle becomes a member of the object
-    {"take", "oo"},         // the member of the first is assigned that of the second
-    {"let", "o"},           // the member is assigned an empty one
-    {"unsubscribe", "oOef"}, // sender, receiver
-    {"raise", "orwnsssO"},   // with the value
-    {"change", "v"},         // the array that events are raised with by index
-    {"throw", ""},           //
-    {"block", "hod"},        //
-    {"unblock", "h"},        //
-    {"weak", "hO"},          //
-    {"strong", "hO"},        //
-    {"set", "opvnsssO"},     // a dynamic property to the value
-    {"get", "os"},           // a declared property, whose getter runs the script
-    {"put", "os"},           // the same with the setter
-    {"fail", "n"},           // memory, at the allocation of that number in the next operation
-};
-
 using Words = std::vector<std::string>;
 
-/// The operands of that letter; empty for numbers.
+/// What an operand of that letter may be.
 const Words& wordsOf(char letter)
 {
-    static const Words none, objects{"a", "b", "c", "d", "e", "f"},
-        objectsOrNobody{"a", "b", "c", "d", "e", "f", "-"},
-        events{"said", "told", "destroyed", "childAdded", "childRemoved", "changed"},
-        raised{"said", "told"},
-        kinds{"callable", "array", "function", "scoped", "member", "leadmember", "descriptor"},
-        ways{"typed", "byindex", "byname"}, values{"nothing", "number", "cargo"},
-        forms{"all", "ofevent", "ofmember", "ofdescriptor"}, classes{"actor", "lead"},
-        directions{"received", "sent"};
-    static const std::map<char, const Words*> words{{'o', &objects}, {'O', &objectsOrNobody},
-                                                    {'e', &events},  {'r', &raised},
-                                                    {'k', &kinds},   {'w', &ways},
-                                                    {'v', &values},  {'f', &forms},
-                                                    {'c', &classes}, {'d', &directions}};
-    auto found = words.find(letter);
-    return found == words.end() ? none : *found->second;
-}
-
-/// How many values an operand of that letter has.
-int rangeOf(char letter)
-{
-    switch (letter) {
-    case 's':
-        return scriptCount;
-    case 'h':
-        return holderCount;
-    case 'p':
-        return nameCount;
-    case 'n':
-        return 8;
-    default:
-        return int(wordsOf(letter).size());
-    }
-}
-
-std::string operandText(char letter, int value)
-{
-    const Words& words = wordsOf(letter);
-    return words.empty() ? std::to_string(value) : words[std::size_t(value)];
+    static const std::map<char, std::string> texts{
+        {'o', "a b c d e f"},   // objects
+        {'O', "a b c d e f -"}, // or nobody
+        {'c', "actor lead shifter"},
+        {'e', "said told shifted destroyed childAdded childRemoved changed"},
+        {'r', "said told shifted"}, // to raise
+        {'k', "callable array function scoped member leadmember descriptor"},
+        {'w', "typed byindex byname"},
+        {'f', "all ofevent ofmember ofdescriptor"},
+        {'v', "nothing number cargo"},
+        {'y', "nothing number text"}, // that an event carries
+        {'d', "received sent"},
+        {'s', "0 1 2 3 4 5"}, // scripts
+        {'h', "0 1 2 3"},     // holders
+        {'p', "0 1 2"},       // properties
+        {'n', "0 1 2 3 4 5 6 7"}};
+    static const std::map<char, Words> words = [] {
+        std::map<char, Words> split;
+        for (const auto& [key, text] : texts) {
+            std::istringstream stream(text);
+            for (std::string word; stream >> word;)
+                split[key].push_back(word);
+        }
+        return split;
+    }();
+    return words.at(letter);
 }
 
 /// -1 when the word is no such operand.
 int operandOf(char letter, const std::string& word)
 {
-    for (int value = 0; value < rangeOf(letter); ++value)
-        if (operandText(letter, value) == word)
-            return value;
-    return -1;
+    const Words& words = wordsOf(letter);
+    auto found = std::find(words.begin(), words.end(), word);
+    return found == words.end() ? -1 : int(found - words.begin());
+}
+
+const Rule* ruleOf(std::string_view name)
+{
+    for (const Rule& rule : rules())
+        if (rule.name == name)
+            return &rule;
+    return nullptr;
 }
 
 class Generator
 {
 public:
-    Generator(unsigned int seed, const Weights& weights)
-        : m_random(seed),
-          m_codes(weights.begin(), weights.end()),
-          m_isRaising(weights[int(Code::Raise)] > 0)
-    {}
+    Generator(unsigned int seed, std::size_t profile) : m_random(seed)
+    {
+        std::vector<int> weights;
+        for (const Rule& rule : rules())
+            weights.push_back(rule.weights[profile]);
+        m_rules = std::discrete_distribution<std::size_t>(weights.begin(), weights.end());
+        m_isRaising = ruleOf("raise")->weights[profile] > 0;
+        m_isShifting = ruleOf("shift")->weights[profile] > 0;
+    }
 
     Program program()
     {
         Program made;
         int objects = below(objectCount - 2) + 2;
-        for (int i = 0; i < objects; ++i)
+        for (int i = 0; i < objects; ++i) {
+            int parent = below(2) ? nobody : below(objects);
             made.scripts[0].push_back(
-                {Code::New, {i, i ? below(i + 2) : nobody, below(scriptCount)}});
-        for (Operation& creation : made.scripts[0])
-            if (creation.operands[1] >= objects || below(2))
-                creation.operands[1] = nobody;
+                {ruleOf("new"),
+                 {i, parent < i ? parent : nobody, below(scriptCount), operand('c')}});
+        }
         fill(made.scripts[0], 6 + below(20));
         for (std::size_t i = 1; i < scriptCount; ++i)
             fill(made.scripts[i], below(5));
@@ -127,31 +93,35 @@ private:
     void fill(Script& script, int count)
     {
         for (int i = 0; i < count; ++i) {
-            Operation made{Code(m_codes(m_random)), {}};
-            std::string_view shape = shapeOf(made.code);
-            for (std::size_t k = 0; k < shape.size(); ++k)
-                made.operands[k] = operand(shape[k]);
+            Operation made{&rules()[m_rules(m_random)]};
+            for (std::size_t k = 0; k < made.rule->shape.size(); ++k)
+                made.operands[k] = operand(made.rule->shape[k]);
             script.push_back(made);
         }
     }
-    // Few different objects, so that what happens meets; no more than every second value does more
-    // than being there.
+    // Few different objects and holders, so that what happens meets; no more than every second
+    // value does more than being there.
     int operand(char letter)
     {
-        if (letter == 'o')
-            return std::min(below(objectCount), below(objectCount));
+        if (letter == 'o' || letter == 'h') {
+            int count = letter == 'o' ? objectCount : holderCount;
+            return std::min(below(count), below(count));
+        }
         if (letter == 'O')
             return below(4) ? operand('o') : nobody;
         if (letter == 's')
             return below(2) ? below(scriptCount) : 0;
         if (letter == 'e')
-            return m_isRaising && below(2) ? below(2) : 2 + below(4);
-        return below(rangeOf(letter));
+            return m_isRaising && below(m_isShifting ? 4 : 2) ? operand('r') : 3 + below(4);
+        if (letter == 'c' || letter == 'r')
+            return m_isShifting && below(3) ? 2 : below(2);
+        return below(int(wordsOf(letter).size()));
     }
 
     std::mt19937 m_random;
-    std::discrete_distribution<int> m_codes;
-    bool m_isRaising; ///< also events of the host's own
+    std::discrete_distribution<std::size_t> m_rules;
+    bool m_isRaising = false;  ///< also events of the host's own
+    bool m_isShifting = false; ///< mostly those of a class that comes and goes
 };
 } // namespace
 
@@ -163,13 +133,11 @@ std::size_t Program::size() const
     return sum;
 }
 
-std::string_view shapeOf(Code code) { return shapes[int(code)].shape; }
-
 bool isName(char letter) { return letter == 'o' || letter == 'h' || letter == 'e'; }
 
-Program makeProgram(unsigned int seed, const Weights& weights)
+Program makeProgram(unsigned int seed, std::size_t profile)
 {
-    return Generator(seed, weights).program();
+    return Generator(seed, profile).program();
 }
 
 std::string textOf(const Program& program)
@@ -177,24 +145,15 @@ std::string textOf(const Program& program)
     std::string text;
     for (std::size_t i = 0; i < scriptCount; ++i) {
         std::string line;
-        for (const Operation& operation : program.scripts[i]) {
-            line += (line.empty() ? " " : "; ") + std::string(shapes[int(operation.code)].name);
-            std::string_view shape = shapeOf(operation.code);
-            for (std::size_t k = 0; k < shape.size(); ++k)
-                line += " " + operandText(shape[k], operation.operands[k]);
+        for (const auto& [rule, operands] : program.scripts[i]) {
+            line += (line.empty() ? " " : "; ") + std::string(rule->name);
+            for (std::size_t k = 0; k < rule->shape.size(); ++k)
+                line += " " + wordsOf(rule->shape[k])[std::size_t(operands[k])];
         }
         if (!line.empty())
             text += (i ? std::to_string(i) : "main") + ":" + line + "\n";
     }
     return text;
-}
-
-std::optional<Code> codeOf(std::string_view name)
-{
-    for (int i = 0; i < codeCount; ++i)
-        if (shapes[i].name == name)
-            return Code(i);
-    return std::nullopt;
 }
 
 namespace
@@ -204,14 +163,12 @@ std::optional<Operation> operationOf(const std::string& text)
     std::istringstream words(text);
     std::string word;
     words >> word;
-    std::optional<Code> code = codeOf(word);
-    if (!code)
+    Operation operation{ruleOf(word)};
+    if (!operation.rule)
         return std::nullopt;
-    Operation operation{*code, {}};
-    std::string_view shape = shapeOf(*code);
-    for (std::size_t k = 0; k < shape.size(); ++k) {
+    for (std::size_t k = 0; k < operation.rule->shape.size(); ++k) {
         words >> word;
-        operation.operands[k] = words ? operandOf(shape[k], word) : -1;
+        operation.operands[k] = words ? operandOf(operation.rule->shape[k], word) : -1;
         if (operation.operands[k] < 0)
             return std::nullopt;
     }

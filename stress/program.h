@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <optional>
-#include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,38 +19,14 @@
 
 namespace stress
 {
-enum class Code {
-    New,
-    Delete,
-    Parent,
-    Move,
-    Assign,
-    Listen,
-    Scope,
-    End,
-    Drop,
-    Keep,
-    Take,
-    Let,
-    Unsubscribe,
-    Raise,
-    Change,
-    Throw,
-    Block,
-    Unblock,
-    Weak,
-    Strong,
-    Set,
-    Get,
-    Put,
-    Fail
-};
-constexpr int codeCount = int(Code::Fail) + 1;
+enum class Event { Said, Told, Shifted, Destroyed, ChildAdded, ChildRemoved, PropertyChanged };
 
-enum class Event { Said, Told, Destroyed, ChildAdded, ChildRemoved, PropertyChanged };
-
-/// Of handlers.
-enum class Kind { Callable, ArrayCallable, Function, Scoped, Member, LeadMember, Descriptor };
+/// Of handlers. A twin stands in front of a listener, and hears what that one records.
+enum class Kind { Callable, ArrayCallable, Function, Scoped, Member, LeadMember, Descriptor, Twin };
+/// Of classes; the class of a shifter is another one later.
+enum class Class { Actor, Lead, Shifter };
+/// What the event of a shifter's class carries.
+enum class Sort { Nothing, Number, Text };
 enum class Way { Typed, ByIndex, ByName };
 enum class Form { All, OfEvent, OfMember, OfDescriptor };
 
@@ -60,9 +36,24 @@ constexpr int holderCount = 4; ///< handles, scoped handles, references, blocker
 constexpr int nameCount = 3;   ///< of dynamic properties
 constexpr int nobody = objectCount;
 
+class World;
+using Operands = std::array<int, 8>;
+
+/// Programs that look for faults of one kind.
+constexpr std::string_view profiles[] = {"events", "objects", "deaths", "memory", "classes"};
+
+/// What an operation is: a row of the table in rules.cpp.
+struct Rule {
+    std::string_view name;
+    std::string_view shape; ///< of the operands, by a letter each
+    void (World::*run)(const Operands&);
+    std::array<int, std::size(profiles)> weights; ///< how often it is to come, by profile
+};
+std::span<const Rule> rules();
+
 struct Operation {
-    Code code = Code::Throw;
-    std::array<int, 8> operands{};
+    const Rule* rule = nullptr;
+    Operands operands{};
 };
 
 using Script = std::vector<Operation>;
@@ -73,23 +64,11 @@ struct Program {
     [[nodiscard]] std::size_t size() const;
 };
 
-/// How often each operation is to come; by `Code`.
-using Weights = std::array<double, codeCount>;
-
-/// What the operands are, by a letter each.
-///
-///     o an object        O an object or nobody   s a script    e an event   r an event to raise
-///     k a kind of        w a way to raise        f a form of   v a value: nothing, a number or
-///       handler            it                      unsubscribe   one that runs scripts
-///     h a holder         p a property            n a number    c an actor or a lead
-///     d what is blocked
-std::string_view shapeOf(Code code);
 /// Whether the operand only tells one thing from the others.
 bool isName(char letter);
 
-Program makeProgram(unsigned int seed, const Weights& weights);
+Program makeProgram(unsigned int seed, std::size_t profile);
 std::string textOf(const Program& program);
 /// None when the text is no program.
 std::optional<Program> programOf(const std::string& text);
-std::optional<Code> codeOf(std::string_view name);
 } // namespace stress

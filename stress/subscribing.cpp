@@ -1,22 +1,22 @@
 #include "world.h"
 
+#include <algorithm>
+
 // The operations on events and subscriptions.
 
 namespace stress
 {
 namespace
 {
+/// Of a text that an event carries: so long that it has memory of its own.
+constexpr int leastLength = 40;
+
 int numberOf(int number) { return number; }
+int numberOf(long long number) { return int(number); }
 int numberOf(const Cargo& cargo) { return cargo.number; }
-int numberOf(const ZTArgumentArray& array)
-{
-    if (const int* number = ztVariantPointer<int>(array[0]))
-        return *number;
-    const Cargo* cargo = ztVariantPointer<Cargo>(array[0]);
-    return cargo ? cargo->number : -1;
-}
+int numberOf(const std::string& text) { return std::max(int(text.size()) - leastLength, -1); }
 int numberOf(const ZTBase*) { return -1; }
-int numberOf(const std::string&) { return -1; }
+int numberOf(const ZTArgumentArray& array) { return numberIn(array[0]); }
 
 /// A callable that captures. Nothing of it is used once the world was told.
 template <class Argument>
@@ -30,17 +30,20 @@ struct Listener {
     Cargo cargo;
 };
 
-template <class Argument, class Event>
-ZTSubscription subscribeTo(ZTBase* sender, Event event, ZTBase* receiver, Id id, Kind kind,
-                           Cargo cargo)
+template <class Argument>
+struct Taking {};
+
+template <class Argument>
+ZTSubscription subscribeTo(ZTBase* sender, const ZTMetaInvokable* event, ZTBase* receiver, Id id,
+                           Kind kind, Cargo cargo)
 {
     // A descriptor: a sender that comes to its end is no object of its class any more.
     auto subscribe = [&](auto listener) {
-        if (kind == Kind::Scoped)
+        if (kind == Kind::Scoped || kind == Kind::Twin)
             return ZTBase::subscribe(sender, event, std::move(listener)).release();
         return ZTBase::subscribe(sender, event, receiver, std::move(listener));
     };
-    if (kind == Kind::ArrayCallable)
+    if (kind == Kind::ArrayCallable || kind == Kind::Twin)
         return subscribe(Listener<const ZTArgumentArray&>{id, kind, std::move(cargo)});
     return subscribe(Listener<Argument>{id, kind, std::move(cargo)});
 }
@@ -53,13 +56,37 @@ bool isMember(Kind kind) { return kind >= Kind::Member; }
 Kind fitting(Kind kind, Event event, const Body* receiver, bool isWhole)
 {
     if ((isMember(kind) && (event != Event::Said || !isWhole)) ||
-        (kind == Kind::LeadMember && !receiver->isLead) ||
+        (kind == Kind::LeadMember && receiver->ofClass != Class::Lead) ||
         (kind == Kind::Function && event != Event::Said))
         kind = Kind::Callable;
     bool needsReceiver = kind != Kind::Function && kind != Kind::Scoped;
     return needsReceiver && !receiver ? Kind::Scoped : kind;
 }
 } // namespace
+
+int numberIn(const ZTVariant& variant)
+{
+    if (const auto* number = ztVariantPointer<int>(variant))
+        return *number;
+    if (const auto* number = ztVariantPointer<long long>(variant))
+        return numberOf(*number);
+    if (const auto* text = ztVariantPointer<std::string>(variant))
+        return numberOf(*text);
+    const auto* cargo = ztVariantPointer<Cargo>(variant);
+    return cargo ? cargo->number : -1;
+}
+
+Event World::eventIn(int slot, int event)
+{
+    const Body* body = wholeBodyIn(slot);
+    bool hasOwn = body && body->sort != Sort::Nothing;
+    return Event(event) == Event::Shifted && !hasOwn ? Event::Said : Event(event);
+}
+
+const ZTMetaInvokable* World::eventOf(int slot, Event event)
+{
+    return event == Event::Shifted ? &ownClassOf(idIn(slot))->shifted : descriptorOf(event);
+}
 
 ZTSubscription World::subscribe(Id id, int senderSlot, int receiverSlot, Cargo cargo)
 {
@@ -75,7 +102,7 @@ ZTSubscription World::subscribe(Id id, int senderSlot, int receiverSlot, Cargo c
         return ZTBase::subscribe(speaker, &Actor::said, static_cast<Lead*>(actor),
                                  &Lead::hearAsLead);
     case Kind::Descriptor:
-        return ZTBase::subscribe(sender, descriptorOf(one.event), actor,
+        return ZTBase::subscribe(sender, eventOf(senderSlot, one.event), actor,
                                  Actor::typeMetaClass().invokable<void(int)>("note"));
     case Kind::Function:
         return ZTBase::subscribe(speaker, &Actor::said, [](int number) {
@@ -84,27 +111,28 @@ ZTSubscription World::subscribe(Id id, int senderSlot, int receiverSlot, Cargo c
     default:
         break;
     }
-    auto with = [&]<class Argument>(auto event, Argument*) {
-        return subscribeTo<Argument>(sender, event, receiver, id, one.kind, std::move(cargo));
+    auto as = [&]<class Argument>(Taking<Argument>) {
+        return subscribeTo<Argument>(sender, eventOf(senderSlot, one.event), receiver, id, one.kind,
+                                     std::move(cargo));
     };
     switch (one.event) {
     case Event::Said:
-        return with(descriptorOf(one.event), static_cast<int*>(nullptr));
+        return as(Taking<int>());
     case Event::Told:
-        return subscribeTo<const Cargo&>(sender, descriptorOf(one.event), receiver, id, one.kind,
-                                         std::move(cargo));
+        return as(Taking<const Cargo&>());
     case Event::PropertyChanged:
-        return subscribeTo<const std::string&>(sender, &ZTBase::dynamicPropertyChanged, receiver,
-                                               id, one.kind, std::move(cargo));
+        return as(Taking<const std::string&>());
+    case Event::Shifted:
+        return one.takes == Sort::Text ? as(Taking<std::string>()) : as(Taking<long long>());
     default:
-        return with(descriptorOf(one.event), static_cast<ZTBase**>(nullptr));
+        return as(Taking<ZTBase*>());
     }
 }
 
 void World::listen(const Operands& o)
 {
     Body *sender = bodyIn(o[0]), *receiver = bodyIn(o[1]);
-    auto event = Event(o[2]);
+    Event event = eventIn(o[0], o[2]);
     if (!sender || (!isOfRoot(event) && !wholeBodyIn(o[0])))
         return;
     Kind kind = fitting(Kind(o[3]), event, receiver, wholeBodyIn(o[1]) != nullptr);
@@ -117,7 +145,9 @@ void World::listen(const Operands& o)
         return;
     bool isCertain = wholeBodyIn(o[0]) && (!hasReceiver || wholeBodyIn(o[1])) &&
                      m_model.isSettled(from) && (to == none || m_model.isSettled(to));
-    Id id = m_model.subscribe(from, to, event, kind, o[4]);
+    Sort takes =
+        event == Event::Shifted && kind != Kind::ArrayCallable ? sender->sort : Sort::Nothing;
+    Id id = m_model.subscribe({from, to, event, kind, o[4], takes});
     ZTSubscription handle;
     Outcome outcome = library(
         [&] { handle = subscribe(id, o[0], hasReceiver ? o[1] : nobody, std::move(cargo)); });
@@ -151,36 +181,38 @@ void World::scope(const Operands& o)
     held.scoped = std::move(next);
 }
 
-void World::endScoped(int number)
+void World::drop(const Operands& o)
 {
-    Held& held = m_scoped[std::size_t(number)];
+    Held& held = m_scoped[std::size_t(o[0])];
     endInModel(std::exchange(held.subscription, none));
     library([&] { held.scoped.reset(); });
 }
 
-void World::endKept(const Operands& o, Code code)
+void World::keep(const Operands& o)
 {
-    Body* body = wholeBodyIn(o[0]);
-    if (!body || (code == Code::Take && (o[0] == o[1] || !wholeBodyIn(o[1]))))
-        return;
-    Actor* actor = actorIn(o[0]);
-    Id next = none;
-    ZTScopedSubscription* source = nullptr;
-    if (code == Code::Keep) {
-        Held& held = m_scoped[std::size_t(o[1])];
-        next = std::exchange(held.subscription, none);
-        source = &held.scoped;
-    } else if (code == Code::Take) {
-        next = std::exchange(wholeBodyIn(o[1])->kept, none);
-        source = &actorIn(o[1])->kept;
-    }
-    endInModel(std::exchange(body->kept, next));
-    library([&] {
-        if (source)
-            actor->kept = std::move(*source);
-        else
-            actor->kept = ZTScopedSubscription();
-    });
+    Held& held = m_scoped[std::size_t(o[1])];
+    if (wholeBodyIn(o[0]))
+        giveKept(o[0], std::exchange(held.subscription, none), &held.scoped);
+}
+
+void World::take(const Operands& o)
+{
+    Body* other = wholeBodyIn(o[1]);
+    if (wholeBodyIn(o[0]) && other && o[0] != o[1])
+        giveKept(o[0], std::exchange(other->kept, none), &actorIn(o[1])->kept);
+}
+
+void World::let(const Operands& o)
+{
+    ZTScopedSubscription empty;
+    if (wholeBodyIn(o[0]))
+        giveKept(o[0], none, &empty);
+}
+
+void World::giveKept(int slot, Id next, ZTScopedSubscription* source)
+{
+    endInModel(std::exchange(bodyIn(slot)->kept, next));
+    library([&] { actorIn(slot)->kept = std::move(*source); });
 }
 
 void World::endByHandle(const Operands& o)
@@ -213,7 +245,7 @@ void World::unsubscribe(const Operands& o)
     Id from = soulIn(o[0]), to = o[1] == nobody ? none : soulIn(o[1]);
     auto form = Form(o[3]);
     bool isNamed = form == Form::OfMember || form == Form::OfDescriptor;
-    if (isNamed)
+    if (isNamed || event == Event::Shifted) // whose descriptors come and go
         event = Event::Said;
     if (form == Form::OfMember && !wholeBodyIn(o[0]))
         return;
@@ -248,6 +280,21 @@ void World::unsubscribe(const Operands& o)
         mismatch("an unsubscribe answers wrongly");
 }
 
+/// Of the class that the object has now.
+void World::raiseOwn(int slot, int number)
+{
+    Body& body = *bodyIn(slot);
+    Actor* sender = actorIn(slot);
+    ZTArgumentArray array;
+    if (body.sort == Sort::Text)
+        array[0] = ZTVariant(std::string(std::size_t(leastLength + number), 'x'));
+    else
+        array[0] = ZTVariant(static_cast<long long>(number));
+    m_model.startRaise(body.soul, Event::Shifted, number, -1);
+    Outcome outcome = library([&] { sender->sendEvent(indexOf(Event::Shifted), array); });
+    m_model.finishRaise(outcome == Outcome::Done);
+}
+
 void World::changeArray(const Operands& o)
 {
     ++m_arrayVersion; // before the old value goes, and behind that
@@ -260,7 +307,9 @@ void World::raise(const Operands& o)
     Body* body = wholeBodyIn(o[0]);
     if (!body || body->soul == none)
         return;
-    auto event = Event(o[1]);
+    Event event = eventIn(o[0], o[1]);
+    if (event == Event::Shifted)
+        return raiseOwn(o[0], o[3]);
     auto way = Way(o[2]);
     Actor* sender = actorIn(o[0]);
     Id id = idIn(o[0]);

@@ -111,13 +111,13 @@ Verdict tryProgram(const Program& program)
     return inProcess([&] { runOne(program); });
 }
 
-Batch tryPrograms(unsigned int first, unsigned int count, const Weights& weights)
+Batch tryPrograms(unsigned int first, unsigned int count, std::size_t profile)
 {
     progress() = {first, 0, 0};
     Verdict verdict = inProcess([&] {
         for (unsigned int i = 0; i < count; ++i) {
             progress().seed = first + i;
-            runOne(makeProgram(first + i, weights));
+            runOne(makeProgram(first + i, profile));
             ++progress().programs;
         }
     });
@@ -126,7 +126,7 @@ Batch tryPrograms(unsigned int first, unsigned int count, const Weights& weights
         return batch;
     for (unsigned int i = 0; i < count; ++i) { // one of them leaks
         batch.seed = first + i;
-        if (!tryProgram(makeProgram(batch.seed, weights)).fault.empty())
+        if (!tryProgram(makeProgram(batch.seed, profile)).fault.empty())
             break;
     }
     return batch;
@@ -170,7 +170,7 @@ bool simplifyOperands(Program& program, const std::string& fault)
 {
     bool isSimpler = false;
     for (auto [script, i] : placesOf(program)) {
-        std::string_view shape = shapeOf(program.scripts[script][i].code);
+        std::string_view shape = program.scripts[script][i].rule->shape;
         for (std::size_t k = 0; k < shape.size(); ++k) {
             int least = shape[k] == 'O' ? nobody : 0;
             if (isName(shape[k]) || program.scripts[script][i].operands[k] == least)

@@ -26,7 +26,7 @@ struct Batch {
 };
 
 /// Runs the programs of the seeds from `first` on until one fails.
-Batch tryPrograms(unsigned int first, unsigned int count, const Weights& weights);
+Batch tryPrograms(unsigned int first, unsigned int count, std::size_t profile);
 
 /// The smallest program found that fails in the same way.
 Program shrink(Program program, const std::string& fault);

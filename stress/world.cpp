@@ -46,7 +46,7 @@ void World::run()
 {
     runScript(0);
     close();
-    if (Cargo::alive)
+    if (Hooks::alive)
         mismatch("something that a handler captured, or a value, is never destroyed");
 }
 
@@ -60,30 +60,28 @@ void World::runScript(int script)
         ~Deeper() { --depth; }
         int& depth;
     } deeper(m_depth);
-    for (const Operation& operation : m_program.scripts[std::size_t(script)]) {
+    for (const auto& [rule, operands] : m_program.scripts[std::size_t(script)]) {
         if (m_stepsLeft-- <= 0)
             return;
-        execute(operation);
+        execute(rule->run, operands);
         if (m_depth == 1)
             clearAttic();
     }
 }
 
-void World::execute(const Operation& operation)
+void World::execute(Run operation, const Operands& operands)
 {
-    if (operation.code == Code::Fail) {
-        m_failNext = operation.operands[0] + 1;
-        return;
-    }
+    endRetired();
     bool mayFail = m_failNext > 0;
     m_muted += mayFail; // what happens meanwhile could not be taken back
     Model before = mayFail ? m_model : Model();
     {
         InOperation inOperation(m_model);
-        dispatch(operation);
+        (this->*operation)(operands);
     }
     m_muted -= mayFail;
-    m_failNext = 0;
+    if (mayFail)
+        m_failNext = 0;
     if (std::exchange(m_memoryFailed, false))
         settleFailure(before);
     check();
@@ -104,73 +102,21 @@ void World::settleFailure(const Model& before)
     std::erase_if(m_objects, [&](const auto& entry) { return !m_model.bodies.count(entry.first); });
 }
 
-void World::dispatch(const Operation& operation)
-{
-    const Operands& o = operation.operands;
-    switch (operation.code) {
-    case Code::New:
-        return makeObject(o);
-    case Code::Delete:
-        return deleteObject(o);
-    case Code::Parent:
-        return setParent(o);
-    case Code::Move:
-        return moveObject(o);
-    case Code::Assign:
-        return assign(o);
-    case Code::Listen:
-        return listen(o);
-    case Code::Scope:
-        return scope(o);
-    case Code::End:
-        return endByHandle(o);
-    case Code::Drop:
-        return endScoped(o[0]);
-    case Code::Keep:
-    case Code::Take:
-    case Code::Let:
-        return endKept(o, operation.code);
-    case Code::Unsubscribe:
-        return unsubscribe(o);
-    case Code::Raise:
-        return raise(o);
-    case Code::Change:
-        return changeArray(o);
-    case Code::Throw:
-        return throwStop();
-    case Code::Block:
-        return block(o, true);
-    case Code::Unblock:
-        return block(o, false);
-    case Code::Weak:
-        return refer(o, false);
-    case Code::Strong:
-        return refer(o, true);
-    case Code::Set:
-        return setProperty(o);
-    case Code::Get:
-        return useDeclared(o, false);
-    case Code::Put:
-        return useDeclared(o, true);
-    case Code::Fail:
-        return;
-    }
-}
-
 void World::close()
 {
     m_isClosing = true;
     m_failNext = 0;
     for (int slot = 0; slot < objectCount; ++slot)
-        execute({Code::Delete, {slot}});
+        execute(&World::deleteObject, {slot});
     for (int holder = 0; holder < holderCount; ++holder) {
-        execute({Code::Drop, {holder}});
-        execute({Code::Unblock, {holder}});
-        execute({Code::Strong, {holder, nobody}});
+        execute(&World::drop, {holder});
+        execute(&World::unblock, {holder});
+        execute(&World::stopRecording, {holder});
+        execute(&World::refer<true>, {holder, nobody});
     }
-    execute({Code::Change, {0}});
+    execute(&World::changeArray, {0});
     ++m_muted; // what the array got by that runs nothing any more
-    execute({Code::Change, {0}});
+    execute(&World::changeArray, {0});
     clearAttic();
 }
 
@@ -238,6 +184,9 @@ void World::heard(Id subscription, Kind kind, const Actor* receiver, int number)
     bool isCopy = delivery.arrayVersion < 0 || delivery.arrayVersion == m_arrayVersion;
     if (number >= 0 && delivery.type == Frame::Raise && isCopy && number != delivery.number)
         mismatch("a handler gets another value than was raised");
+    for (Recorder& recorder : m_recorders)
+        if (recorder.twin == id)
+            recorder.heard.push_back(number);
     check();
     int script =
         receiver ? m_model.bodies.at(receiver->body).heard : m_model.subscriptions.at(id).script;
@@ -251,6 +200,7 @@ void World::dies(Id body, ZTScopedSubscription&& kept)
     m_model.dies(body);
     Id held = std::exchange(m_model.bodies.at(body).kept, none);
     m_attic.push_back({held, std::move(kept)});
+    retire(std::exchange(m_ownClasses[body], nullptr));
 }
 
 void World::givesBack(void* memory)

@@ -3,7 +3,9 @@
 #include "host.h"
 #include "memory.h"
 
+#include <deque>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// @file
@@ -11,6 +13,9 @@
 
 namespace stress
 {
+/// The number that a value is told apart by; -1 where it has none.
+int numberIn(const ZTVariant& variant);
+
 /// What a handler throws.
 struct Stop {};
 
@@ -33,6 +38,8 @@ public:
     void heard(Id subscription, Kind kind, const Actor* receiver, int number);
     void dies(Id body, ZTScopedSubscription&& kept);
     void givesBack(void* memory);
+    /// The class that the host has laid out for the object, or null.
+    [[nodiscard]] const OwnClass* ownClassOf(Id body) const;
 
 private:
     /// Code of the host runs: memory does not fail meanwhile.
@@ -43,9 +50,11 @@ private:
         int steps, calls, count;
     };
 
+    friend std::span<const Rule> rules();
+
     void runScript(int script);
-    void execute(const Operation& operation);
-    void dispatch(const Operation& operation);
+    using Run = void (World::*)(const Operands&);
+    void execute(Run operation, const Operands& operands);
     void close();
     void clearAttic();
     /// Calls into the library, perhaps with failing memory.
@@ -53,26 +62,55 @@ private:
     Outcome library(Call call);
     void settleFailure(const Model& before);
 
-    // The operations: operations.cpp and subscribing.cpp.
-    using Operands = std::array<int, 8>;
+    // The operations; see rules.cpp for what they mean.
+    // operations.cpp
     void makeObject(const Operands& o);
     void deleteObject(const Operands& o);
     void setParent(const Operands& o);
     void moveObject(const Operands& o);
     void assign(const Operands& o);
+    void shift(const Operands& o);
     void setProperty(const Operands& o);
-    void useDeclared(const Operands& o, bool isSet);
+    template <bool isSet>
+    void useDeclared(const Operands& o);
+    void throwStop(const Operands& o);
+    void failNext(const Operands& o);
+    void block(const Operands& o);
+    void unblock(const Operands& o);
+    void reblock(const Operands& o);
+    template <bool isStrong>
+    void refer(const Operands& o);
+    // subscribing.cpp
     void listen(const Operands& o);
     void scope(const Operands& o);
     void endByHandle(const Operands& o);
-    void endScoped(int holder);
-    void endKept(const Operands& o, Code code);
+    void drop(const Operands& o);
+    void keep(const Operands& o);
+    void take(const Operands& o);
+    void let(const Operands& o);
     void unsubscribe(const Operands& o);
     void raise(const Operands& o);
     void changeArray(const Operands& o);
-    void throwStop();
-    void block(const Operands& o, bool isBlocked);
-    void refer(const Operands& o, bool isStrong);
+    // recording.cpp
+    void record(const Operands& o);
+    void forget(const Operands& o);
+    void stopRecording(const Operands& o);
+
+    struct Blocked {
+        Id soul = none;
+        bool isSent = false;
+        std::optional<ZTEventBlocker> blocker{};
+    };
+    struct Held {
+        Id subscription = none;
+        ZTScopedSubscription scoped{};
+    };
+    /// A listener, and what the handler in front of it has heard.
+    struct Recorder {
+        Id twin = none;
+        std::vector<int> heard{};
+        std::unique_ptr<ZTEventListener> listener{};
+    };
 
     [[nodiscard]] Body* bodyIn(int slot);
     /// The object in the slot, unless it is being made or comes to its end.
@@ -88,9 +126,25 @@ private:
     Cargo cargoOf(int number, const int* operands);
     Expectation expect(int count) const { return {m_model.steps, m_model.calls, count}; }
     void compareCalls(const Expectation& expected, Outcome outcome) const;
+    /// Puts an object of that class where there is memory for it.
+    template <class... Arguments>
+    void construct(Class ofClass, void* memory, Arguments&&... arguments);
+    void countBlocker(const Blocked& blocked, int change);
+    OwnClass* makeClass(Sort sort);
+    /// The class has no object any more.
+    void retire(OwnClass* retired);
+    void endRetired();
     /// Notes that the scoped handle with that subscription ends.
     void endInModel(Id subscription);
+    /// The member of the object becomes another one, which may be null.
+    void giveKept(int slot, Id next, ZTScopedSubscription* source);
+    /// What can be listened to or raised in place of that event of the object.
+    [[nodiscard]] Event eventIn(int slot, int event);
+    [[nodiscard]] const ZTMetaInvokable* eventOf(int slot, Event event);
     ZTSubscription subscribe(Id id, int sender, int receiver, Cargo cargo);
+    void raiseOwn(int slot, int number);
+    void endRecorder(Recorder& recorder);
+    [[nodiscard]] std::vector<int> recordedBy(const Recorder& recorder) const;
 
     // Compares: compare.cpp.
     void check();
@@ -101,6 +155,8 @@ private:
     std::string differencesOfProperties(const Soul& soul, const ZTBase& object);
     std::string differencesOfDeliveries(Id soul, const Soul& soulState);
     std::string differencesOfHandles();
+    std::string differencesOfReferences();
+    std::string differencesOfRecorders();
     Value valueOf(const ZTVariant& variant) const;
 
     const Program& m_program;
@@ -117,15 +173,6 @@ private:
     int m_failNext = 0;
     bool m_memoryFailed = false;
 
-    struct Blocked {
-        Id soul = none;
-        bool isSent = false;
-        std::unique_ptr<ZTEventBlocker> blocker{};
-    };
-    struct Held {
-        Id subscription = none;
-        ZTScopedSubscription scoped{};
-    };
     template <class T>
     using Holders = std::array<T, holderCount>;
     std::map<Id, ZTSubscription> m_handles;
@@ -135,9 +182,13 @@ private:
     Holders<ZTRef<ZTBase>> m_weak;
     Holders<Grip> m_strong;
     Holders<Blocked> m_blockers;
+    Holders<Recorder> m_recorders;
     std::vector<Held> m_attic; ///< what members of dead objects held
     ZTArgumentArray m_array;
     int m_arrayVersion = 0;
+    std::deque<std::optional<OwnClass>> m_classes; ///< so that new ones stand where old ones were
+    std::map<Id, OwnClass*> m_ownClasses;          ///< by body
+    std::vector<OwnClass*> m_retired;
 };
 
 class World::HostCode
