@@ -1,8 +1,8 @@
 #pragma once
 
-#include <zintar/detail/declaredevent.h>
 #include <zintar/detail/lent.h>
 #include <zintar/detail/makehandler.h>
+#include <zintar/detail/typedevent.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/metaclass.h>
@@ -295,5 +295,3 @@ private:
 
 /// Prints the address.
 ZT_EXPORT std::ostream& operator<<(std::ostream& stream, const ZTBase* object);
-
-#include <zintar/detail/typedevent.h>

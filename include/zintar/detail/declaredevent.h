@@ -1,6 +1,5 @@
 #pragma once
 
-#include <zintar/detail/lifewatch.h>
 #include <zintar/detail/makehandler.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>

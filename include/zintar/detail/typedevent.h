@@ -1,7 +1,7 @@
 #pragma once
 
-#include <zintar/base.h>
 #include <zintar/detail/declaredevent.h>
+#include <zintar/detail/lifewatch.h>
 
 #include <memory>
 #include <tuple>
@@ -27,8 +27,9 @@ struct TypedEvent<Event, Parameters<P...>> {
         return found;
     }
 
-    template <class... Arguments>
-    static void send(const ZTBase& sender, Arguments&&... arguments)
+    /// @tparam Sender  `ZTBase`, which may be incomplete here
+    template <class Sender, class... Arguments>
+    static void send(const Sender& sender, Arguments&&... arguments)
     {
         static_assert(sizeof...(Arguments) == sizeof...(P),
                       "sendEvent takes the parameters of the event, no more and no fewer.");
@@ -45,8 +46,8 @@ struct TypedEvent<Event, Parameters<P...>> {
 
 private:
     // Out of line, so that a send that nobody hears is short.
-    template <class... Arguments>
-    [[gnu::noinline]] static void deliver(const ZTBase& sender, ZTEventSlot& slot,
+    template <class Sender, class... Arguments>
+    [[gnu::noinline]] static void deliver(const Sender& sender, ZTEventSlot& slot,
                                           const DeclaredEvent& event, Arguments&&... arguments)
     {
         if constexpr ((isPlainCopy<Held<P>, std::decay_t<Arguments>> && ...)) {
