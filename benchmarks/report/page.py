@@ -5,6 +5,7 @@ import re
 import subprocess
 from pathlib import Path
 
+import chart
 from programs import BENCHMARKS
 
 PAGE = BENCHMARKS.parent / "docs" / "costs.md"
@@ -24,12 +25,14 @@ def print_machine():
 
 
 def refresh(reports):
-    """Puts what each report prints between the two marks of its name."""
+    """Puts what each report prints between the two marks of its name, and draws the picture."""
     text = PAGE.read_text()
     for name, report in {"machine": print_machine, **reports}.items():
         printed = io.StringIO()
         with contextlib.redirect_stdout(printed):
-            report()
+            measured = report()
+        if name == "times":
+            chart.draw(*measured)
         begin, end = f"<!-- {name} -->\n", f"<!-- end of {name} -->"
         before, rest = text.split(begin)
         after = rest.split(end)[1]

@@ -21,13 +21,35 @@ def select(kind, pattern):
     return selected
 
 
+class Progress:
+    """Shows on a terminal how far a long run is."""
+
+    def __init__(self, steps):
+        self._steps, self._done = steps, 0
+
+    def step(self, title):
+        self._done += 1
+        if sys.stderr.isatty():
+            print(f"\r{self._done:3} of {self._steps}  {title[:64]:64}", end="", file=sys.stderr,
+                  flush=True)
+
+    def end(self):
+        if sys.stderr.isatty():
+            print(f"\r{'':80}\r", end="", file=sys.stderr, flush=True)
+
+
+def names_in(program):
+    """The operations that a program measures."""
+    listed = subprocess.run([program, "--benchmark_list_tests"], capture_output=True, text=True,
+                            check=True).stdout
+    return dict.fromkeys(line.split("/")[0] for line in listed.splitlines() if "/" in line)
+
+
 def run(program, names, options, libraries="", environment=None):
     """What a program measured of the operations with these names: {name: {library: result}}.
 
     `libraries` is a regular expression.
     """
-    if sys.stderr.isatty():
-        print(f"\r{program.name:40}\r", end="", file=sys.stderr, flush=True)
     command = [program, "--benchmark_format=json",
                f"--benchmark_filter=^({'|'.join(names)})/({libraries})", *options]
     done = subprocess.run(command, env=os.environ | (environment or {}), capture_output=True,

@@ -2,8 +2,8 @@
 import os
 import sys
 
-from programs import (LIBRARIES, TARGETS, measured_libraries, print_table, run_counted, run_timed,
-                      select)
+from programs import (LIBRARIES, TARGETS, Progress, measured_libraries, names_in, print_table,
+                      run_counted, run_timed, select)
 
 OPERATIONS = {operation["id"]: operation for operation in TARGETS["operation"]}
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -19,14 +19,17 @@ def with_compared(operations):
 def measure(programs, names):
     """{name: {library: nanoseconds}} and {name: our allocations}, of one operation."""
     times, allocations = {}, {}
+    progress = Progress(len(names))
     for program in programs:
-        for name, results in run_timed(program, names).items():
+        for name in (name for name in names_in(program) if name in names):
+            progress.step(OPERATIONS[name]["title"])
             per = OPERATIONS[name].get("per", 1)
             times[name] = {
                 library: result["cpu_time"] * NANOSECONDS[result["time_unit"]] / per
-                for library, result in results.items()}
-        for name, results in run_counted(program, names, "zintar").items():
-            allocations[name] = results["zintar"]["allocations"] / OPERATIONS[name].get("per", 1)
+                for library, result in run_timed(program, [name])[name].items()}
+            counted = run_counted(program, [name], "zintar")[name]["zintar"]
+            allocations[name] = counted["allocations"] / per
+    progress.end()
     return times, allocations
 
 
@@ -97,6 +100,7 @@ def warn_if_busy():
 
 
 def report(build, pattern):
+    """Prints the table, and gives the operations in it and what each took in each library."""
     warn_if_busy()
     programs = sorted(path for path in build.glob("bench_*")
                       if path.is_file() and path.name != "bench_memory")
@@ -107,3 +111,4 @@ def report(build, pattern):
                  "reached", "target", "verdict"],
                 [row(operation, libraries, times, allocations) for operation in shown])
     print_raw_limits(shown)
+    return shown, times
