@@ -43,9 +43,11 @@ public:
     virtual void setData(const std::string& bytes);
     /// True once a read has tried to go past the end; false still after the last byte was read.
     [[nodiscard]] virtual bool atEnd() const;
+    /// Writes over what stands at the position, and behind the end. A failed stream takes nothing.
     virtual ZTDataStream& write(const char* bytes, unsigned int count);
     /// Reads `count` bytes, or fails with what there is; bytes that were not read stay as they are.
     virtual ZTDataStream& read(char* bytes, unsigned int count);
+    /// False from the first failure on.
     [[nodiscard]] virtual bool good() const;
 
     [[nodiscard]] bool operator!() const { return !good(); }
@@ -57,6 +59,9 @@ private:
     ZTDataStreamPrivate* priv;
 };
 
+// Each writes as many bytes as the value has: 1 for both `char`s and `bool`, 2, 4 and 8 for the
+// others, the least significant first. What is written over other bytes takes their place. A
+// stream that has failed takes nothing. Cost: no allocation as long as the stream has room.
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, signed char value);
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, unsigned char value);
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, bool value);
@@ -68,12 +73,16 @@ ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, float value);
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, double value);
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, long long value);
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, unsigned long long value);
+/// A null text is written as an empty one.
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, const char* text);
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, std::string_view text);
 ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, const std::string& text);
 
+// Each reads as many bytes. When they are not all there, the stream fails, and the value has those
+// that were: initialise what you read into, and test the stream.
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, signed char& value);
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, unsigned char& value);
+/// Any byte but 0 is true.
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, bool& value);
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, short& value);
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, unsigned short& value);

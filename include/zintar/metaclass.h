@@ -39,7 +39,12 @@ enum class ZTAccessSpecifier : int {
 /// Stands for no class: its name marks a missing super class on a stream.
 struct ZTNone {};
 
-/// One key/value annotation of a class.
+/// One key/value annotation of a class: what an editor groups classes by, say, or a file's version.
+/// Keys may repeat; the library gives none of them a meaning.
+///
+/// A descriptor cannot be made by hosts. Copying one cuts it down to this abstract type, which
+/// answers every question with a neutral result; so keep pointers. The same goes for the other
+/// four.
 struct ZT_EXPORT ZTMetaClassInfo {
 public:
     ZTMetaClassInfo(const ZTMetaClassInfo&) noexcept {}
@@ -57,7 +62,10 @@ private:
     ZTMetaClassInfo() noexcept {}
 };
 
-/// An enumeration that a class declares.
+/// An enumeration that a class declares: names and their values, in the order of declaration.
+///
+///     for (unsigned int i = 0; i < modes->count(); ++i)
+///         box.addEntry(modes->enumerator(i), modes->value(i));
 struct ZT_EXPORT ZTMetaEnum {
 public:
     ZTMetaEnum(const ZTMetaEnum&) noexcept {}
@@ -65,6 +73,7 @@ public:
     virtual ~ZTMetaEnum();
     [[nodiscard]] virtual std::string_view name() const;
     [[nodiscard]] virtual unsigned int count() const;
+    /// Empty for an index out of range.
     [[nodiscard]] virtual std::string_view enumerator(unsigned int index) const;
     /// -1 for an index out of range, which an enumerator may be as well: compare with `count()`.
     [[nodiscard]] virtual int value(unsigned int index) const;
@@ -77,24 +86,36 @@ private:
     ZTMetaEnum() noexcept {}
 };
 
-/// A property of a class.
+/// A property of a class: a name, a type, and functions that read and write it on an object.
+///
+///     const ZTMetaProperty* target = thermostat.metaClass()->property("target");
+///     target->set(&thermostat, 21.5);
+///     double celsius = target->get<double>(&thermostat);
+///
+/// Whoever knows the object and the name alone calls `ZTBase::property` and `setProperty`.
 struct ZT_EXPORT ZTMetaProperty {
 public:
     ZTMetaProperty(const ZTMetaProperty&) noexcept {}
     ZTMetaProperty& operator=(const ZTMetaProperty&) noexcept { return *this; }
     virtual ~ZTMetaProperty();
     [[nodiscard]] virtual std::string_view name() const;
+    /// What `get` gives and `set` takes; the invalid type where the class names none.
     [[nodiscard]] virtual const ZTMetaType& metaType() const;
     /// The class-wide index of the event that announces a change; -1 when there is none.
     [[nodiscard]] virtual int changeEventIndex() const;
+    /// The event itself, to be subscribed to; null when there is none. Raising it is the setter's
+    /// part: a property that changes by other means says nothing.
     [[nodiscard]] virtual const ZTMetaInvokable* changeEvent() const;
     [[nodiscard]] virtual bool canGet() const;
     [[nodiscard]] virtual bool canSet() const;
+    // The annotations, in the order of declaration: units, ranges, hints for an editor. Keys may
+    // repeat. An index out of range gives an empty view.
     [[nodiscard]] virtual unsigned int propInfoCount() const;
     [[nodiscard]] virtual std::string_view propInfoKey(unsigned int index) const;
     [[nodiscard]] virtual std::string_view propInfoValue(unsigned int index) const;
+    /// Calls the getter. An object that is not one of the class is told in the log.
     /// @param object  holds a pointer to the object
-    /// @return an invalid variant when the property has no getter
+    /// @return a copy; an invalid variant when the property has no getter
     [[nodiscard]] virtual ZTVariant get(const ZTVariant& object) const;
     /// Calls the setter; without one nothing happens. What the setter cannot take is told in the
     /// log and leaves the property as it was.
@@ -118,8 +139,10 @@ public:
             return set(zt::detail::LentVariant(object), std::as_const(value));
     }
 
+    /// Whether the class was made at run time.
     [[nodiscard]] virtual bool isDynamic() const;
 
+    /// False when the property has no name.
     [[nodiscard]] explicit operator bool() const;
 
 private:
@@ -130,6 +153,9 @@ private:
 
 /// A method or an event of a class. Both stand in one list with one index space; an event is an
 /// invokable that objects can be subscribed to.
+///
+///     auto* boost = thermostat.metaClass()->invokable<void(int, double)>("boost");
+///     bool done = ztVariantValue<bool>(boost->invoke(&thermostat, 30, 0.5));
 struct ZT_EXPORT ZTMetaInvokable {
 public:
     /// The number of arguments that a call or an event can carry.
@@ -141,11 +167,16 @@ public:
     [[nodiscard]] virtual std::string_view name() const;
     [[nodiscard]] virtual bool isConst() const;
     [[nodiscard]] virtual bool isEvent() const;
+    /// The type named "void" where nothing is returned; the invalid type where the class names
+    /// none.
     [[nodiscard]] virtual const ZTMetaType& returnMetaType() const;
+    /// May be more than a call can carry, in a class made at run time.
     [[nodiscard]] virtual unsigned int parameterCount() const;
     [[nodiscard]] virtual ZTAccessSpecifier accessSpecifier() const;
+    /// The invalid type for an index out of range.
     [[nodiscard]] virtual const ZTMetaType& parameterMetaType(unsigned int index) const;
-    /// The class-wide index.
+    /// The class-wide index, which is what `ZTBase::sendEvent` takes; -1 for an invokable that has
+    /// left its class.
     [[nodiscard]] virtual int index() const;
     /// Calls a method on the object to which `object` holds a pointer, or raises an event of it.
     ///
@@ -153,8 +184,10 @@ public:
     /// told in the log and arrives as a default value.
     /// @return the method's result; an invalid variant for `void` and when there is no function
     virtual ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const;
+    /// Whether the class was made at run time.
     [[nodiscard]] virtual bool isDynamic() const;
 
+    /// False when the invokable has no name.
     [[nodiscard]] explicit operator bool() const;
 
     /// Calls without arguments. An invokable that has parameters is called all the same, with
@@ -190,17 +223,29 @@ private:
     void warnOfFewer() const;
 };
 
-/// A class: its name, its super class, and its members.
+/// A class: its name, its super class, and its members, to be listed by index or found by name.
+///
+///     const ZTMetaClass& thermostat = Thermostat::typeMetaClass();   // or object->metaClass()
+///     for (unsigned int i = 0; i < thermostat.propertyCount(); ++i)
+///         std::cout << thermostat.property(i)->name() << "\n";      // inherited ones first
+///
+/// Cost: by index a step for each level of inheritance; a property by name is one search in a
+/// declared class and in a finished one, and a walk in a builder's; an invokable by signature is a
+/// search for each level. Keep what is asked for often: descriptors stay where they are.
 struct ZT_EXPORT ZTMetaClass {
 public:
     ZTMetaClass(const ZTMetaClass&) noexcept {}
     ZTMetaClass& operator=(const ZTMetaClass&) noexcept { return *this; }
     virtual ~ZTMetaClass();
+    /// Null at the root, and for a class made at run time that was given none.
     [[nodiscard]] virtual const ZTMetaClass* superClass() const;
+    /// For a declared class the spelled name of its type, "struct Thermostat".
     [[nodiscard]] virtual std::string_view typeName() const;
     /// The type of a pointer to the class; the invalid type for a class made at run time.
     [[nodiscard]] virtual const ZTMetaType& metaType() const;
+    /// Whether the class was made at run time.
     [[nodiscard]] virtual bool isDynamic() const;
+    // How many members of a kind are inherited, and how many there are with those.
     [[nodiscard]] virtual unsigned int classInfoOffset() const;
     [[nodiscard]] virtual unsigned int classInfoCount() const;
     [[nodiscard]] virtual unsigned int enumOffset() const;
@@ -209,7 +254,8 @@ public:
     [[nodiscard]] virtual unsigned int propertyCount() const;
     [[nodiscard]] virtual unsigned int invokableOffset() const;
     [[nodiscard]] virtual unsigned int invokableCount() const;
-    // By name a class's own member hides an inherited one.
+    // By key and by name a class's own member hides an inherited one, and of its own the first one
+    // counts. By class-wide index nothing is hidden.
     [[nodiscard]] virtual const ZTMetaClassInfo* classInfo(std::string_view key) const;
     [[nodiscard]] virtual const ZTMetaClassInfo* classInfo(unsigned int index) const;
     [[nodiscard]] virtual const ZTMetaEnum* metaEnum(unsigned int index) const;
@@ -227,6 +273,8 @@ public:
     ///                  the member function; for a class made at run time the key that was given
     ///                  with the function
     [[nodiscard]] virtual int indexOfInvokable(void* function) const;
+    /// A word that a host may leave at the class, for a bridge that keeps something of its own for
+    /// each class. The library neither reads nor frees it; null at first.
     [[nodiscard]] virtual void* userData() const;
     virtual void setUserData(void* data);
 

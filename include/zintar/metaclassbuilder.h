@@ -48,7 +48,8 @@ class ZTMetaClassBuilder;
 /// Threads: a builder and its handles belong to one thread at a time; a finished class is
 /// immutable and may go to another.
 
-/// Edits one annotation of the class.
+/// Edits one annotation of the class. Both texts are copied; views that were given out are good
+/// until the next change.
 class ZT_EXPORT ZTMetaClassInfoBuilder
 {
 public:
@@ -70,7 +71,8 @@ private:
     std::unique_ptr<ZTMetaClassInfoBuilderPrivate> priv;
 };
 
-/// Edits one enumeration of the class.
+/// Edits one enumeration of the class. Names and values are unique in what is added here; a
+/// prototype is copied as it is.
 class ZT_EXPORT ZTMetaEnumBuilder
 {
 public:
@@ -82,9 +84,11 @@ public:
     void setName(std::string_view name);
     [[nodiscard]] int count() const;
     [[nodiscard]] std::string_view enumerator(unsigned int index) const;
+    /// -1 for an index out of range.
     [[nodiscard]] int value(unsigned int index) const;
     /// @return false, changing nothing, when the name or the value is there already
     bool add(std::string_view name, int value);
+    /// An index out of range removes nothing.
     void remove(unsigned int index);
 
 private:
@@ -95,7 +99,9 @@ private:
     std::unique_ptr<ZTMetaEnumBuilderPrivate> priv;
 };
 
-/// Edits one method or event of the class.
+/// Edits one method or event of the class. A new one has no name, no function, no parameters and no
+/// result, and is `Private`. With a typed callable, `setFunction` sees to all of it but the name
+/// and the access.
 class ZT_EXPORT ZTMetaInvokableBuilder
 {
 public:
@@ -109,6 +115,7 @@ public:
     void setIsConst(bool isConst);
     [[nodiscard]] bool isEvent() const;
     void setIsEvent(bool isEvent);
+    /// The invalid type until it is set.
     [[nodiscard]] const ZTMetaType& returnMetaType() const;
     void setReturnMetaType(const ZTMetaType& type);
     [[nodiscard]] std::vector<const ZTMetaType*> parameterMetaTypes() const;
@@ -117,6 +124,7 @@ public:
     /// `Private` in a new invokable.
     [[nodiscard]] ZTAccessSpecifier accessSpecifier() const;
     void setAccessSpecifier(ZTAccessSpecifier access);
+    /// A copy; empty when there is none.
     [[nodiscard]] zt::detail::InvokableFunction function() const;
 
     /// Sets what a call runs.
@@ -178,7 +186,15 @@ private:
     std::unique_ptr<ZTMetaInvokableBuilderPrivate> priv;
 };
 
-/// Edits one property of the class.
+/// Edits one property of the class. A new one has no name, no type and no functions: it can neither
+/// be read nor written. Typed callables set the type along.
+///
+///     auto balance = builder.addProperty();
+///     balance.setName("balance");
+///     balance.setGetter([](const Account& self) { return self.balance(); });
+///     balance.setSetter([](Account& self, double value) { self.setBalance(value); });
+///     balance.setChangeEvent(changed);
+///     balance.addPropInfo("unit", "euro");
 class ZT_EXPORT ZTMetaPropertyBuilder
 {
 public:
@@ -196,6 +212,7 @@ public:
     /// the functions only.
     [[nodiscard]] bool canGet() const;
     [[nodiscard]] bool canSet() const;
+    // Copies; empty when there is none.
     [[nodiscard]] zt::detail::GetterFunction getter() const;
     [[nodiscard]] zt::detail::SetterFunction setter() const;
 
@@ -284,6 +301,7 @@ public:
     /// @param super  not owned; must outlive the builder and every class it hands out
     void setSuperClass(const ZTMetaClass* super);
     [[nodiscard]] const ZTMetaClass* superClass() const;
+    /// Any text: the library keeps no list of classes made at run time, and no two of them clash.
     void setTypeName(std::string_view name);
     /// Good until the name changes or the builder dies.
     [[nodiscard]] std::string_view typeName() const;
@@ -292,7 +310,8 @@ public:
     /// builder and with other copies. The builder stays usable.
     [[nodiscard]] ZTMetaClass* toMetaClass();
 
-    /// Reads one class from the stream and adds it to what the builder holds.
+    /// Reads one class from the stream and adds it to what the builder holds: its members go behind
+    /// those that are there, its name and its super class take their place.
     ///
     /// The functions of properties and methods are not on the stream: give them back through the
     /// member builders. Reading stops at the first failed read; what was read by then stays. Test
@@ -303,7 +322,9 @@ public:
     void deserialize(ZTDataStream& stream,
                      const std::unordered_map<std::string, const ZTMetaClass*>& metaClasses);
 
-    // Each `add` appends a member, a copy of the prototype if there is one.
+    // Each `add` appends a member, a copy of the prototype if there is one, and gives a handle on
+    // it; the other form gives one on the member at an index. What is removed lives on in its
+    // handles alone, and those behind it move up. An index out of range removes nothing.
     ZTMetaClassInfoBuilder addClassInfo(const ZTMetaClassInfo* prototype = nullptr);
     [[nodiscard]] ZTMetaClassInfoBuilder classInfo(unsigned int index);
     void removeClassInfo(unsigned int index);

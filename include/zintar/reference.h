@@ -31,7 +31,7 @@ namespace zt::detail
 template <class U, class T>
 concept ReferableAs = std::is_convertible_v<U*, T*>;
 
-/// What both references offer. `Derived` is the reference itself, for its comparisons.
+/// What both references offer.
 template <class T, class Impl>
 class TypedReference
 {
@@ -49,11 +49,13 @@ public:
         // `ZTBase` stands first in every object.
         return static_cast<T*>(static_cast<void*>(m_reference.object()));
     }
+    // Not to be used on a reference that reads null.
     [[nodiscard]] T* operator->() const noexcept { return get(); }
     [[nodiscard]] T& operator*() const noexcept { return *get(); }
     [[nodiscard]] explicit operator bool() const noexcept { return get() != nullptr; }
 
     void reset() noexcept { m_reference = Reference<Impl>(); }
+    /// Refers to another object; null empties the reference.
     void reset(T* object) { m_reference = Reference<Impl>(object); }
 
 protected:
@@ -75,6 +77,13 @@ private:
 } // namespace zt::detail
 
 /// A weak reference: see the top of this file. `T` may be const.
+///
+///     ZTRef<Lamp> lamp(room.findLamp());
+///     ...
+///     if (lamp)             // still there
+///         lamp->toggle();
+///
+/// Cost: one allocation for the first reference to an object; a pointer and a counter later.
 template <class T>
 class ZTRef : public zt::detail::TypedReference<T, zt::detail::ZTRefImpl>
 {
@@ -93,7 +102,11 @@ public:
     {}
 };
 
-/// A strong reference: see the top of this file. The object must have been made with `new`.
+/// A strong reference: see the top of this file. The object must have been made with `new`, and
+/// nobody else may delete it: that is survived, and told in the log.
+///
+///     ZTStrongRef<Recipe> recipe(new Recipe);
+///     kitchen.cook(recipe);     // whoever drops it last deletes it
 template <class T>
 class ZTStrongRef : public zt::detail::TypedReference<T, zt::detail::ZTStrongRefImpl>
 {

@@ -29,6 +29,12 @@ template <class T>
 
 /// The value in the variant's block, without a copy; null when the variant holds another type.
 /// Logs nothing and converts nothing. Good until the variant changes.
+///
+///     if (auto* text = ztVariantPointer<std::string>(value))
+///         text->append("!");
+///
+/// A pointer to an object is found as the very type of pointer that the variant holds: `Lamp*` is
+/// not found as a `ZTBase*`. That is what `ztVariantValue` does.
 template <class T>
 [[nodiscard]] T* ztVariantPointer(ZTVariant& variant)
 {
