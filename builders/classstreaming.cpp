@@ -31,11 +31,48 @@
 namespace
 {
 using Flags = ZTClassRecordFlags;
+using Classes = std::unordered_map<std::string, const ZTMetaClass*>;
+
+/// Reads one value after the other, as long as they are there.
+template <class... Values>
+bool readAll(ZTDataStream& stream, Values&... values)
+{
+    return (... && (stream >> values, stream.good()));
+}
+
+/// A damaged count ends with the bytes, and gets no room for more than these can hold.
+/// @param smallest  how many bytes an entry takes at least: 8 for a text, 4 for a count
+/// @param list      what the entries go into
+template <class Count, class List, class ReadOne>
+void readList(ZTDataStream& stream, std::size_t smallest, List& list, ReadOne readOne)
+{
+    Count count = 0;
+    if (!stream.good() || !readAll(stream, count))
+        return;
+    if (const auto* plain = ZTDataStreamPrivate::ofPlain(stream))
+        list.reserve(list.size() + std::min<std::size_t>(count, plain->left() / smallest));
+    for (Count i = 0; i < count && stream.good(); ++i)
+        readOne();
+}
+
+// Annotations.
+
+constexpr std::size_t smallestInfo = 8 + 8;
 
 void write(ZTDataStream& stream, const ZTMetaClassInfo& info)
 {
     stream << info.key() << info.value();
 }
+
+void read(ZTDataStream& stream, ZTDynamicMetaClassInfo& info)
+{
+    readAll(stream, info.m_key, info.m_value);
+}
+
+// Enumerations.
+
+constexpr std::size_t smallestEnumerator = 8 + 4;
+constexpr std::size_t smallestEnum = 8 + 8;
 
 void write(ZTDataStream& stream, const ZTMetaEnum& metaEnum)
 {
@@ -43,79 +80,6 @@ void write(ZTDataStream& stream, const ZTMetaEnum& metaEnum)
     for (unsigned int i = 0; i < metaEnum.count(); ++i)
         stream << metaEnum.enumerator(i) << metaEnum.value(i);
 }
-
-void write(ZTDataStream& stream, const ZTMetaInvokable& invokable)
-{
-    auto flags = static_cast<unsigned short>((invokable.isConst() ? Flags::ConstInvokable : 0) |
-                                             (invokable.isEvent() ? Flags::Event : 0));
-    stream << invokable.name() << invokable.returnMetaType() << flags
-           << static_cast<int>(invokable.accessSpecifier()) << invokable.parameterCount();
-    for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
-        stream << invokable.parameterMetaType(i);
-}
-
-void write(ZTDataStream& stream, const ZTMetaProperty& property, unsigned int invokableOffset)
-{
-    int event = property.changeEventIndex();
-    if (event >= 0)
-        event -= static_cast<int>(invokableOffset);
-    auto flags = static_cast<unsigned char>((property.canGet() ? Flags::Readable : 0) |
-                                            (property.canSet() ? Flags::Writable : 0));
-    stream << property.name() << property.metaType() << event << flags << property.propInfoCount();
-    for (unsigned int i = 0; i < property.propInfoCount(); ++i)
-        stream << property.propInfoKey(i) << property.propInfoValue(i);
-}
-
-void write(ZTDataStream& stream, const ZTMetaClass& metaClass)
-{
-    const ZTMetaClass* super = metaClass.superClass();
-    stream << metaClass.typeName() << (super ? super->typeName() : std::string_view("ZTNone"));
-
-    stream << metaClass.classInfoCount() - metaClass.classInfoOffset();
-    for (unsigned int i = metaClass.classInfoOffset(); i < metaClass.classInfoCount(); ++i)
-        write(stream, *metaClass.classInfo(i));
-    stream << metaClass.enumCount() - metaClass.enumOffset();
-    for (unsigned int i = metaClass.enumOffset(); i < metaClass.enumCount(); ++i)
-        write(stream, *metaClass.metaEnum(i));
-    stream << metaClass.invokableCount() - metaClass.invokableOffset();
-    for (unsigned int i = metaClass.invokableOffset(); i < metaClass.invokableCount(); ++i)
-        write(stream, *metaClass.invokable(i));
-    stream << metaClass.propertyCount() - metaClass.propertyOffset();
-    for (unsigned int i = metaClass.propertyOffset(); i < metaClass.propertyCount(); ++i)
-        write(stream, *metaClass.property(i), metaClass.invokableOffset());
-}
-} // namespace
-
-ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
-{
-    zt::detail::writeWhole(stream, [&](ZTDataStream& target) { write(target, metaClass); });
-    return stream;
-}
-
-namespace
-{
-using Classes = std::unordered_map<std::string, const ZTMetaClass*>;
-
-const ZTMetaClass* findSuperClass(const std::string& name, const Classes& metaClasses)
-{
-    auto found = metaClasses.find(name);
-    if (found != metaClasses.end())
-        return found->second;
-    if (name == "ZTBase" || name == ZTBase::typeMetaClass().typeName())
-        return &ZTBase::typeMetaClass();
-    ztLog("Zintar: ZTMetaClassBuilder failed to set super class. No meta class with name \"" +
-              name + "\" provided.",
-          ZTLogType::Warning);
-    return nullptr;
-}
-
-// The fewest bytes that one entry of each list takes: every text has a length of 8, every count 4.
-constexpr std::size_t smallestType = 8;
-constexpr std::size_t smallestInfo = 8 + 8;
-constexpr std::size_t smallestEnumerator = 8 + 4;
-constexpr std::size_t smallestEnum = 8 + 8;
-constexpr std::size_t smallestInvokable = 8 + 8 + 2 + 4 + 4;
-constexpr std::size_t smallestProperty = 8 + 8 + 4 + 1 + 4;
 
 /// What an enumeration has already, while it is read. Names and values are sorted and not hashed:
 /// hashes of a known kind can be made to collide.
@@ -146,107 +110,134 @@ private:
     std::size_t m_sorted = 0; ///< how many are in the sets
 };
 
-/// Reads the parts of a class from a stream, up to the first read that fails.
-class ClassReader
+/// A name or a value that is there already is read and left out, as a builder refuses it.
+void read(ZTDataStream& stream, ZTDynamicMetaEnum& metaEnum)
 {
-public:
-    ClassReader(ZTDataStream& stream, ZTDynamicMetaClass& metaClass)
-        : m_stream(stream), m_class(metaClass)
-    {}
-
-    void readMembers()
-    {
-        readList<unsigned int>(smallestInfo, m_class.m_classInfos, [this] { readClassInfo(); });
-        readList<unsigned int>(smallestEnum, m_class.m_enums, [this] { readEnum(); });
-        readList<unsigned int>(smallestInvokable, m_class.m_invokables,
-                               [this] { readInvokable(); });
-        readList<unsigned int>(smallestProperty, m_class.m_properties, [this] { readProperty(); });
-    }
-
-private:
-    template <class... Values>
-    bool read(Values&... values)
-    {
-        return (... && (m_stream >> values, m_stream.good()));
-    }
-
-    /// A damaged count ends with the bytes, and gets no room for more than these can hold.
-    /// @param smallest  how many bytes an entry takes at least
-    /// @param list      what the entries go into
-    template <class Count, class List, class ReadOne>
-    void readList(std::size_t smallest, List& list, ReadOne readOne)
-    {
-        Count count = 0;
-        if (!m_stream.good() || !read(count))
+    if (!readAll(stream, metaEnum.m_name))
+        return;
+    KnownEnumerators known(metaEnum);
+    readList<unsigned long long>(stream, smallestEnumerator, metaEnum.m_enumerators, [&] {
+        std::string name;
+        int value = 0;
+        if (!readAll(stream, name, value) || known.have(name, value))
             return;
-        if (const auto* plain = ZTDataStreamPrivate::ofPlain(m_stream))
-            list.reserve(list.size() + std::min<std::size_t>(count, plain->left() / smallest));
-        for (Count i = 0; i < count && m_stream.good(); ++i)
-            readOne();
-    }
+        metaEnum.m_values.reserve(metaEnum.m_enumerators.capacity());
+        metaEnum.m_values.push_back(value);
+        metaEnum.m_enumerators.push_back(std::move(name));
+    });
+}
 
-    void readClassInfo()
-    {
-        ZTDynamicMetaClassInfo& info = m_class.addClassInfo();
-        read(info.m_key, info.m_value);
-    }
+// Methods and events.
 
-    /// A name or a value that is there already is read and left out, as a builder refuses it.
-    void readEnum()
-    {
-        ZTDynamicMetaEnum& metaEnum = m_class.addEnum();
-        if (!read(metaEnum.m_name))
-            return;
-        KnownEnumerators known(metaEnum);
-        readList<unsigned long long>(smallestEnumerator, metaEnum.m_enumerators, [&] {
-            std::string name;
-            int value = 0;
-            if (!read(name, value) || known.have(name, value))
-                return;
-            metaEnum.m_values.reserve(metaEnum.m_enumerators.capacity());
-            metaEnum.m_values.push_back(value);
-            metaEnum.m_enumerators.push_back(std::move(name));
-        });
-    }
+constexpr std::size_t smallestType = 8;
+constexpr std::size_t smallestInvokable = 8 + 8 + 2 + 4 + 4;
 
-    void readInvokable()
-    {
-        ZTDynamicMetaInvokable& invokable = m_class.addInvokable();
-        unsigned short flags = 0;
-        int access = 0;
-        if (!read(invokable.m_name, invokable.m_returnMetaType, flags, access))
-            return;
-        invokable.m_isConst = flags & Flags::ConstInvokable;
-        invokable.m_isEvent = flags & Flags::Event;
-        invokable.m_access = static_cast<ZTAccessSpecifier>(access);
-        readList<unsigned int>(smallestType, invokable.m_parameterMetaTypes, [&] {
-            const ZTMetaType* type = nullptr;
-            if (read(type))
-                invokable.m_parameterMetaTypes.push_back(type);
-        });
-    }
+void write(ZTDataStream& stream, const ZTMetaInvokable& invokable)
+{
+    auto flags = static_cast<unsigned short>((invokable.isConst() ? Flags::ConstInvokable : 0) |
+                                             (invokable.isEvent() ? Flags::Event : 0));
+    stream << invokable.name() << invokable.returnMetaType() << flags
+           << static_cast<int>(invokable.accessSpecifier()) << invokable.parameterCount();
+    for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
+        stream << invokable.parameterMetaType(i);
+}
 
-    void readProperty()
-    {
-        ZTDynamicMetaProperty& property = m_class.addProperty();
-        int event = -1;
-        if (!read(property.m_name, property.m_metaType, event))
-            return;
-        if (event >= 0 && static_cast<std::size_t>(event) < m_class.m_invokables.size())
-            property.m_changeEvent = m_class.m_invokables[static_cast<std::size_t>(event)];
-        if (!read(property.m_accessFlags))
-            return;
-        readList<unsigned int>(smallestInfo, property.m_propInfos, [&] {
-            std::string key;
-            std::string value;
-            if (read(key, value))
-                property.m_propInfos.emplace_back(std::move(key), std::move(value));
-        });
-    }
+void read(ZTDataStream& stream, ZTDynamicMetaInvokable& invokable)
+{
+    unsigned short flags = 0;
+    int access = 0;
+    if (!readAll(stream, invokable.m_name, invokable.m_returnMetaType, flags, access))
+        return;
+    invokable.m_isConst = flags & Flags::ConstInvokable;
+    invokable.m_isEvent = flags & Flags::Event;
+    invokable.m_access = static_cast<ZTAccessSpecifier>(access);
+    readList<unsigned int>(stream, smallestType, invokable.m_parameterMetaTypes, [&] {
+        const ZTMetaType* type = nullptr;
+        if (readAll(stream, type))
+            invokable.m_parameterMetaTypes.push_back(type);
+    });
+}
 
-    ZTDataStream& m_stream;
-    ZTDynamicMetaClass& m_class;
-};
+// Properties, which refer to the invokables of their class.
+
+constexpr std::size_t smallestProperty = 8 + 8 + 4 + 1 + 4;
+
+void write(ZTDataStream& stream, const ZTMetaProperty& property, unsigned int invokableOffset)
+{
+    int event = property.changeEventIndex();
+    if (event >= 0)
+        event -= static_cast<int>(invokableOffset);
+    auto flags = static_cast<unsigned char>((property.canGet() ? Flags::Readable : 0) |
+                                            (property.canSet() ? Flags::Writable : 0));
+    stream << property.name() << property.metaType() << event << flags << property.propInfoCount();
+    for (unsigned int i = 0; i < property.propInfoCount(); ++i)
+        stream << property.propInfoKey(i) << property.propInfoValue(i);
+}
+
+void read(ZTDataStream& stream, ZTDynamicMetaProperty& property,
+          const std::vector<std::shared_ptr<ZTDynamicMetaInvokable>>& invokables)
+{
+    int event = -1;
+    if (!readAll(stream, property.m_name, property.m_metaType, event))
+        return;
+    if (event >= 0 && static_cast<std::size_t>(event) < invokables.size())
+        property.m_changeEvent = invokables[static_cast<std::size_t>(event)];
+    if (!readAll(stream, property.m_accessFlags))
+        return;
+    readList<unsigned int>(stream, smallestInfo, property.m_propInfos, [&] {
+        std::string key;
+        std::string value;
+        if (readAll(stream, key, value))
+            property.m_propInfos.emplace_back(std::move(key), std::move(value));
+    });
+}
+
+// Classes.
+
+void write(ZTDataStream& stream, const ZTMetaClass& metaClass)
+{
+    const ZTMetaClass* super = metaClass.superClass();
+    stream << metaClass.typeName() << (super ? super->typeName() : std::string_view("ZTNone"));
+
+    stream << metaClass.classInfoCount() - metaClass.classInfoOffset();
+    for (unsigned int i = metaClass.classInfoOffset(); i < metaClass.classInfoCount(); ++i)
+        write(stream, *metaClass.classInfo(i));
+    stream << metaClass.enumCount() - metaClass.enumOffset();
+    for (unsigned int i = metaClass.enumOffset(); i < metaClass.enumCount(); ++i)
+        write(stream, *metaClass.metaEnum(i));
+    stream << metaClass.invokableCount() - metaClass.invokableOffset();
+    for (unsigned int i = metaClass.invokableOffset(); i < metaClass.invokableCount(); ++i)
+        write(stream, *metaClass.invokable(i));
+    stream << metaClass.propertyCount() - metaClass.propertyOffset();
+    for (unsigned int i = metaClass.propertyOffset(); i < metaClass.propertyCount(); ++i)
+        write(stream, *metaClass.property(i), metaClass.invokableOffset());
+}
+
+/// Up to the first read that fails.
+void readMembers(ZTDataStream& stream, ZTDynamicMetaClass& metaClass)
+{
+    readList<unsigned int>(stream, smallestInfo, metaClass.m_classInfos,
+                           [&] { read(stream, metaClass.addClassInfo()); });
+    readList<unsigned int>(stream, smallestEnum, metaClass.m_enums,
+                           [&] { read(stream, metaClass.addEnum()); });
+    readList<unsigned int>(stream, smallestInvokable, metaClass.m_invokables,
+                           [&] { read(stream, metaClass.addInvokable()); });
+    readList<unsigned int>(stream, smallestProperty, metaClass.m_properties,
+                           [&] { read(stream, metaClass.addProperty(), metaClass.m_invokables); });
+}
+
+const ZTMetaClass* findSuperClass(const std::string& name, const Classes& metaClasses)
+{
+    auto found = metaClasses.find(name);
+    if (found != metaClasses.end())
+        return found->second;
+    if (name == "ZTBase" || name == ZTBase::typeMetaClass().typeName())
+        return &ZTBase::typeMetaClass();
+    ztLog("Zintar: ZTMetaClassBuilder failed to set super class. No meta class with name \"" +
+              name + "\" provided.",
+          ZTLogType::Warning);
+    return nullptr;
+}
 
 /// Takes out of a class again what was read into it, if reading could not go on for lack of memory.
 class Addition
@@ -284,6 +275,12 @@ private:
 };
 } // namespace
 
+ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
+{
+    zt::detail::writeWhole(stream, [&](ZTDataStream& target) { write(target, metaClass); });
+    return stream;
+}
+
 void ZTMetaClassBuilder::deserialize(ZTDataStream& stream, const Classes& metaClasses)
 {
     zt::detail::readWhole(stream, [&] {
@@ -293,7 +290,7 @@ void ZTMetaClassBuilder::deserialize(ZTDataStream& stream, const Classes& metaCl
         setTypeName(name);
         stream >> name;
         setSuperClass(findSuperClass(name, metaClasses));
-        ClassReader(stream, *priv->metaClass).readMembers();
+        readMembers(stream, *priv->metaClass);
         added.keep();
     });
 }

@@ -4,7 +4,7 @@ bool ZTMetaType::canConvert(const ZTMetaType& to) const
 {
     if (!to)
         return false;
-    return *this == to || priv->converterTo(to);
+    return priv->converterTo(to) || *this == to;
 }
 
 bool ZTMetaType::convert(void* source, const ZTMetaType& to, void* target) const
