@@ -2,114 +2,153 @@
 
 #include "eventvalues.h"
 
-#include <zintar/detail/handlers.h>
 #include <zintar/detail/lent.h>
 #include <zintar/metaclass.h>
 
 #include <algorithm>
 
-using zt::detail::ZTHandlerBase;
+[[gnu::tls_model("initial-exec")]] thread_local constinit ZTThreadList<ZTDelivery>
+    ZTDelivery::activeEvents;
 
-ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, int index,
-                       const ZTMetaInvokable& event)
+inline ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot,
+                              const ZTMetaInvokable& event, void* const* typed)
     : m_sender(&sender),
       m_slot(slot),
-      m_index(index),
       m_event(event),
-      m_outer(slot.dispatching),
-      m_end(m_outer ? m_outer->m_end : slot.subscriptions.size())
+      m_index(slot.index),
+      m_end(std::size_t{slot.listed} + slot.empty),
+      m_typed(typed)
 {
-    slot.dispatching = this;
-    ++slot.deliveries;
+    if (slot.dispatching > 0) [[unlikely]]
+        m_end = activeEvents.find([&](const ZTDelivery& one) { return one.walks(slot); })->m_end;
+    ++slot.dispatching;
+    activeEvents.enter(*this);
+}
+
+inline ZTDelivery::~ZTDelivery()
+{
+    activeEvents.leave(*this);
+    if (!m_sender) [[unlikely]]
+        return;
+    if (--m_slot.dispatching == 0 && m_slot.empty > 0) [[unlikely]]
+        m_slot.compact();
+}
+
+const ZTDelivery* ZTDelivery::activeEvent(const ZTBasePrivate* receiver)
+{
+    return receiver ? activeEvents.find(
+                          [&](const ZTDelivery& one) { return one.m_receiver == receiver; })
+                    : nullptr;
+}
+
+void ZTDelivery::forget(const ZTBasePrivate& receiver) noexcept
+{
+    activeEvents.forEach([&](ZTDelivery& one) {
+        if (one.m_receiver == &receiver)
+            one.m_receiver = nullptr;
+    });
 }
 
 namespace
 {
 /// Hands a handler that a host wrote on its own no more values than it takes.
-void callForeignHandler(ZTHandlerBase& handler, const ZTBase* subscriber, ZTEventValues& values)
+void callForeign(zt::detail::ZTHandlerBase& handler, const ZTBase* subscriber,
+                 void* const* addresses)
 {
     void* leading[zt::detail::maxParamCount] = {};
-    std::copy_n(values.addresses(handler), handler.parameterCount(), leading);
+    std::copy_n(addresses, handler.parameterCount(), leading);
     handler.invoke(handler.isMemberFunction() ? subscriber : nullptr, nullptr, leading);
 }
 
 void callHandler(const ZTSlotEntry& entry, ZTEventValues& values)
 {
     const ZTBase* subscriber = entry.subscriber ? entry.subscriber->object : nullptr;
-    ZTHandlerBase* handler = entry.record->ownedHandler();
-    if (!handler) {
-        const auto* invokable = std::get<const ZTMetaInvokable*>(entry.record->handler);
-        invokable->invoke(zt::detail::LentVariant(subscriber), values.array());
-    } else if (!handler->description) {
-        callForeignHandler(*handler, subscriber, values);
-    } else if (handler->description->takesArray) {
-        static_cast<zt::detail::ArrayHandler*>(handler)->invokeWith(values.array());
-    } else {
-        handler->invoke(subscriber, nullptr, values.addresses(*handler));
-    }
-}
-
-/// Whether a subscription is to be called now.
-bool isReached(const ZTSlotEntry& entry, const ZTDelivery& delivery, const ZTEventValues& values)
-{
-    if (!entry.record || (entry.subscriber && entry.subscriber->events.receivedEventBlockers))
-        return false;
-    if (delivery.isCurrent())
-        return entry.record->takesEvent;
-    if (const ZTHandlerBase* handler = entry.record->ownedHandler())
-        return values.areTakenBy(*handler);
-    return values.areTakenBy(*std::get<const ZTMetaInvokable*>(entry.record->handler));
-}
-
-/// Calls the handler of any subscription, if it is to be called now.
-[[gnu::noinline]] void deliverTo(const ZTSlotEntry& entry, ZTDelivery& delivery,
-                                 ZTEventValues& values)
-{
-    if (!isReached(entry, delivery, values))
-        return;
-    if (entry.subscriber)
-        delivery.enterReceiver(*entry.subscriber);
-    callHandler(entry, values);
+    const zt::detail::Handler& handler = entry.record->handler;
+    if (isInvokable(handler))
+        invokableOf(handler).invoke(zt::detail::LentVariant(subscriber), values.array());
+    else if (isForeign(handler))
+        callForeign(foreignOf(handler), subscriber, values.addresses(handler));
+    else if (handler.kind->takesArray)
+        handler.kind->call(handler.word, subscriber, &values.array());
+    else
+        handler.kind->call(handler.word, subscriber, values.addresses(handler));
 }
 } // namespace
 
-// What a handler may end, and what may move meanwhile, is not used behind its call.
-bool ZTDelivery::run(ZTBasePrivate& sender, ZTEventSlot& slot, int index, ZTEventValues& values)
+/// Whether a subscription is to be called now.
+bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues& values) const
 {
-    const ZTMetaInvokable* event = slot.eventOf(*sender.object, index);
-    if (!event)
+    if (!entry.record || (entry.subscriber && entry.subscriber->isBlockingReceived()))
         return false;
-    values.fitTo(*event);
-    ZTDelivery delivery(sender, slot, index, *event);
-    while (const ZTSlotEntry* entry = delivery.next()) {
-        ZTHandlerBase* handler = entry->typedHandler;
-        ZTBasePrivate* receiver = entry->subscriber;
-        // Nothing stands between the event and a member function or a callable of the receiver.
-        if (handler && receiver && !receiver->events.receivedEventBlockers && delivery.isCurrent())
-            [[likely]] {
-            delivery.enterReceiver(*receiver);
-            handler->invoke(receiver->object, nullptr, values.addresses(*handler));
+    return m_isCurrent ? entry.record->takesEvent
+                       : values.areTakenBy(zt::detail::HandlerView{entry.record->handler});
+}
+
+/// Calls the handler of any subscription, if it is to be called now.
+[[gnu::noinline]] void ZTDelivery::callOther(const ZTSlotEntry& entry, ZTEventValues& values)
+{
+    m_receiver = nullptr;
+    if (!isReached(entry, values))
+        return;
+    m_receiver = entry.subscriber;
+    callHandler(entry, values);
+}
+
+// What a handler may end, and what may move meanwhile, is not used behind its call.
+inline void ZTDelivery::callAll(ZTEventValues& values)
+{
+    while (m_next < m_end) {
+        const ZTSlotEntry& entry = m_slot.subscriptions[m_next++];
+        const auto call = entry.typedCall;
+        const ZTBasePrivate* receiver = entry.subscriber;
+        // Nothing stands between typed values and a function that takes them.
+        if (call && m_typed && receiver && !receiver->isBlockingReceived()) [[likely]] {
+            m_receiver = receiver;
+            call(entry.word, receiver->object, m_typed);
         } else {
-            deliverTo(*entry, delivery, values);
+            callOther(entry, values);
         }
-        delivery.leaveReceiver();
     }
-    return true;
+}
+
+[[gnu::always_inline]] inline void ZTDelivery::run(ZTBasePrivate& sender, ZTEventSlot& slot,
+                                                   ZTEventValues& values)
+{
+    const ZTMetaInvokable* event = slot.eventOf(*sender.object);
+    if (!event) [[unlikely]]
+        return reportNoEvent(*sender.object, slot.index);
+    values.fitTo(*event);
+    ZTDelivery(sender, slot, *event, values.typedAddresses()).callAll(values);
+}
+
+void ZTDelivery::runTyped(ZTBasePrivate& sender, ZTEventSlot& slot, const ZTMetaInvokable* declared,
+                          void** addresses)
+{
+    ZTEventValues values(declared, addresses);
+    run(sender, slot, values);
+}
+
+void ZTDelivery::runArray(ZTBasePrivate& sender, ZTEventSlot& slot,
+                          const ZTArgumentArray& arguments)
+{
+    ZTEventValues values(arguments);
+    run(sender, slot, values);
 }
 
 const ZTMetaInvokable* ZTBase::activeEvent() const
 {
-    return priv && priv->events.activeEvents ? priv->events.activeEvents->event() : nullptr;
+    const ZTDelivery* delivery = ZTDelivery::activeEvent(priv);
+    return delivery ? delivery->event() : nullptr;
 }
 
 int ZTBase::activeEventIndex() const
 {
-    return priv && priv->events.activeEvents ? priv->events.activeEvents->index() : -1;
+    const ZTDelivery* delivery = ZTDelivery::activeEvent(priv);
+    return delivery ? delivery->index() : -1;
 }
 
 ZTBase* ZTBase::eventSender() const
 {
-    const ZTBasePrivate* sender =
-        priv && priv->events.activeEvents ? priv->events.activeEvents->sender() : nullptr;
-    return sender ? sender->object : nullptr;
+    const ZTDelivery* delivery = ZTDelivery::activeEvent(priv);
+    return delivery && delivery->sender() ? delivery->sender()->object : nullptr;
 }

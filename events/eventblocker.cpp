@@ -21,43 +21,45 @@ ZTEventBlocker& ZTEventBlocker::operator=(const ZTEventBlocker& other)
 
 ZTEventBlocker::~ZTEventBlocker() { leave(); }
 
-namespace
-{
-ZTEventBlocker*& blockersOf(ZTEventEnds& ends, bool sent)
-{
-    return sent ? ends.sentEventBlockers : ends.receivedEventBlockers;
-}
-} // namespace
-
 void ZTEventBlocker::enter()
 {
-    if (!record)
-        return;
-    link = &blockersOf(record->events, blockSent);
-    next = *link;
-    *link = this;
-    if (next)
-        next->link = &next;
+    if (record)
+        record->extras.changeBlockers([this](ZTEventBlockers& blockers) { blockers.add(*this); });
 }
 
 void ZTEventBlocker::leave()
 {
-    if (!record)
-        return;
-    *link = next;
-    if (next)
-        next->link = link;
+    if (record)
+        record->extras.changeBlockers(
+            [this](ZTEventBlockers& blockers) { blockers.remove(*this); });
 }
 
-void ZTEventEnds::clearBlockers()
+void ZTEventBlockers::add(ZTEventBlocker& blocker)
 {
-    for (bool sent : {true, false}) {
-        ZTEventBlocker*& first = blockersOf(*this, sent);
-        for (; first; first = first->next)
-            first->record = nullptr;
-    }
+    ZTEventBlocker* second = m_first ? m_first : &blocker;
+    blocker.next = second;
+    blocker.previous = m_first ? m_first->previous : &blocker;
+    blocker.previous->next = &blocker;
+    second->previous = &blocker;
+    // Now it is the last, or the first: where the ring begins is all that tells the two apart.
+    if (!m_first || !blocker.blockSent)
+        m_first = &blocker;
 }
 
-bool ZTBase::isBlockingSentEvents() const { return priv && priv->events.sentEventBlockers; }
+void ZTEventBlockers::remove(ZTEventBlocker& blocker)
+{
+    blocker.previous->next = blocker.next;
+    blocker.next->previous = blocker.previous;
+    if (m_first == &blocker)
+        m_first = blocker.next == &blocker ? nullptr : blocker.next;
+}
 
-bool ZTBase::isBlockingReceivedEvents() const { return priv && priv->events.receivedEventBlockers; }
+void ZTEventBlockers::clear()
+{
+    for (; m_first; remove(*m_first))
+        m_first->record = nullptr;
+}
+
+bool ZTBase::isBlockingSentEvents() const { return priv && priv->isBlockingSent(); }
+
+bool ZTBase::isBlockingReceivedEvents() const { return priv && priv->isBlockingReceived(); }

@@ -6,27 +6,17 @@
 #include <new>
 #include <utility>
 
-using zt::detail::ZTHandlerBase;
+using zt::detail::HandlerView;
 
 namespace
 {
 /// Up to here a look at each entry costs less than an index.
 constexpr std::size_t fewEntries = 64;
 
-bool takesValuesOf(const ZTSubscriptionPrivate& subscription, const ZTMetaInvokable& event)
+decltype(ZTSlotEntry::typedCall) typedCallOf(const ZTSubscriptionPrivate& record)
 {
-    if (const ZTHandlerBase* handler = subscription.ownedHandler())
-        return zt::detail::takesLeadingOf(*handler, event);
-    return zt::detail::takesLeadingOf(*std::get<const ZTMetaInvokable*>(subscription.handler),
-                                      event);
-}
-
-/// The handler, if it takes the addresses of the event's values.
-ZTHandlerBase* typedHandlerOf(const ZTSubscriptionPrivate& subscription)
-{
-    ZTHandlerBase* handler = subscription.ownedHandler();
-    bool isTyped = handler && handler->description && !handler->description->takesArray;
-    return isTyped && subscription.takesEvent ? handler : nullptr;
+    return record.takesEvent && !record.handler.kind->takesArray ? record.handler.kind->call
+                                                                 : nullptr;
 }
 
 void endRecord(ZTSubscriptionPrivate& record, ZTLetGo& ended)
@@ -34,15 +24,16 @@ void endRecord(ZTSubscriptionPrivate& record, ZTLetGo& ended)
     if (record.subscriber)
         record.subscriber->events.removeReceived(record);
     record.active.store(false, std::memory_order_release);
-    ended.add(record.ownedHandler());
+    ended.add(keptOf(record.handler));
 }
 } // namespace
 
 void ZTEventSlot::add(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
     ZTSubscriptionPrivate& added = *record;
-    added.position = subscriptions.size();
-    subscriptions.push_back({std::move(record), {added.subscriber}, typedHandlerOf(added)});
+    added.position = static_cast<std::uint32_t>(subscriptions.size());
+    subscriptions.push_back(
+        {std::move(record), {added.subscriber}, typedCallOf(added), added.handler.word});
     ++listed;
     if (!m_index)
         return;
@@ -61,9 +52,10 @@ void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
     endRecord(record, ended);
     entry = {};
     --listed;
+    ++empty;
 }
 
-bool ZTEventSlot::endMatching(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
+bool ZTEventSlot::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
 {
     const std::size_t before = listed;
     if (pattern.subscriber && listed > fewEntries && makeIndex()) {
@@ -71,7 +63,7 @@ bool ZTEventSlot::endMatching(const ZTSubscriptionPrivate& pattern, ZTLetGo& end
     } else {
         for (std::size_t i = 0; i < subscriptions.size(); ++i)
             if (ZTSubscriptionPrivate* record = subscriptions[i].record.get())
-                if (record->matches(pattern))
+                if (pattern.means(*record))
                     end(*record, ended);
     }
     const bool any = listed < before;
@@ -79,18 +71,17 @@ bool ZTEventSlot::endMatching(const ZTSubscriptionPrivate& pattern, ZTLetGo& end
     return any;
 }
 
-void ZTEventSlot::endIndexed(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
+void ZTEventSlot::endIndexed(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
 {
-    auto* key = std::get_if<void*>(&pattern.handler);
     for (bool isComparable : {true, false}) {
-        if (!isComparable && key && *key)
+        if (!isComparable && pattern.hasHandler())
             return;
         std::size_t next = ZTSlotIndex::none;
         for (auto i = m_index->first(pattern.subscriber, isComparable); i != ZTSlotIndex::none;
              i = next) {
             next = m_index->after(i);
             ZTSubscriptionPrivate& record = *subscriptions[i].record;
-            if (record.matches(pattern))
+            if (pattern.means(record))
                 end(record, ended);
         }
     }
@@ -112,8 +103,10 @@ bool ZTEventSlot::makeIndex()
 
 void ZTEventSlot::endAll(ZTLetGo& ended)
 {
-    while (dispatching)
-        dispatching = dispatching->senderDied();
+    ZTDelivery::forEachOf(*this, [](ZTDelivery& delivery) {
+        delivery.m_end = 0;
+        delivery.m_sender = nullptr;
+    });
     for (ZTSlotEntry& entry : subscriptions)
         if (entry.record)
             endRecord(*entry.record, ended);
@@ -121,13 +114,13 @@ void ZTEventSlot::endAll(ZTLetGo& ended)
 
 void ZTEventSlot::compact()
 {
-    if (subscriptions.size() - listed <= listed + deliveries)
+    if (empty <= std::size_t{listed} + dispatching)
         return;
     m_index.reset();
     std::size_t kept = 0;
     for (ZTSlotEntry& entry : subscriptions) {
         if (entry.record)
-            entry.record->position = kept++;
+            entry.record->position = static_cast<std::uint32_t>(kept++);
         else
             entry.keptBefore = kept;
     }
@@ -135,31 +128,35 @@ void ZTEventSlot::compact()
         if (position >= subscriptions.size())
             return kept;
         const ZTSlotEntry& entry = subscriptions[position];
-        return entry.record ? entry.record->position : entry.keptBefore;
+        return entry.record ? std::size_t{entry.record->position} : entry.keptBefore;
     };
-    for (ZTDelivery* delivery = dispatching; delivery; delivery = delivery->m_outer) {
-        delivery->m_next = moved(delivery->m_next);
-        delivery->m_end = moved(delivery->m_end);
-    }
+    ZTDelivery::forEachOf(*this, [&](ZTDelivery& delivery) {
+        delivery.m_next = moved(delivery.m_next);
+        delivery.m_end = moved(delivery.m_end);
+    });
     for (ZTSlotEntry& entry : subscriptions) {
         ZTSlotEntry* place = entry.record ? &subscriptions[entry.record->position] : &entry;
         if (place != &entry)
             *place = std::exchange(entry, {});
     }
     subscriptions.resize(kept);
+    empty = 0;
 }
 
-void ZTEventSlot::askAnew(const ZTMetaClass& senderClass, int index)
+void ZTEventSlot::askAnew(const ZTMetaClass& senderClass)
 {
     m_descriptorsEnded = descriptorsEndedNow();
     m_class = &senderClass;
     m_event = senderClass.invokable(static_cast<unsigned int>(index));
-    for (ZTDelivery* delivery = dispatching; delivery; delivery = delivery->m_outer)
-        delivery->m_isCurrent = false;
+    ZTDelivery::forEachOf(*this, [](ZTDelivery& delivery) {
+        delivery.m_isCurrent = false;
+        delivery.m_typed = nullptr;
+    });
     for (ZTSlotEntry& entry : subscriptions) {
         if (!entry.record)
             continue;
-        entry.record->takesEvent = m_event && takesValuesOf(*entry.record, *m_event);
-        entry.typedHandler = typedHandlerOf(*entry.record);
+        entry.record->takesEvent =
+            m_event && zt::detail::takesLeadingOf(HandlerView{entry.record->handler}, *m_event);
+        entry.typedCall = typedCallOf(*entry.record);
     }
 }

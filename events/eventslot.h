@@ -5,8 +5,10 @@
 #include "subscriptionrecord.h"
 
 #include <zintar/base.h>
+#include <zintar/detail/blocks.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -20,10 +22,10 @@
 //    delivery has fixed, and takes part from the next send on that is not within that delivery. A
 //    nested send of the same event walks the same range.
 // 4. A delivery whose sender has died ends after the running handler, and touches nothing of the
-//    sender. It knows by being on the slot's stack of deliveries, which the sender's end tells.
-// 5. Each delivery to a receiver stands on the receiver's stack of active events while the handler
-//    runs, and is taken off if the receiver is still there, also when the subscription has ended,
-//    and also when the handler throws.
+//    sender; the sender's end tells it.
+// 5. Each delivery names its receiver while the handler runs, also when the subscription has ended,
+//    until the receiver has died. It stands among the active events of its thread, which the
+//    receiver's end tells, and leaves them also when the handler throws.
 // 6. A receiver whose destruction has gone past the class of a member function, or that a move has
 //    cut down to one of its base classes, is still subscribed, but the member function is not
 //    called on what is left of it.
@@ -47,55 +49,60 @@ struct ZTSlotEntry {
         /// Of an empty entry, while such are taken out: how many that are not stand in front of it.
         std::size_t keptBefore;
     };
-    /// The handler, if it is called with the addresses of the event's values and takes them.
-    zt::detail::ZTHandlerBase* typedHandler = nullptr;
+    /// Calls the handler, if that is called with the addresses of the event's values and takes
+    /// them; otherwise null.
+    decltype(zt::detail::HandlerKind::call) typedCall = nullptr;
+    std::uintptr_t word = 0;
 };
 
 /// The subscribers of one event of one sender.
-struct ZTEventSlot {
+struct ZTEventSlot : zt::detail::InBlocks {
+    explicit ZTEventSlot(int eventIndex) : index(eventIndex) {}
+
     /// May throw, and changes nothing then.
     void add(std::shared_ptr<ZTSubscriptionPrivate> record);
     /// Takes the subscription out of the slot and out of its subscriber's list, and its handler
     /// along.
     void end(ZTSubscriptionPrivate& record, ZTLetGo& ended);
     /// Ends all that the pattern means, and tells whether there were any.
-    bool endMatching(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended);
+    bool endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
     /// Ends everything together with the sender: deliveries, subscriptions.
     void endAll(ZTLetGo& ended);
     /// To be called when subscriptions have ended.
     void compact();
 
     /// The event by the class that the sender has now; null if there is none with that index.
-    const ZTMetaInvokable* eventOf(const ZTBase& sender, int index)
+    const ZTMetaInvokable* eventOf(const ZTBase& sender)
     {
         const ZTMetaClass* senderClass = sender.metaClass();
         if (senderClass != m_class || m_descriptorsEnded != descriptorsEndedNow()) [[unlikely]]
-            askAnew(*senderClass, index);
+            askAnew(*senderClass);
         return m_event;
     }
 
     /// In the order of delivery; empty where a subscription has ended.
     std::vector<ZTSlotEntry> subscriptions;
-    /// How many entries are not empty.
-    std::size_t listed = 0;
-    /// The innermost delivery that walks this slot; null when it is idle.
-    ZTDelivery* dispatching = nullptr;
-    /// How many deliveries walk it.
-    std::size_t deliveries = 0;
+    /// How many entries are not empty, and how many are.
+    std::uint32_t listed = 0;
+    std::uint32_t empty = 0;
+    /// How many deliveries walk this slot.
+    std::uint32_t dispatching = 0;
+    /// The class-wide index of the event.
+    const int index;
 
 private:
     [[nodiscard]] static unsigned int descriptorsEndedNow()
     {
         return zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
     }
-    void askAnew(const ZTMetaClass& senderClass, int index);
-    void endIndexed(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended);
+    void askAnew(const ZTMetaClass& senderClass);
+    void endIndexed(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
     bool makeIndex();
 
     // The last answer of `eventOf`.
+    unsigned int m_descriptorsEnded = 0;
     const ZTMetaClass* m_class = nullptr;
     const ZTMetaInvokable* m_event = nullptr;
-    unsigned int m_descriptorsEnded = 0;
     /// Null as long as nobody had to search among many.
     std::unique_ptr<ZTSlotIndex> m_index;
 };

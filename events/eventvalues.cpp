@@ -1,7 +1,5 @@
 #include "eventvalues.h"
 
-using zt::detail::ZTHandlerBase;
-
 namespace
 {
 /// A pointer to an object of a derived class is a value of a pointer to the base.
@@ -53,7 +51,7 @@ const ZTArgumentArray& ZTEventValues::array()
 }
 
 /// A value of another type than the handler takes is not handed to it as if it were one.
-void** ZTEventValues::collectAddresses(const ZTHandlerBase& handler)
+void* const* ZTEventValues::collectAddresses(const zt::detail::HandlerView& handler)
 {
     const ZTMetaType& variantType = ::ztMetaType<ZTVariant>();
     for (unsigned int i = 0; i < handler.parameterCount(); ++i) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "../reflection/parameters.h"
+#include "handlers.h"
 
-#include <zintar/detail/handlerbase.h>
 #include <zintar/detail/lent.h>
 #include <zintar/metaclass.h>
 
@@ -41,15 +41,17 @@ struct ZTEventValues {
 
     const ZTArgumentArray& array();
     /// Ten addresses, of which those of the handler's parameters are set.
-    void** addresses(const zt::detail::ZTHandlerBase& handler)
+    void* const* addresses(const zt::detail::Handler& handler)
     {
-        return m_addresses ? m_addresses : collectAddresses(handler);
+        return m_addresses ? m_addresses : collectAddresses({handler});
     }
+    /// The addresses of typed values; null when the values are an array.
+    [[nodiscard]] void* const* typedAddresses() const { return m_addresses; }
 
 private:
     [[nodiscard]] bool isValueOf(unsigned int position, const ZTMetaType& type) const;
     void fitToOther(const ZTMetaInvokable& event);
-    void** collectAddresses(const zt::detail::ZTHandlerBase& handler);
+    void* const* collectAddresses(const zt::detail::HandlerView& handler);
 
     const ZTArgumentArray* m_array = nullptr;
     const ZTMetaInvokable* m_declared = nullptr;

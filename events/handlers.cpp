@@ -1,10 +1,27 @@
-#include <zintar/detail/handlers.h>
+#include "handlers.h"
+
+#include <memory>
 
 namespace zt::detail
 {
+namespace
+{
+constexpr HandlerKind kindOf(bool isKept)
+{
+    HandlerKind kind;
+    kind.isKept = isKept;
+    return kind;
+}
+} // namespace
+
+constinit const HandlerKind invokableHandlers = kindOf(false);
+constinit const HandlerKind foreignHandlers = kindOf(true);
+
 ZTHandlerBase::~ZTHandlerBase() = default;
 
-void DescribedHandler::end()
+KeptHandler::~KeptHandler() = default;
+
+void KeptHandler::end()
 {
     if (m_running > 0)
         m_ended = true;
@@ -12,21 +29,61 @@ void DescribedHandler::end()
         delete this;
 }
 
-std::string_view DescribedHandler::typeName() const { return description->name; }
-
-unsigned int DescribedHandler::parameterCount() const { return description->parameterCount; }
-
-const ZTMetaType& DescribedHandler::parameterMetaType(unsigned int index) const
+Handler::Handler(ZTHandlerBase* foreign)
 {
-    return description->types[index]();
+    std::unique_ptr<ZTHandlerBase> owned(foreign);
+    if (!owned)
+        return;
+    word = reinterpret_cast<std::uintptr_t>(
+        static_cast<KeptHandler*>(new ForeignHandler(std::move(owned))));
+    kind = &foreignHandlers;
 }
 
-bool ArrayHandler::isMemberFunction() const { return false; }
+unsigned int HandlerView::parameterCount() const
+{
+    if (isInvokable(handler))
+        return invokableOf(handler).parameterCount();
+    return isForeign(handler) ? foreignOf(handler).parameterCount() : handler.kind->parameterCount;
+}
 
-bool ArrayHandler::isComparable() const { return false; }
+const ZTMetaType& HandlerView::parameterMetaType(unsigned int index) const
+{
+    if (isInvokable(handler))
+        return invokableOf(handler).parameterMetaType(index);
+    return isForeign(handler) ? foreignOf(handler).parameterMetaType(index)
+                              : handler.kind->types[index]();
+}
 
-bool ArrayHandler::equals(void*) const { return false; }
+bool HandlerView::isMemberFunction() const
+{
+    return isForeign(handler) ? foreignOf(handler).isMemberFunction()
+                              : handler.kind->isMemberFunction;
+}
 
-/// The dispatch hands such a handler the array instead.
-void ArrayHandler::invoke(const ZTBase*, void*, void**) {}
+std::string HandlerView::title() const
+{
+    if (isInvokable(handler))
+        return "handler " + std::string(invokableOf(handler).name());
+    return "handler type " +
+           std::string(isForeign(handler) ? foreignOf(handler).typeName() : handler.kind->name);
+}
+
+bool HandlerView::isComparable() const
+{
+    if (isForeign(handler))
+        return foreignOf(handler).isComparable();
+    return isInvokable(handler) || handler.kind->type;
+}
+
+bool HandlerView::equals(const HandlerKey& key) const
+{
+    if (isForeign(handler))
+        return foreignOf(handler).isComparable() &&
+               foreignOf(handler).equals(const_cast<HandlerKey*>(&key));
+    const HandlerKind& kind = *handler.kind;
+    if (!kind.type || *kind.type != key.type)
+        return false;
+    return kind.equals ? kind.equals(handler.word, key.function)
+                       : key.isWord && key.word == handler.word;
+}
 } // namespace zt::detail

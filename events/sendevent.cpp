@@ -7,7 +7,6 @@
 #include <zintar/typedvalue.h>
 
 #include <string>
-#include <utility>
 
 using zt::detail::suppliedCount;
 
@@ -51,19 +50,17 @@ bool fit(const ZTArgumentArray& arguments, const ZTMetaInvokable& event)
             return false;
     return true;
 }
-
-void deliver(ZTBasePrivate& sender, ZTEventSlot& slot, int index, ZTEventValues&& values)
-{
-    if (!ZTDelivery::run(sender, slot, index, values))
-        (void)hasEvent(*sender.object, index);
-}
-
-void deliver(ZTBasePrivate& sender, int index, ZTEventValues&& values)
-{
-    if (ZTEventSlot* slot = sender.events.heardSlot(index))
-        deliver(sender, *slot, index, std::move(values));
-}
 } // namespace
+
+void ZTDelivery::reportNoEvent(const ZTBase& sender, int index) { (void)hasEvent(sender, index); }
+
+ZTEventSlot* ZTBase::heardSlot(int index) const
+{
+    ZTEventSlot* slot = priv ? priv->heardSlot(index) : nullptr;
+    if (!slot && index < 0) [[unlikely]]
+        (void)hasEvent(*this, index);
+    return slot;
+}
 
 void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
 {
@@ -77,14 +74,38 @@ void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
         tellOfMisfits(*event, senderClass.typeName(), arguments);
         sender = watch.record();
     }
-    if (sender)
-        deliver(*sender, index, ZTEventValues(arguments));
+    if (ZTEventSlot* slot = sender ? sender->heardSlot(index) : nullptr)
+        ZTDelivery::runArray(*sender, *slot, arguments);
+}
+
+namespace
+{
+[[gnu::noinline]] void sendOtherwise(ZTBasePrivate& sender,
+                                     const zt::detail::DeclaredEvent& declared, void** addresses)
+{
+    if (ZTEventSlot* slot = sender.heardSlot(declared.index))
+        ZTDelivery::runTyped(sender, *slot, declared.descriptor, addresses);
+    else if (declared.index < 0)
+        (void)hasEvent(*sender.object, declared.index);
+}
+} // namespace
+
+/// The way of a sender with one event that is heard is short: it ends in the delivery, and needs no
+/// stack here.
+void ZTBase::sendValues(const zt::detail::DeclaredEvent& declared, void** addresses) const
+{
+    ZTEventSlot* slot = priv ? priv->events.eventSlots.findSingle(declared.index) : nullptr;
+    if (slot && slot->listed > 0 && priv->extras.areNone())
+        return ZTDelivery::runTyped(*priv, *slot, declared.descriptor, addresses);
+    if (!priv || (priv->events.eventSlots.areNone() && declared.index >= 0)) [[likely]]
+        return;
+    sendOtherwise(*priv, declared, addresses);
 }
 
 void ZTBase::sendValues(ZTEventSlot& slot, const zt::detail::DeclaredEvent& declared,
                         void** addresses) const
 {
-    deliver(*priv, slot, declared.index, ZTEventValues(declared.descriptor, addresses));
+    ZTDelivery::runTyped(*priv, slot, declared.descriptor, addresses);
 }
 
 void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
@@ -96,17 +117,9 @@ void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
 void zt::detail::EventRaiser::raise(const ZTLifeWatch& sender, const DeclaredEvent& declared,
                                     void** addresses)
 {
-    if (sender)
-        deliver(*sender.record(), declared.index, ZTEventValues(declared.descriptor, addresses));
-}
-
-ZTEventSlot* ZTBase::heardSlot(int index) const
-{
-    if (index < 0) [[unlikely]] {
-        (void)hasEvent(*this, index);
-        return nullptr;
-    }
-    return priv ? priv->events.heardSlot(index) : nullptr;
+    ZTBasePrivate* record = sender.record();
+    if (ZTEventSlot* slot = record ? record->heardSlot(declared.index) : nullptr)
+        ZTDelivery::runTyped(*record, *slot, declared.descriptor, addresses);
 }
 
 /// What the class of the object does not have under that index is not raised.

@@ -21,8 +21,8 @@ std::size_t ZTSlotIndex::bucketOf(const ZTBasePrivate* subscriber, bool isCompar
 
 std::size_t ZTSlotIndex::bucketOf(const ZTSlotEntry& entry) const
 {
-    const zt::detail::ZTHandlerBase* handler = entry.record->ownedHandler();
-    return bucketOf(entry.record->subscriber, !handler || handler->isComparable());
+    return bucketOf(entry.record->subscriber,
+                    zt::detail::HandlerView{entry.record->handler}.isComparable());
 }
 
 void ZTSlotIndex::link(const ZTSlotEntry& entry, std::size_t position)

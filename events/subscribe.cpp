@@ -1,35 +1,32 @@
 #include "../object/baseprivate.h"
 #include "../reflection/parameters.h"
-#include "eventslot.h"
 
 #include <zintar/log.h>
 
 #include <memory>
 #include <string>
-#include <utility>
 
-using zt::detail::ZTHandlerBase;
+using zt::detail::Handler;
+using zt::detail::HandlerView;
 
 namespace
 {
-/// A handler as the checks see it: an invokable, or what the host's templates made.
-struct HandlerView {
-    const ZTMetaInvokable* invokable = nullptr;
-    const ZTHandlerBase* handler = nullptr;
+/// Sees to the end of a handler that does not get into a subscription.
+class OwnedHandler
+{
+public:
+    explicit OwnedHandler(const Handler& handler) : m_handler(handler) {}
+    OwnedHandler(const OwnedHandler&) = delete;
+    OwnedHandler& operator=(const OwnedHandler&) = delete;
+    ~OwnedHandler()
+    {
+        if (zt::detail::KeptHandler* kept = keptOf(m_handler))
+            kept->end();
+    }
+    void release() { m_handler = {}; }
 
-    [[nodiscard]] unsigned int parameterCount() const
-    {
-        return handler ? handler->parameterCount() : invokable->parameterCount();
-    }
-    [[nodiscard]] const ZTMetaType& parameterMetaType(unsigned int index) const
-    {
-        return handler ? handler->parameterMetaType(index) : invokable->parameterMetaType(index);
-    }
-    [[nodiscard]] std::string title() const
-    {
-        return handler ? "handler type " + std::string(handler->typeName())
-                       : "handler " + std::string(invokable->name());
-    }
+private:
+    Handler m_handler;
 };
 
 bool fail(const ZTMetaInvokable& event, const std::string& reason)
@@ -59,7 +56,7 @@ bool checkParameters(const ZTMetaInvokable& event, const HandlerView& handler)
     const ZTMetaType& taken = handler.parameterMetaType(i);
     const ZTMetaType& supplied = event.parameterMetaType(i);
     std::string place = " at position " + std::to_string(i) + ". Event parameter type ";
-    if (handler.handler && !taken)
+    if (!isInvokable(handler.handler) && !taken)
         return fail(event, handler.title() + ". Parameter type not registered" + place +
                                quoted(supplied) + ".");
     return fail(event, handler.title() + ". Parameter type mismatch" + place + quoted(supplied) +
@@ -82,16 +79,29 @@ bool canBeSubscribedTo(const ZTBase* sender, const ZTMetaInvokable* event)
     return ZTBasePrivate::of(sender) && event && event->isEvent();
 }
 
+/// What can only be called on an object needs one.
+bool hasSubscriber(const ZTMetaInvokable& event, const ZTBase* subscriber, const Handler& handler)
+{
+    if (subscriber)
+        return true;
+    if (isInvokable(handler))
+        return failForCount(event, {handler});
+    return !HandlerView{handler}.isMemberFunction() ||
+           fail(event, "handler. The handler is a member function, but the subscriber was null");
+}
+
 bool isMovedFrom(const ZTBase* object) { return object && !ZTBasePrivate::of(object); }
 
-std::shared_ptr<ZTSubscriptionPrivate>
-makeRecord(const ZTBase* sender, const ZTMetaInvokable& event, const ZTBase* subscriber)
+std::shared_ptr<ZTSubscriptionPrivate> makeRecord(const ZTBase* sender,
+                                                  const ZTMetaInvokable& event,
+                                                  const ZTBase* subscriber, const Handler& handler)
 {
     using Allocator = zt::detail::BlockAllocator<ZTSubscriptionPrivate>;
     auto record = std::allocate_shared<ZTSubscriptionPrivate>(Allocator());
     record->sender = ZTBasePrivate::of(sender);
     record->subscriber = ZTBasePrivate::of(subscriber);
     record->event = &event;
+    record->handler = handler;
     record->active = true;
     record->eventIndex = event.index();
     return record;
@@ -101,63 +111,35 @@ makeRecord(const ZTBase* sender, const ZTMetaInvokable& event, const ZTBase* sub
 ZTSubscription ZTBase::subscribe(const ZTBase* sender, const ZTMetaInvokable* event,
                                  const ZTBase* subscriber, const ZTMetaInvokable* handler)
 {
-    if (!canBeSubscribedTo(sender, event) || isMovedFrom(subscriber) || !handler)
-        return {};
-    HandlerView view{handler, nullptr};
-    if (!subscriber) {
-        failForCount(*event, view);
-        return {};
-    }
-    if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
-        return {};
-    auto record = makeRecord(sender, *event, subscriber);
-    record->handler = handler;
-    return ZTEventEnds::addSubscription(std::move(record));
+    return subscribeImpl(sender, event, subscriber, zt::detail::handlerOf(handler));
 }
 
 ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
-                                     const ZTBase* subscriber, ZTHandlerBase* handler)
+                                     const ZTBase* subscriber, Handler handler)
 {
-    std::unique_ptr<ZTHandlerBase> owned(handler);
+    OwnedHandler owned(handler);
     if (!canBeSubscribedTo(sender, event) || isMovedFrom(subscriber) || !handler)
         return {};
-    HandlerView view{nullptr, handler};
-    if (!subscriber && handler->isMemberFunction()) {
-        fail(*event, "handler. The handler is a member function, but the subscriber was null");
+    if (!hasSubscriber(*event, subscriber, handler) || !checkParameters(*event, {handler}) ||
+        !checkClass(*sender, *event, {handler}))
         return {};
-    }
-    if (!checkParameters(*event, view) || !checkClass(*sender, *event, view))
-        return {};
-    auto record = makeRecord(sender, *event, subscriber);
-    record->handler = handler;
-    ZTSubscription subscription = ZTEventEnds::addSubscription(std::move(record));
-    (void)owned.release();
+    ZTSubscription subscription =
+        ZTEventEnds::addSubscription(makeRecord(sender, *event, subscriber, handler));
+    owned.release();
     return subscription;
 }
 
 ZTSubscription ZTBase::subscribeFor(const ZTBase* receiver, const ZTBase* sender,
-                                    const ZTMetaInvokable* event, ZTHandlerBase* handler)
+                                    const ZTMetaInvokable* event, Handler handler)
 {
     // Without a subscriber a callable would outlive what it captured.
-    if (receiver || !handler || handler->isMemberFunction())
+    if (receiver || !handler || HandlerView{handler}.isMemberFunction())
         return subscribeImpl(sender, event, receiver, handler);
-    std::unique_ptr<ZTHandlerBase> owned(handler);
+    OwnedHandler owned(handler);
     if (canBeSubscribedTo(sender, event))
         fail(*event,
              "handler. The handler was given with a subscriber, but the subscriber was null");
     return {};
-}
-
-ZTSubscription ZTEventEnds::addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record)
-{
-    ZTSubscription subscription(record);
-    ZTEventSlot& slot = record->sender->events.eventSlot(record->eventIndex);
-    // What the slot knows of its handlers is about the class that this one fits.
-    (void)slot.eventOf(*record->sender->object, record->eventIndex);
-    slot.add(record);
-    if (ZTBasePrivate* subscriber = record->subscriber)
-        subscriber->events.addReceived(*record);
-    return subscription;
 }
 
 namespace zt::detail

@@ -27,7 +27,7 @@ bool ZTSubscription::operator==(const ZTSubscription& other) const noexcept
     if (a == b)
         return true;
     return a && b && a->sender == b->sender && a->event == b->event &&
-           a->subscriber == b->subscriber && a->hasSameHandler(*b);
+           a->subscriber == b->subscriber && a->hasSameInvokable(*b);
 }
 
 ZTScopedSubscription& ZTScopedSubscription::operator=(ZTScopedSubscription&& other) noexcept

@@ -1,36 +1,11 @@
 #include "subscriptionrecord.h"
 
-#include <zintar/detail/handlerbase.h>
-
-bool ZTSubscriptionPrivate::hasSameHandler(const ZTSubscriptionPrivate& other) const
+bool ZTSubscriptionPattern::means(const ZTSubscriptionPrivate& record) const
 {
-    return handler == other.handler;
-}
-
-namespace
-{
-bool isNull(const ZTSubscriptionPrivate::Handler& handler)
-{
-    return std::visit([](auto* pointer) { return pointer == nullptr; }, handler);
-}
-
-bool fits(const ZTSubscriptionPrivate& subscription, const ZTSubscriptionPrivate& pattern)
-{
-    if (isNull(pattern.handler))
-        return true;
-    if (void* const* key = std::get_if<void*>(&pattern.handler)) {
-        const zt::detail::ZTHandlerBase* handler = subscription.ownedHandler();
-        return handler && handler->isComparable() && handler->equals(*key);
-    }
-    return subscription.hasSameHandler(pattern);
-}
-} // namespace
-
-bool ZTSubscriptionPrivate::matches(const ZTSubscriptionPrivate& pattern) const
-{
-    if (this == &pattern)
-        return true;
-    return (!pattern.sender || pattern.sender == sender) &&
-           (!pattern.subscriber || pattern.subscriber == subscriber) &&
-           (!pattern.event || pattern.event == event) && fits(*this, pattern);
+    if ((sender && sender != record.sender) || (subscriber && subscriber != record.subscriber) ||
+        (event && event != record.event))
+        return false;
+    if (invokable)
+        return isInvokable(record.handler) && &invokableOf(record.handler) == invokable;
+    return !key || zt::detail::HandlerView{record.handler}.equals(*key);
 }

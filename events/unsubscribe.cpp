@@ -1,26 +1,31 @@
 #include "../object/baseprivate.h"
-#include "eventslot.h"
 
 namespace
 {
-/// Up to here a subscriber's list is shorter to walk than the slots of a sender.
-constexpr unsigned int fewReceived = 16;
-
 void endSubscription(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
-    ZTEventSlot& slot = *record.sender->events.findSlot(record.eventIndex);
+    ZTEventSlot& slot = *record.sender->events.eventSlots.find(record.eventIndex);
     slot.end(record, ended);
     slot.compact();
 }
 
+/// Whether the list of a subscriber is shorter to walk than the slots of a sender.
+bool hasFewReceived(const ZTBasePrivate& subscriber)
+{
+    int left = 16;
+    for (auto* record = subscriber.events.senders; record && left > 0; record = record->next)
+        --left;
+    return left > 0;
+}
+
 /// Ends what the pattern means, by the list of its subscriber.
-bool endAmongReceived(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
+bool endAmongReceived(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
 {
     bool any = false;
     ZTSubscriptionPrivate* next = nullptr;
     for (auto* record = pattern.subscriber->events.senders; record; record = next) {
         next = record->next;
-        if (!record->matches(pattern))
+        if (!pattern.means(*record))
             continue;
         endSubscription(*record, ended);
         any = true;
@@ -29,20 +34,19 @@ bool endAmongReceived(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
 }
 } // namespace
 
-bool ZTEventEnds::endMatching(const ZTSubscriptionPrivate& pattern, ZTLetGo& ended)
+bool ZTEventEnds::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
 {
-    if (!eventSlots)
+    if (eventSlots.areNone())
         return false;
     // Whatever matches is in the lists of both ends.
-    if (pattern.subscriber && pattern.subscriber->events.senderCount <= fewReceived)
+    if (pattern.subscriber && hasFewReceived(*pattern.subscriber))
         return endAmongReceived(pattern, ended);
     if (pattern.event) {
-        ZTEventSlot* slot = findSlot(pattern.eventIndex);
+        ZTEventSlot* slot = eventSlots.find(pattern.eventIndex);
         return slot && slot->endMatching(pattern, ended);
     }
     bool any = false;
-    for (const auto& slot : *eventSlots)
-        any |= slot && slot->endMatching(pattern, ended);
+    eventSlots.forEach([&](ZTEventSlot& slot) { any |= slot.endMatching(pattern, ended); });
     return any;
 }
 
@@ -57,9 +61,15 @@ bool ZTBase::unsubscribe(const ZTSubscription& subscription)
     auto record = subscription.m_record.lock();
     if (!record || !record->isActive())
         return false;
-    // A handler that is owned is this subscription's alone: nothing else can match.
-    if (!record->ownedHandler())
-        return record->sender->events.endMatching(*record, ended);
+    if (isInvokable(record->handler)) {
+        const ZTSubscriptionPattern alike{record->sender,
+                                          record->subscriber,
+                                          record->event,
+                                          record->eventIndex,
+                                          &invokableOf(record->handler),
+                                          nullptr};
+        return record->sender->events.endMatching(alike, ended);
+    }
     endSubscription(*record, ended);
     return true;
 }
@@ -77,19 +87,19 @@ namespace
 {
 bool isMovedFrom(const ZTBase* object) { return object && !ZTBasePrivate::of(object); }
 
-bool removeByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBase* subscriber,
-                     ZTSubscriptionPrivate::Handler handler, bool hasHandler)
+bool endByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBase* subscriber,
+                  const ZTMetaInvokable* invokable, const zt::detail::HandlerKey* key)
 {
-    if (!ZTBasePrivate::of(sender) || isMovedFrom(subscriber) || (event && !event->isEvent()) ||
-        (hasHandler && !subscriber))
+    const ZTSubscriptionPattern pattern{ZTBasePrivate::of(sender),
+                                        ZTBasePrivate::of(subscriber),
+                                        event,
+                                        event ? event->index() : -1,
+                                        invokable,
+                                        key};
+    if (!pattern.sender || isMovedFrom(subscriber) || (event && !event->isEvent()) ||
+        (pattern.hasHandler() && !subscriber))
         return false;
     ZTLetGo ended;
-    ZTSubscriptionPrivate pattern;
-    pattern.sender = ZTBasePrivate::of(sender);
-    pattern.event = event;
-    pattern.eventIndex = event ? event->index() : -1;
-    pattern.subscriber = ZTBasePrivate::of(subscriber);
-    pattern.handler = handler;
     return pattern.sender->events.endMatching(pattern, ended);
 }
 } // namespace
@@ -97,17 +107,24 @@ bool removeByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const Z
 bool ZTBase::unsubscribe(const ZTBase* sender, const ZTMetaInvokable* event,
                          const ZTBase* subscriber, const ZTMetaInvokable* handler)
 {
-    return removeByPattern(sender, event, subscriber, handler, handler != nullptr);
+    return endByPattern(sender, event, subscriber, handler, nullptr);
 }
 
 bool ZTBase::unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                              const ZTBase* subscriber, void* key)
 {
-    return removeByPattern(sender, event, subscriber, key, key != nullptr);
+    return endByPattern(sender, event, subscriber, nullptr,
+                        static_cast<const zt::detail::HandlerKey*>(key));
 }
 
 void ZTEventEnds::endReceived(ZTLetGo& ended)
 {
     while (senders)
         endSubscription(*senders, ended);
+}
+
+void ZTEventEnds::endSent(ZTLetGo& ended)
+{
+    eventSlots.forEach([&](ZTEventSlot& slot) { slot.endAll(ended); });
+    eventSlots.clear();
 }

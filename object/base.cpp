@@ -41,7 +41,7 @@ ZTBase::~ZTBase()
     }
     ZTFarewell farewell(this);
     priv->stage = ZTLifeStage::Dying;
-    if (priv->events.areSent()) // somebody may listen
+    if (!priv->events.eventSlots.areNone()) // somebody may listen
         destroyed(this);
     ZTBasePrivate::end(priv);
 }

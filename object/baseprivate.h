@@ -1,20 +1,21 @@
 #pragma once
 
 #include "../events/eventends.h"
-#include "dynamicproperties.h"
+#include "extras.h"
 #include "hostcode.h"
-#include "references.h"
 #include "treenode.h"
 
 #include <zintar/base.h>
 #include <zintar/detail/blocks.h>
 
+#include <string_view>
+
 /// The record that holds all of an object's state, in parts that each belong to one subject. A move
 /// of the object hands the record over, so whatever names the record and not the object needs no
 /// care then.
 ///
-/// What runs on this thread and must know whether the record is still there is on one of its
-/// stacks: `watches`, the active events, or the deliveries of a slot. The destruction tells them.
+/// What runs on this thread and must know whether the record is still there is in one of the lists
+/// of the thread: a `ZTLifeWatch` or a `ZTDelivery`. The destruction tells them.
 struct ZTBasePrivate final : zt::detail::InBlocks, ZTTreeNode {
     using ZTTreeNode::ZTTreeNode;
 
@@ -26,6 +27,11 @@ struct ZTBasePrivate final : zt::detail::InBlocks, ZTTreeNode {
     void moveTo(ZTBase* newObject);
     /// Ends a record, which may be null, with all that the object was; see `~ZTBase`.
     static void end(ZTBasePrivate* record) noexcept;
+    void takeApart() noexcept;
+    void takeRestApart(ZTLetGo& ended) noexcept;
+    /// Whoever watches the record reads null from here on.
+    void tellWatches() noexcept;
+    void vanish() noexcept;
     /// Whether nothing refers to the object and it has nothing that has to be ended.
     bool isAlone() const;
     /// The object becomes what the other one was.
@@ -33,8 +39,34 @@ struct ZTBasePrivate final : zt::detail::InBlocks, ZTTreeNode {
     /// Whether the object's record can still be handed over.
     static bool hasRecordToGive(const ZTBase& object);
 
+    /// The slot of an event that somebody hears; null when a send would reach nobody.
+    [[nodiscard]] ZTEventSlot* heardSlot(int index) const;
+    [[nodiscard]] bool isBlockingSent() const;
+    [[nodiscard]] bool isBlockingReceived() const;
+    [[nodiscard]] ZTDynamicProperty* findDynamicProperty(std::string_view name) const;
+
     ZTEventEnds events;
-    ZTReferences references;
-    ZTDynamicProperties dynamicProperties;
-    ZTLifeWatch* watches = nullptr;
+    ZTExtras extras;
 };
+
+inline bool ZTBasePrivate::isBlockingSent() const
+{
+    return !extras.areNone() && extras.blockers().sentEventBlockers();
+}
+
+inline bool ZTBasePrivate::isBlockingReceived() const
+{
+    return !extras.areNone() && extras.blockers().receivedEventBlockers();
+}
+
+inline ZTEventSlot* ZTBasePrivate::heardSlot(int index) const
+{
+    ZTEventSlot* slot = events.eventSlots.find(index);
+    return slot && slot->listed > 0 && !isBlockingSent() ? slot : nullptr;
+}
+
+inline ZTDynamicProperty* ZTBasePrivate::findDynamicProperty(std::string_view name) const
+{
+    const ZTExtras::Parts* parts = extras.parts();
+    return parts ? parts->dynamicProperties.find(name) : nullptr;
+}

@@ -1,38 +1,76 @@
 #include "dynamicproperties.h"
 
+#include "threadlist.h"
+
+#include <algorithm>
+
+namespace
+{
+[[gnu::tls_model("initial-exec")]] thread_local constinit ZTThreadList<ZTValueReading> readings;
+} // namespace
+
+ZTValueReading::ZTValueReading(ZTDynamicProperty& property) noexcept
+    : m_property(&property), m_value(&property.value)
+{
+    readings.enter(*this);
+}
+
+ZTValueReading::~ZTValueReading() { readings.leave(*this); }
+
 void ZTDynamicProperty::leaveToReaders() noexcept
 {
-    if (!readings)
+    ZTValueReading* outermost = nullptr; // which goes last
+    readings.forEach([&](ZTValueReading& one) {
+        if (one.m_property == this)
+            outermost = &one;
+    });
+    if (!outermost)
         return;
-    // The outermost goes last.
-    ZTValueReading* outermost = readings;
-    while (outermost->m_below)
-        outermost = outermost->m_below;
     outermost->m_kept = std::move(value);
-    for (ZTValueReading* one = readings; one; one = one->m_below) {
-        one->m_property = nullptr;
-        one->m_value = &outermost->m_kept;
-    }
-    readings = nullptr;
+    readings.forEach([&](ZTValueReading& one) {
+        if (one.m_property != this)
+            return;
+        one.m_property = nullptr;
+        one.m_value = &outermost->m_kept;
+    });
+}
+
+// One by one: a list that goes by itself would take the stack for each.
+ZTDynamicProperties::~ZTDynamicProperties()
+{
+    while (m_first)
+        m_first = std::move(m_first->next);
+}
+
+bool ZTDynamicProperties::areFew() const
+{
+    int left = few;
+    for (const ZTDynamicProperty* one = m_first.get(); one && left > 0; one = one->next.get())
+        --left;
+    return left > 0;
 }
 
 void ZTDynamicProperties::add(std::string_view name, ZTVariant&& value)
 {
     auto added = std::make_unique<ZTDynamicProperty>(name, std::move(value));
-    if (!m_all)
-        m_all = std::make_unique<All>();
-    auto& [list, byName] = *m_all;
-    if (list.size() == list.capacity())
-        list.reserve(2 * list.capacity() + 1);
-    byName.add(added->name, added.get());
-    list.push_back(std::move(added));
+    if (m_index) {
+        m_index->add(added->name, added.get());
+    } else if (!areFew()) {
+        auto index = std::make_unique<Index>();
+        index->add(added->name, added.get());
+        for (ZTDynamicProperty* one = m_first.get(); one; one = one->next.get())
+            index->add(one->name, one);
+        m_index = std::move(index);
+    }
+    added->next = std::move(m_first);
+    m_first = std::move(added);
 }
 
 std::vector<std::string_view> ZTDynamicProperties::names() const
 {
     std::vector<std::string_view> names;
-    if (m_all)
-        for (const auto& property : m_all->list)
-            names.push_back(property->name);
+    for (const ZTDynamicProperty* one = m_first.get(); one; one = one->next.get())
+        names.push_back(one->name);
+    std::reverse(names.begin(), names.end()); // into the order of their beginning
     return names;
 }

@@ -11,8 +11,6 @@
 #include <utility>
 #include <vector>
 
-class ZTValueReading;
-
 /// A property that one object has got while the program runs.
 struct ZTDynamicProperty : zt::detail::InBlocks {
     ZTDynamicProperty(std::string_view newName, ZTVariant&& first)
@@ -27,35 +25,47 @@ struct ZTDynamicProperty : zt::detail::InBlocks {
 
     const std::string name;
     ZTVariant value;
-    /// The innermost of those that are reading the value.
-    ZTValueReading* readings = nullptr;
+    /// In the list of the object.
+    std::unique_ptr<ZTDynamicProperty> next;
 };
 
-/// The dynamic properties of an object.
+/// The dynamic properties of an object: a list, and an index as soon as that is too long to walk.
 ///
 /// They do not move and none leaves as long as the object lives, so views of their names stay good.
 class ZTDynamicProperties
 {
 public:
-    [[nodiscard]] bool areNone() const { return !m_all; }
+    ZTDynamicProperties() = default;
+    ZTDynamicProperties(const ZTDynamicProperties&) = delete;
+    ZTDynamicProperties& operator=(const ZTDynamicProperties&) = delete;
+    ~ZTDynamicProperties();
+
     /// The one with that name, or null.
     [[nodiscard, gnu::always_inline]] inline ZTDynamicProperty* find(std::string_view name) const
     {
-        const auto* found = m_all ? m_all->byName.find(name) : nullptr;
-        return found ? *found : nullptr;
+        if (m_index) {
+            ZTDynamicProperty* const* found = m_index->find(name);
+            return found ? *found : nullptr;
+        }
+        const zt::detail::NameKey key(name);
+        ZTDynamicProperty* one = m_first.get();
+        while (one && !(zt::detail::NameKey(one->name) == key))
+            one = one->next.get();
+        return one;
     }
-    /// There is none with that name.
+    /// There is none with that name. May throw, and changes nothing then.
     void add(std::string_view name, ZTVariant&& value);
     [[nodiscard]] std::vector<std::string_view> names() const;
 
 private:
-    struct All {
-        std::vector<std::unique_ptr<ZTDynamicProperty>> list;
-        zt::detail::NameIndex<ZTDynamicProperty*> byName;
-    };
+    using Index = zt::detail::NameIndex<ZTDynamicProperty*>;
 
-    /// Null until the first one is set.
-    std::unique_ptr<All> m_all;
+    /// To walk as many is as fast as to use an index.
+    static constexpr int few = 8;
+    [[nodiscard]] bool areFew() const;
+
+    std::unique_ptr<ZTDynamicProperty> m_first;
+    std::unique_ptr<Index> m_index;
 };
 
 /// Keeps the value of a dynamic property while code of the host copies it or compares it with
@@ -63,27 +73,24 @@ private:
 class ZTValueReading
 {
 public:
-    explicit ZTValueReading(ZTDynamicProperty& property) noexcept
-        : m_property(&property), m_value(&property.value), m_below(property.readings)
-    {
-        property.readings = this;
-    }
+    explicit ZTValueReading(ZTDynamicProperty& property) noexcept;
     ZTValueReading(const ZTValueReading&) = delete;
     ZTValueReading& operator=(const ZTValueReading&) = delete;
-    ~ZTValueReading()
-    {
-        if (m_property)
-            m_property->readings = m_below;
-    }
+    ~ZTValueReading();
 
     [[nodiscard]] const ZTVariant& value() const noexcept { return *m_value; }
 
 private:
     friend struct ZTDynamicProperty;
+    template <class Node>
+    friend class ZTThreadList;
 
-    ZTDynamicProperty* m_property;
+    /// Null once the property has another value.
+    const ZTDynamicProperty* m_property;
     const ZTVariant* m_value;
-    ZTValueReading* m_below;
     /// What the property had, in the outermost of those that were reading it then.
     ZTVariant m_kept;
+    // Among the readings of this thread.
+    ZTValueReading* m_below = nullptr;
+    ZTValueReading* m_above = nullptr;
 };

@@ -1,21 +1,19 @@
 #include "hostcode.h"
 
 #include "baseprivate.h"
+#include "threadlist.h"
 
 #include <zintar/detail/handlers.h>
 
 ZTLetGo::~ZTLetGo()
 {
-    while (zt::detail::ZTHandlerBase* handler = m_first) {
+    while (zt::detail::KeptHandler* handler = m_first) {
         m_first = handler->m_nextEnded;
-        if (handler->description)
-            static_cast<zt::detail::DescribedHandler*>(handler)->end();
-        else
-            delete handler;
+        handler->end();
     }
 }
 
-void ZTLetGo::add(zt::detail::ZTHandlerBase* handler) noexcept
+void ZTLetGo::add(zt::detail::KeptHandler* handler) noexcept
 {
     if (!handler)
         return;
@@ -23,20 +21,26 @@ void ZTLetGo::add(zt::detail::ZTHandlerBase* handler) noexcept
     m_end = &handler->m_nextEnded;
 }
 
+namespace
+{
+[[gnu::tls_model("initial-exec")]] thread_local constinit ZTThreadList<ZTLifeWatch> watches;
+} // namespace
+
 ZTLifeWatch::ZTLifeWatch(const ZTBase* object) noexcept : ZTLifeWatch(ZTBasePrivate::of(object)) {}
 
 ZTLifeWatch::ZTLifeWatch(ZTBasePrivate* record) noexcept : m_record(record)
 {
-    if (record) {
-        m_below = record->watches;
-        record->watches = this;
-    }
+    watches.enter(*this);
 }
 
-ZTLifeWatch::~ZTLifeWatch()
+ZTLifeWatch::~ZTLifeWatch() { watches.leave(*this); }
+
+void ZTBasePrivate::tellWatches() noexcept
 {
-    if (m_record)
-        m_record->watches = m_below;
+    watches.forEach([this](ZTLifeWatch& watch) {
+        if (watch.m_record == this)
+            watch.m_record = nullptr;
+    });
 }
 
 bool ZTLifeWatch::isStill(const ZTBase* object) const noexcept

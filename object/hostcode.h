@@ -16,7 +16,7 @@
 //    that they are destroyed last.
 // 2. Where it must go on behind code of the host, it watches what it goes on with: an object by
 //    `ZTLifeWatch`, the value of a dynamic property by `ZTValueReading`, the walk over a slot by
-//    `ZTDelivery`, a handler that runs by `DescribedHandler::Call`.
+//    `ZTDelivery`, a handler that runs by `KeptHandler::Call`.
 // 3. An operation takes the memory that it needs before it changes anything, so that a failing
 //    allocation leaves all as it was. Where code of the host stands in between, room is kept:
 //    `ZTJoining`. What destroys or ends something takes no memory at all.
@@ -56,9 +56,9 @@ public:
     ~ZTLetGo();
 
     /// @param handler  null adds nothing
-    void add(zt::detail::ZTHandlerBase* handler) noexcept;
+    void add(zt::detail::KeptHandler* handler) noexcept;
 
 private:
-    zt::detail::ZTHandlerBase* m_first = nullptr;
-    zt::detail::ZTHandlerBase** m_end = &m_first;
+    zt::detail::KeptHandler* m_first = nullptr;
+    zt::detail::KeptHandler** m_end = &m_first;
 };

@@ -1,5 +1,7 @@
 #include "lifetime.h"
 
+#include "../events/delivery.h"
+
 #include <utility>
 
 namespace
@@ -26,7 +28,8 @@ void ZTBasePrivate::moveTo(ZTBase* newObject)
 {
     ZTBase* oldObject = object;
     standFor(newObject);
-    references.pointTo(newObject);
+    if (ZTExtras::Parts* parts = extras.parts())
+        parts->references.pointTo(newObject);
     oldObject->priv = nullptr;
     newObject->priv = this;
     stage = ZTLifeStage::Alive; // the object that was dying stays behind
@@ -60,38 +63,53 @@ void ZTBasePrivate::replace(ZTBase* object, ZTBase& other)
 
 bool ZTBasePrivate::isAlone() const
 {
-    return !parent && children.empty() && events.areNone() && references.areNone() &&
-           dynamicProperties.areNone() && !watches;
+    return !parent && children.empty() && events.areNone() && extras.areNone();
+}
+
+void ZTBasePrivate::end(ZTBasePrivate* record) noexcept
+{
+    if (!record)
+        return;
+    if (record->isAlone())
+        record->vanish();
+    else
+        record->takeApart();
 }
 
 // The order is what hosts rely on. Handlers run until the last child is gone, and find the record
 // in its place. Then everything is taken apart at once, and what belongs to the host goes last.
-void ZTBasePrivate::end(ZTBasePrivate* record) noexcept
+void ZTBasePrivate::takeApart() noexcept
 {
-    if (!record || record->isAlone()) {
-        delete record;
-        return;
-    }
     ZTLetGo ended;
-    ZTDynamicProperties properties;
-    record->stage = ZTLifeStage::TornDown;
-    record->events.endReceived(ended);
-    if (record->parent)
-        record->setParent(nullptr);
-    record->deleteChildren();
+    stage = ZTLifeStage::TornDown;
+    events.endReceived(ended);
+    if (parent)
+        setParent(nullptr);
+    deleteChildren(); // as deep as the tree is, so here is little on the stack
+    takeRestApart(ended);
+}
 
-    record->events.endReceived(ended); // what a handler has subscribed meanwhile
-    record->references.clearWeak();
-    record->events.clearBlockers();
-    const bool wasHeld = record->references.clearStrong();
-    record->events.leaveDeliveries();
-    for (ZTLifeWatch* watch = record->watches; watch; watch = watch->m_below)
-        watch->m_record = nullptr;
-    record->events.endSent(ended);
-    properties = std::move(record->dynamicProperties);
-    if (record->object->priv == record)
-        record->object->priv = nullptr;
-    delete record;
+[[gnu::noinline]] void ZTBasePrivate::takeRestApart(ZTLetGo& ended) noexcept
+{
+    events.endReceived(ended); // what a handler has subscribed meanwhile
+    const ZTExtras lastParts = std::move(extras);
+    bool wasHeld = false;
+    if (ZTExtras::Parts* parts = lastParts.parts()) {
+        parts->references.clearWeak();
+        wasHeld = parts->references.clearStrong();
+    }
+    lastParts.blockers().clear();
+    events.endSent(ended);
+    if (object->priv == this)
+        object->priv = nullptr;
+    vanish();
     if (wasHeld)
         ZTReferences::warnOfHeldObject();
+}
+
+[[gnu::noinline]] void ZTBasePrivate::vanish() noexcept
+{
+    ZTDelivery::forget(*this);
+    tellWatches();
+    delete this;
 }

@@ -35,7 +35,7 @@ void changeDynamicProperty(ZTBasePrivate& record, ZTDynamicProperty* property,
     ZTLifeWatch self(&record);
     if (property && (!isDifferent(*property, value) || !self))
         return;
-    const bool isHeard = record.events.areSent(); // or somebody may listen, at least
+    const bool isHeard = !record.events.eventSlots.areNone(); // or somebody may listen, at least
     if (!isHeard && property && zt::detail::assignInPlace(property->value, value))
         return;
     const std::string key(name); // the copies below may end what the name is in
@@ -45,9 +45,9 @@ void changeDynamicProperty(ZTBasePrivate& record, ZTDynamicProperty* property,
     ZTVariant copy(value);
     if (!self)
         return;
-    property = record.dynamicProperties.find(key);
+    property = record.findDynamicProperty(key);
     if (!property) {
-        record.dynamicProperties.add(key, std::move(copy));
+        record.extras.needParts().dynamicProperties.add(key, std::move(copy));
     } else {
         property->leaveToReaders();
         old = std::exchange(property->value, std::move(copy));
@@ -60,9 +60,10 @@ void changeDynamicProperty(ZTBasePrivate& record, ZTDynamicProperty* property,
 
 void setDynamicProperty(ZTBasePrivate& record, std::string_view name, const ZTVariant& value)
 {
-    ZTDynamicProperty* property = record.dynamicProperties.find(name);
+    ZTDynamicProperty* property = record.findDynamicProperty(name);
     // Where nobody listens, no code of the host comes between one built-in value and another.
-    if (property && !record.events.areSent() && ZTMetaTypePrivate::of(value.type()).isBuiltIn &&
+    if (property && record.events.eventSlots.areNone() &&
+        ZTMetaTypePrivate::of(value.type()).isBuiltIn &&
         (!(property->value != value) || zt::detail::assignInPlace(property->value, value)))
         return;
     changeDynamicProperty(record, property, name, value);
@@ -88,13 +89,13 @@ const ZTMetaProperty* ZTBase::declaredProperty(std::string_view name) const
 
 const ZTVariant* ZTBase::dynamicProperty(std::string_view name) const
 {
-    const auto* found = priv ? priv->dynamicProperties.find(name) : nullptr;
+    const auto* found = priv ? priv->findDynamicProperty(name) : nullptr;
     return found ? &found->value : nullptr;
 }
 
 ZTVariant ZTBase::copyOfDynamicProperty(std::string_view name) const
 {
-    auto* found = priv ? priv->dynamicProperties.find(name) : nullptr;
+    auto* found = priv ? priv->findDynamicProperty(name) : nullptr;
     if (!found)
         return {};
     ZTValueReading reading(*found);
@@ -103,5 +104,6 @@ ZTVariant ZTBase::copyOfDynamicProperty(std::string_view name) const
 
 std::vector<std::string_view> ZTBase::dynamicProperties() const
 {
-    return priv ? priv->dynamicProperties.names() : std::vector<std::string_view>();
+    const ZTExtras::Parts* parts = priv ? priv->extras.parts() : nullptr;
+    return parts ? parts->dynamicProperties.names() : std::vector<std::string_view>();
 }

@@ -24,7 +24,7 @@ ZTRefImpl* ZTRefImpl::get(const ZTBase* object)
     ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (!record)
         return nullptr;
-    ZTRefImpl*& block = record->references.refImpl;
+    ZTRefImpl*& block = record->extras.needParts().references.refImpl;
     if (!block)
         block = new ZTRefImpl(record->object);
     else if (block->refCount++ == 0) // the earlier ones have gone, or are just going
@@ -45,13 +45,14 @@ ZTStrongRefImpl* ZTStrongRefImpl::get(const ZTBase* object)
     ZTBasePrivate* record = ZTBasePrivate::of(object);
     if (!record)
         return nullptr;
-    if (record->references.strongRefImpl) {
-        ++record->references.strongRefImpl->refCount;
+    ZTStrongRefImpl*& block = record->extras.needParts().references.strongRefImpl;
+    if (block) {
+        ++block->refCount;
     } else {
         (void)heldAtEnd();
-        record->references.strongRefImpl = new ZTStrongRefImpl(record);
+        block = new ZTStrongRefImpl(record);
     }
-    return record->references.strongRefImpl;
+    return block;
 }
 
 ZTStrongRefImpl::ZTStrongRefImpl(ZTBasePrivate* of) noexcept
@@ -64,7 +65,7 @@ ZTStrongRefImpl::~ZTStrongRefImpl()
     if (!held)
         return;
     // First, so that the object's end finds no block and has nothing to complain about.
-    record->references.strongRefImpl = nullptr;
+    record->extras.parts()->references.strongRefImpl = nullptr;
     // A reference that was taken while the object dies is not the one that ends it.
     if (record->stage == ZTLifeStage::Alive)
         delete held;

@@ -45,13 +45,14 @@ struct ZTTreeNode {
     ZTTreeNode* parent = nullptr;
     std::vector<ZTBase*> children;
     std::uint32_t rank = 0;
-    /// How many objects are about to become children, for which there is room already.
-    std::uint32_t expectedChildren = 0;
-    ZTLifeStage stage = ZTLifeStage::Alive;
+    /// How many objects are about to become children, for which there is room already. Each has a
+    /// `setParent` on the stack of the thread, so the bits are enough.
+    std::uint32_t expectedChildren : 24 = 0;
+    ZTLifeStage stage : 2 = ZTLifeStage::Alive;
     /// The object is between two parents; see `setParent`.
-    bool isMoving = false;
+    bool isMoving : 1 = false;
     /// The object is out of its parent's list already, and the parent is still to be told.
-    bool hasLeftParent = false;
+    bool hasLeftParent : 1 = false;
 
 private:
     /// Where the object stands among its parent's children; their number if it does not.

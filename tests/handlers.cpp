@@ -44,7 +44,7 @@ struct zt::detail::HandlerParameters<host::RawHandler*, zt::detail::UnknownParam
     using type = zt::detail::Parameters<>;
 };
 template <>
-zt::detail::ZTHandlerBase*
+zt::detail::Handler
 zt::detail::makeHandler<ZTBase, zt::detail::UnknownParameters, host::RawHandler*>(
     host::RawHandler* handler)
 {

@@ -217,7 +217,7 @@ public:
             if constexpr (isInvokablePointer<Handler> || std::is_null_pointer_v<Handler>) {
                 return unsubscribe(sender, descriptor, receiver, handler);
             } else {
-                HandlerKey key{typeid(Handler), &handler};
+                HandlerKey key = keyOf(handler);
                 return unsubscribeImpl(sender, descriptor, receiver, &key);
             }
         } else {
@@ -266,19 +266,19 @@ private:
     friend struct zt::detail::TypedEvent;
 
     static ZTSubscription subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
-                                        const ZTBase* subscriber,
-                                        zt::detail::ZTHandlerBase* handler);
+                                        const ZTBase* subscriber, zt::detail::Handler handler);
     /// A handler that a receiver bounds: refused without one, like a member function.
     static ZTSubscription subscribeFor(const ZTBase* receiver, const ZTBase* sender,
-                                       const ZTMetaInvokable* event,
-                                       zt::detail::ZTHandlerBase* handler);
+                                       const ZTMetaInvokable* event, zt::detail::Handler handler);
     static bool unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                 const ZTBase* subscriber, void* key);
 
     /// The subscribers of that event; null when a send would reach nobody. Reports a negative
     /// index.
     [[nodiscard]] ZTEventSlot* heardSlot(int index) const;
-    /// Sends values of the types that the event declares, given by their addresses.
+    /// Sends values of the types that the event declares, given by their addresses, if anybody
+    /// hears them. Values that cost nothing to copy are copied before that is asked.
+    void sendValues(const zt::detail::DeclaredEvent& declared, void** values) const;
     void sendValues(ZTEventSlot& slot, const zt::detail::DeclaredEvent& declared,
                     void** values) const;
 

@@ -22,7 +22,7 @@ public:
     ~ZTEventBlocker();
 
 private:
-    friend struct ZTEventEnds;
+    friend class ZTEventBlockers;
 
     void enter();
     void leave();
@@ -30,7 +30,7 @@ private:
     /// Of the object, which may move meanwhile; null where there is nothing to block.
     ZTBasePrivate* record;
     bool blockSent;
-    // In the list of the object: the next one, and what points to this one.
+    // In the ring of the object's blockers.
     ZTEventBlocker* next = nullptr;
-    ZTEventBlocker** link = nullptr;
+    ZTEventBlocker* previous = nullptr;
 };

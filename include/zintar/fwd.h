@@ -47,6 +47,7 @@ struct ZTDynamicBasePrivate;
 struct ZTSubscriptionPrivate;
 struct ZTEventSlot;
 struct ZTEventEnds;
+class ZTEventBlockers;
 struct ZTReferences;
 class ZTLetGo;
 class ZTLifeWatch;
@@ -54,6 +55,9 @@ class ZTLifeWatch;
 namespace zt::detail
 {
 struct ZTHandlerBase;
+struct Handler;
+struct HandlerKey;
+struct KeptHandler;
 struct ZTRefImpl;
 struct ZTStrongRefImpl;
 

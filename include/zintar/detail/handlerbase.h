@@ -8,8 +8,6 @@
 
 namespace zt::detail
 {
-struct HandlerDescription;
-
 /// What a subscription calls, when it is not an invokable of a class. The library owns a handler
 /// from the moment it is given one, checks its parameters against the event once, and calls it.
 struct ZT_EXPORT ZTHandlerBase {
@@ -30,14 +28,5 @@ struct ZT_EXPORT ZTHandlerBase {
     [[nodiscard]] virtual bool isComparable() const = 0;
     /// Whether the handler wraps what `key` denotes; asked only when it is comparable.
     [[nodiscard]] virtual bool equals(void* key) const = 0;
-
-    /// What the library knows of a handler that its own templates made; otherwise null.
-    const HandlerDescription* description = nullptr;
-
-private:
-    friend class ::ZTLetGo;
-
-    /// Among the handlers whose subscriptions one operation has ended.
-    ZTHandlerBase* m_nextEnded = nullptr;
 };
 } // namespace zt::detail

@@ -22,9 +22,12 @@ public:
     [[nodiscard]] ZTBasePrivate* record() const noexcept { return m_record; }
 
 private:
+    template <class Node>
+    friend class ZTThreadList;
     friend struct ZTBasePrivate;
 
     ZTBasePrivate* m_record;
-    /// The watch of the same object that was there before.
+    // Among the watches of this thread.
     ZTLifeWatch* m_below = nullptr;
+    ZTLifeWatch* m_above = nullptr;
 };

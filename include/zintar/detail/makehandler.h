@@ -313,25 +313,18 @@ template <class F>
 using FreeSubscription = std::conditional_t<std::is_class_v<F> && !std::is_empty_v<F>,
                                             ZTScopedSubscription, ZTSubscription>;
 
-template <class Receiver, class F, class Params>
-ZTHandlerBase* makeTypedHandler(F handler, Params)
-{
-    if constexpr (isMemberPointer<F>)
-        return new MemberHandler<Receiver, F>(handler);
-    else
-        return new CallableHandler<F, Params>(std::move(handler));
-}
-
-/// Makes the handler for what a host wrote. Null for a null pointer and an empty `std::function`.
+/// Makes the handler for what a host wrote. None for a null pointer and an empty `std::function`.
 template <class Receiver, class EventParams, class F>
-ZTHandlerBase* makeHandler(F handler)
+Handler makeHandler(F handler)
 {
     if (isNullCallable(handler))
-        return nullptr;
+        return {};
     if constexpr (TakesArgumentArray<F>)
-        return new ArrayCallableHandler<F>(std::move(handler));
+        return CallableHandler<F, ZTArgumentArray>::make(std::move(handler));
+    else if constexpr (isMemberPointer<F>)
+        return MemberHandler<Receiver, F>::make(handler);
     else
-        return makeTypedHandler<Receiver>(std::move(handler),
-                                          typename HandlerParameters<F, EventParams>::type{});
+        return CallableHandler<F, typename HandlerParameters<F, EventParams>::type>::make(
+            std::move(handler));
 }
 } // namespace zt::detail

@@ -38,13 +38,22 @@ struct TypedEvent<Event, Parameters<P...>> {
             static_assert(fits, "sendEvent takes what converts to the parameters of the event.");
             if constexpr (fits) {
                 const DeclaredEvent& event = declared();
-                if (ZTEventSlot* slot = sender.heardSlot(event.index)) [[unlikely]]
+                if constexpr (areTrivial<std::decay_t<Arguments>...>)
+                    withCopies([&](void** values) { sender.sendValues(event, values); },
+                               std::forward<Arguments>(arguments)...);
+                else if (ZTEventSlot* slot = sender.heardSlot(event.index)) [[unlikely]]
                     deliver(sender, *slot, event, std::forward<Arguments>(arguments)...);
             }
         }
     }
 
 private:
+    /// Whether nothing is saved by asking first whether anybody hears the event.
+    template <class... Arguments>
+    static constexpr bool areTrivial = ((std::is_trivially_copyable_v<Held<P>> &&
+                                         sizeof(Held<P>) <= 2 * sizeof(void*) &&
+                                         isPlainCopy<Held<P>, Arguments>)&&...);
+
     // Out of line, so that a send that nobody hears is short.
     template <class Sender, class... Arguments>
     [[gnu::noinline]] static void deliver(const Sender& sender, ZTEventSlot& slot,
@@ -67,7 +76,7 @@ private:
         std::tuple<Held<P>...> values(hold<P>(std::forward<Arguments>(arguments))...);
         std::apply(
             [&](auto&... value) {
-                void* addresses[] = {std::addressof(value)..., nullptr};
+                void* addresses[sizeof...(P) > 0 ? sizeof...(P) : 1] = {std::addressof(value)...};
                 send(addresses);
             },
             values);
