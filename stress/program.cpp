@@ -22,7 +22,7 @@ const Words& wordsOf(char letter)
         {'r', "said told shifted"}, // to raise
         {'k', "callable array function scoped member leadmember descriptor"},
         {'w', "typed byindex byname"},
-        {'f', "all ofevent ofmember ofdescriptor"},
+        {'f', "all ofevent ofmember ofdescriptor anymember anydescriptor"},
         {'v', "nothing number cargo"},
         {'y', "nothing number text"}, // that an event carries
         {'d', "received sent"},

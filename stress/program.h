@@ -28,7 +28,7 @@ enum class Class { Actor, Lead, Shifter };
 /// What the event of a shifter's class carries.
 enum class Sort { Nothing, Number, Text };
 enum class Way { Typed, ByIndex, ByName };
-enum class Form { All, OfEvent, OfMember, OfDescriptor };
+enum class Form { All, OfEvent, OfMember, OfDescriptor, AnyMember, AnyDescriptor };
 
 constexpr int scriptCount = 6; ///< 0 is the main one; as an operand it is none
 constexpr int objectCount = 6;

@@ -18,12 +18,15 @@ int numberOf(const std::string& text) { return std::max(int(text.size()) - least
 int numberOf(const ZTBase*) { return -1; }
 int numberOf(const ZTArgumentArray& array) { return numberIn(array[0]); }
 
-/// A callable that captures. Nothing of it is used once the world was told.
+/// A callable that captures. It stays whole to its end, also when its subscription ends meanwhile.
 template <class Argument>
 struct Listener {
     void operator()(Argument argument) const
     {
+        Id before = subscription;
         world().heard(subscription, kind, nullptr, numberOf(argument));
+        if (subscription != before || cargo.hooks.atEnd < 0)
+            mismatch("what a handler captured goes while it runs");
     }
     Id subscription;
     Kind kind;
@@ -244,37 +247,33 @@ void World::unsubscribe(const Operands& o)
     auto event = Event(o[2]);
     Id from = soulIn(o[0]), to = o[1] == nobody ? none : soulIn(o[1]);
     auto form = Form(o[3]);
-    bool isNamed = form == Form::OfMember || form == Form::OfDescriptor;
+    bool isMember = form == Form::OfMember || form == Form::AnyMember;
+    bool isNamed = isMember || form == Form::OfDescriptor || form == Form::AnyDescriptor;
+    bool isAnyEvent = form == Form::All || form >= Form::AnyMember;
     if (isNamed || event == Event::Shifted) // whose descriptors come and go
         event = Event::Said;
     if (form == Form::OfMember && !wholeBodyIn(o[0]))
         return;
     bool isEmpty = from == none || (receiver && to == none) || (isNamed && !receiver);
     m_model.endWhere([&](Id, const Subscription& one) {
-        bool isKind =
-            !isNamed || one.kind == (form == Form::OfMember ? Kind::Member : Kind::Descriptor);
+        bool isKind = !isNamed || one.kind == (isMember ? Kind::Member : Kind::Descriptor);
         return !isEmpty && one.sender == from && (!receiver || one.receiver == to) && isKind &&
-               (form == Form::All || one.event == event);
+               (isAnyEvent || one.event == event);
     });
     bool mustEnd = m_model.anyCertain, mayEnd = m_model.anyPossible;
-    const ZTMetaInvokable* anyHandler = nullptr;
+    const ZTMetaInvokable* described = isAnyEvent ? nullptr : descriptorOf(event);
+    const auto* note = isNamed ? Actor::typeMetaClass().invokable<void(int)>("note") : nullptr;
     bool ended = false;
     Outcome outcome = library([&] {
-        switch (form) {
-        case Form::All:
+        if (form == Form::All)
             ended = sender->unsubscribe(receiver);
-            break;
-        case Form::OfEvent:
-            ended = ZTBase::unsubscribe(sender, descriptorOf(event), receiver, anyHandler);
-            break;
-        case Form::OfMember:
+        else if (form == Form::OfMember)
             ended = ZTBase::unsubscribe(static_cast<Actor*>(sender), &Actor::said, receiver,
                                         &Actor::hear);
-            break;
-        case Form::OfDescriptor:
-            ended = ZTBase::unsubscribe(sender, descriptorOf(event), receiver,
-                                        Actor::typeMetaClass().invokable<void(int)>("note"));
-        }
+        else if (isMember)
+            ended = ZTBase::unsubscribe(sender, described, receiver, &Actor::hear);
+        else
+            ended = ZTBase::unsubscribe(sender, described, receiver, note);
     });
     if (outcome == Outcome::Done && (ended ? !mayEnd : mustEnd))
         mismatch("an unsubscribe answers wrongly");

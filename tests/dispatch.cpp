@@ -2,7 +2,6 @@
 #include "support/hostclasses.h"
 
 #include <limits>
-#include <optional>
 
 namespace
 {
@@ -14,7 +13,6 @@ class Dispatch : public SpeechTest
 protected:
     std::unique_ptr<Hearer> a = listening("a"), b = listening("b");
 };
-using EventBlocker = Dispatch;
 
 TEST_F(Dispatch, IndexOutOfRangeIsToldAndDeliversNothing)
 {
@@ -93,72 +91,5 @@ TEST_F(Dispatch, ValuesAreCopiedOnceForAll)
     seen = &array[0];
     speaker->sendEvent(6, array);
     EXPECT_EQ(Counted::copies, 2);
-}
-
-TEST_F(Dispatch, ReceiverKnowsTheEventThatItHandles)
-{
-    Speaker other("other");
-    ZTBase::subscribe(&other, &Speaker::told, a.get(), [&] { diary.add(a->active()); });
-    // A callable has the event of its receiver, and makes it nobody else's.
-    ZTBase::subscribe(speaker.get(), &Speaker::carried, a.get(), [&] {
-        other.told("x", 1);
-        diary.add(a->active() + " " + b->active());
-    });
-    speaker->carried(ZTVariant(), 1);
-    EXPECT_EQ(diary.take() + " " + a->active(), "told 5 of other carried 6 of speaker idle idle");
-}
-
-TEST_F(EventBlocker, BlockedReceiverDoesNotHear)
-{
-    ZTBase::subscribe(speaker.get(), &Speaker::said, b.get(), [&](int) { diary.add("lambda"); });
-    auto free = ZTBase::subscribe(speaker.get(), &Speaker::said, [&] { diary.add("free"); });
-    std::optional<ZTEventBlocker> blocker;
-    // It is asked when its turn comes.
-    a->then = [&] { blocker ? blocker.reset() : (void)blocker.emplace(b.get(), false); };
-    EXPECT_EQ(say(1), "a:1 free");
-    EXPECT_EQ(say(2), "a:2 b:2 lambda free");
-}
-
-TEST_F(EventBlocker, BlockersNestInAnyOrder)
-{
-    std::optional<ZTEventBlocker> first, second;
-    for (bool firstGoesFirst : {true, false}) {
-        first.emplace(speaker.get(), true);
-        second.emplace(speaker.get(), true);
-        (firstGoesFirst ? first : second).reset();
-        EXPECT_EQ(say(1), "");
-        (firstGoesFirst ? second : first).reset();
-        EXPECT_EQ(say(2), "a:2 b:2");
-    }
-}
-
-TEST_F(EventBlocker, BlockerOutlivesItsObject)
-{
-    ZTBase::subscribe(speaker.get(), &ZTBase::destroyed, a.get(), [&] { diary.add("died"); });
-    ZTEventBlocker sent(speaker.get(), true), received(speaker.get(), false);
-    speaker.reset();
-    EXPECT_EQ(diary.take(), "");
-    speaker = std::make_unique<Speaker>();
-    Speaker heir(std::move(*speaker));
-    ZTEventBlocker ofMovedFrom(speaker.get(), true);
-    speaker.reset();
-    EXPECT_FALSE(heir.isBlockingSentEvents());
-}
-
-TEST_F(EventBlocker, AssignmentMovesTheRegistration)
-{
-    Speaker other("other");
-    ZTEventBlocker blocker(speaker.get(), true);
-    {
-        ZTEventBlocker source(&other, true);
-        blocker = source;
-        auto& same = blocker;
-        blocker = same;
-        EXPECT_EQ(say(1), "a:1 b:1");
-    }
-    EXPECT_TRUE(other.isBlockingSentEvents());
-    blocker = ZTEventBlocker(&other, false);
-    EXPECT_TRUE(other.isBlockingReceivedEvents());
-    EXPECT_FALSE(other.isBlockingSentEvents());
 }
 } // namespace

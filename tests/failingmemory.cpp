@@ -1,5 +1,5 @@
-// Whatever an operation allocates may fail. Then it has completed, or everything is as it was and
-// it succeeds when it is tried again. What ends something allocates nothing.
+// Whatever an operation allocates may fail: see `support/allornothing.h`. What ends something
+// allocates nothing.
 
 #include "support/allornothing.h"
 #include "support/bytes.h"
@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <typeindex>
 #include <typeinfo>
 #include <unordered_map>
@@ -25,11 +26,12 @@
 namespace
 {
 using sample::Heater;
-using support::longText, support::otherText;
 using FailingMemory = support::FailingMemoryTest;
 using FailingMemoryDeathTest = support::FailingMemoryTest;
 
-// Values.
+// Too long to be held without an allocation.
+const std::string longText = "a text that is too long for any string to hold in place";
+const std::string otherText = "the other text that is too long for any string";
 
 using Texts = std::vector<std::string>;
 
@@ -58,23 +60,6 @@ struct Page : std::streambuf {
     char memory[1000];
 };
 
-struct Values {
-    ZTVariant text{longText}, number{7}, texts{Texts{longText, otherText}};
-    ZTVariant nested{ztMetaType<ZTVariant>(), &text}, result, invalid;
-    const ZTVariant constNumber{8};
-    std::string plain;
-    Page page;
-    std::ostream out{&page};
-
-    std::string describe() const
-    {
-        std::string all;
-        for (const auto* variant : {&text, &number, &texts, &nested, &result, &invalid})
-            all += textOf(*variant) + "; ";
-        return all + plain + "; " + page.text();
-    }
-};
-
 const bool hasConverters = [] {
     ztRegisterConverter([](int number) { return longText + std::to_string(number); });
     ztRegisterConverter([](const Texts& texts) -> std::optional<std::string> {
@@ -83,11 +68,254 @@ const bool hasConverters = [] {
     return true;
 }();
 
+/// Another medium than the library's own.
+struct Tape : ZTDataStream {
+    ZTDataStream& read(char* bytes, unsigned int count) override
+    {
+        isGood = isGood && count <= content.size() - position;
+        std::copy_n(content.data() + position, isGood ? count : 0, bytes);
+        position += isGood ? count : 0;
+        return *this;
+    }
+    bool good() const override { return isGood; }
+
+    std::string content = support::streamed(longText);
+    std::size_t position = 0;
+    bool isGood = true;
+};
+
+/// What the objects of a test heard, in order.
+class Diary
+{
+public:
+    void add(std::string_view entry)
+    {
+        for (std::string_view part : {entry.substr(0, 5), std::string_view(" ")})
+            m_size += part.copy(m_text + m_size, sizeof m_text - m_size);
+    }
+    void clear() { m_size = 0; }
+    std::string text() const { return {m_text, m_size}; }
+
+private:
+    char m_text[1000];
+    std::size_t m_size = 0;
+};
+Diary diary;
+
+class Lamp : public ZTBase
+{
+    ZT_OBJECT(Lamp, ZTBase)
+public:
+    using ZTBase::sendEvent, ZTBase::ZTBase;
+    std::string label = longText;
+
+    void lit(const std::string& reason, int level) { sendEvent<&Self::lit>(reason, level); }
+    void spent(const std::string& reason) { sendEvent<&Self::spent>(reason); }
+    void hear(const std::string& reason) { diary.add(reason); }
+    void notListed() {}
+    void hearAll(const std::string&, int level) { diary.add(level ? "all" : "none"); }
+    std::string joined(const std::string& head, int) const { return head + label; }
+
+private:
+    static constexpr auto members()
+    {
+        return zt::members(zt::event<&Self::lit>(), zt::event<&Self::spent>(),
+                           zt::method<&Self::hear>(), zt::method<&Self::hearAll>(),
+                           zt::method<&Self::joined>(), zt::property<&Self::label>());
+    }
+};
+ZT_CLASS(Lamp)
+
+void hearFreely(const std::string&) { diary.add("free"); }
+
+template <class Function>
+const ZTMetaInvokable* member(Function function)
+{
+    return Lamp::typeMetaClass().invokable(&function);
+}
+
+struct Machine : ZTDynamicBase {
+    using ZTDynamicBase::initializeMetaClass, ZTBase::sendEvent;
+    std::string label = longText;
+};
+
+const ZTMetaClass& machineClass()
+{
+    static const std::unique_ptr<ZTMetaClass> made = [] {
+        ZTMetaClassBuilder builder;
+        builder.setSuperClass(&ZTDynamicBase::typeMetaClass());
+        builder.addInvokable().setEvent<std::string>();
+        builder.addInvokable().setFunction(
+            [](Machine& self, std::string text) { return text += self.label; });
+        auto label = builder.addProperty();
+        label.setName("label");
+        label.setGetter([](const Machine& self) { return self.label; });
+        label.setSetter([](Machine& self, const std::string& value) { self.label = value; });
+        return std::unique_ptr<ZTMetaClass>(builder.toMetaClass());
+    }();
+    return *made;
+}
+
+using Known = std::unordered_map<std::string, const ZTMetaClass*>;
+
+/// Something of everything that a host may have. Its parts tell about themselves.
+struct Host {
+    // Values.
+    ZTVariant text{longText}, number{7}, texts{Texts{longText, otherText}};
+    ZTVariant nested{ztMetaType<ZTVariant>(), &text}, cents{Cents()}, result, invalid;
+    const ZTVariant constNumber{8};
+    std::string plain;
+    Page page;
+    std::ostream out{&page};
+
+    // Streams. The first one has room for a few more bytes.
+    ZTDataStream full;
+    ZTDataStream textStream = support::streamOf(support::streamed(longText));
+    ZTDataStream variantStream = support::streamOf(support::streamed(ZTVariant(longText)));
+    ZTDataStream nestedStream = support::streamOf(support::streamed(nested));
+    ZTDataStream unreadable = support::streamOf(support::streamed(ztMetaType<char>(), 'c'));
+    Tape tape;
+    std::string bytes = support::streamed(longText);
+    const ZTMetaType* type = nullptr;
+
+    // A class under construction.
+    ZTMetaClassBuilder builder{&Heater::typeMetaClass()};
+    ZTMetaClassInfoBuilder info = builder.addClassInfo();
+    ZTMetaEnumBuilder list = builder.addEnum();
+    ZTMetaInvokableBuilder method = builder.invokable(0);
+    ZTMetaPropertyBuilder property = builder.property(1);
+    std::unique_ptr<ZTMetaClass> sample;
+    ZTDataStream record, stored, cut;
+
+    // Two trees, and objects that nothing but a strong reference keeps.
+    ZTBase watcher;
+    std::unique_ptr<Lamp> room{new Lamp}, attic{new Lamp}, other{new Lamp};
+    Lamp* lamp = new Lamp(room.get());
+    std::unique_ptr<ZTBase> made;
+    ZTRef<Lamp> weak, heldWeak;
+    ZTStrongRef<Lamp> strong, held{new Lamp};
+
+    // Subscriptions of all kinds.
+    ZTSubscription handle, freshHandle;
+    ZTScopedSubscription scoped, freshScoped;
+    std::unique_ptr<ZTEventListener> listener{new ZTEventListener(room.get(), &Lamp::spent)};
+    const ZTMetaInvokable *lit = member(&Lamp::lit), *spent = member(&Lamp::spent);
+    const ZTMetaInvokable *hear = member(&Lamp::hear), *hearAll = member(&Lamp::hearAll);
+
+    // An object of a class made at run time, and one that has not got it yet.
+    Machine ready, empty;
+    const ZTMetaInvokable* machineEvent =
+        machineClass().invokable(machineClass().invokableOffset());
+    const ZTMetaInvokable* machineMethod =
+        machineClass().invokable(machineClass().invokableCount() - 1);
+
+    Host()
+    {
+        full << std::string(54, 'x') << 1;
+        fillClass();
+        fillTrees();
+        ready.initializeMetaClass(&machineClass());
+        ZTBase::subscribe(&ready, machineEvent, &watcher,
+                          [](const std::string& t) { diary.add(t); });
+        ZTBase::subscribe(&empty, &ZTDynamicBase::metaClassInitialized, &watcher,
+                          [] { diary.add("ready"); });
+        diary.clear();
+    }
+    void fillClass()
+    {
+        info.setKey(longText);
+        info.setValue(longText);
+        list.setName(longText);
+        list.add(longText, 0);
+        property.addPropInfo(longText, longText);
+        sample.reset(builder.toMetaClass());
+        stored << *sample;
+        const std::string all = stored.data();
+        cut.setData(all.substr(0, all.size() - 20));
+    }
+    void fillTrees()
+    {
+        new ZTBase(attic.get());
+        heldWeak = ZTRef<Lamp>(held.get());
+        lamp->setProperty("size", longText, true);
+        room->spent(longText);
+        for (Lamp* object : {room.get(), attic.get()}) {
+            auto note = [](auto event) { return [=] { diary.add(event); }; };
+            ZTBase::subscribe(object, &ZTBase::childAdded, &watcher, note("added"));
+            ZTBase::subscribe(object, &ZTBase::childRemoved, &watcher, note("lost"));
+            ZTBase::subscribe(object, &ZTBase::dynamicPropertyChanged, &watcher, note("set"));
+        }
+        handle = ZTBase::subscribe(room.get(), lit, lamp, hear);
+        ZTBase::subscribe(room.get(), &Lamp::lit, lamp, &Lamp::hearAll);
+        ZTBase::subscribe(room.get(), &Lamp::lit, &hearFreely);
+        scoped = ZTBase::subscribe(room.get(), &Lamp::lit, [t = longText] { diary.add(t); });
+    }
+
+    std::string describe()
+    {
+        return values() + streams() + aClass() + trees() + subscriptions() + machines() +
+               diary.text();
+    }
+    std::string values() const
+    {
+        std::string all;
+        for (const auto* variant : {&text, &number, &texts, &nested, &result, &invalid})
+            all += textOf(*variant) + "; ";
+        return all + plain + "; " + page.text();
+    }
+    std::string streams() const
+    {
+        std::string all = full.data() + "; " + textStream.data() + (type ? type->name() : "none");
+        std::replace_if(
+            all.begin(), all.end(), [](char c) { return c < ' '; }, '.');
+        return all + "; ";
+    }
+    std::string aClass()
+    {
+        const std::unique_ptr<ZTMetaClass> finished(builder.toMetaClass());
+        auto function = method.function();
+        return support::describe(*finished) + support::bytesOf(record) +
+               textOf(function ? function(ZTVariant(), ZTArgumentArray()) : ZTVariant(0));
+    }
+    std::string trees() const
+    {
+        std::string all;
+        for (const ZTBase* object : {room.get(), attic.get(), lamp}) {
+            auto names = object->dynamicProperties();
+            std::sort(names.begin(), names.end());
+            all += std::to_string(object->children().size()) + textOf(object->property("label"));
+            for (std::string_view name : names)
+                all += ", " + std::string(name) + " " + textOf(object->property(name));
+            all += "; ";
+        }
+        return all + (weak ? "weak " : "") + (strong ? "strong " : "") + (made ? "made " : "");
+    }
+    std::string subscriptions() const
+    {
+        std::string all;
+        for (bool isAlive :
+             {bool(handle), bool(freshHandle), bool(scoped), bool(freshScoped), listener->valid()})
+            all += isAlive ? "+" : "-";
+        for (const auto& arguments : *listener)
+            all += " " + (arguments.empty() ? "nothing" : textOf(arguments[0]));
+        const Diary before = std::exchange(diary, {});
+        room->lit("probe", 1);
+        return all + "; probed: " + std::exchange(diary, before).text();
+    }
+    std::string machines() const
+    {
+        return ready.label.substr(0, 5) +
+               (empty.metaClass() == &machineClass() ? "; ready; " : "; empty; ");
+    }
+};
+
 // clang-format off
+#define DO(...) {#__VA_ARGS__, [](Host& s) { (void)s; __VA_ARGS__; }}
+#define ENDS(...) {#__VA_ARGS__, [](Host& s) { (void)s; __VA_ARGS__; }, true}
+
 TEST_F(FailingMemory, Values)
 {
-    using State = Values;
-    expectAllOrNothing<State>({
+    tryAll<Host>({
         DO(s.result = ZTVariant(longText.c_str())),
         DO(s.result = ZTVariant(std::string_view(longText))),
         DO(s.result = ZTVariant(1)),
@@ -114,134 +342,44 @@ TEST_F(FailingMemory, Values)
         DO(s.out << s.invalid),
         DO(s.out << s.texts),
         DO(ztLog(longText, ZTLogType::Warning)),
-    });
-    expectNoAllocation<State>({
-        DO(ZTVariant moved(std::move(s.texts))),
-        DO(s.text = std::move(s.texts)),
-        DO(s.nested.reset()),
-        DO((void)(s.text == s.texts || s.text < s.text)),
-        DO((void)s.text.canConvert(s.texts.type())),
-        DO(s.number = s.constNumber),
+        ENDS(ZTVariant moved(std::move(s.texts))),
+        ENDS(s.text = std::move(s.texts)),
+        ENDS(s.nested.reset()),
+        ENDS((void)(s.text == s.texts || s.text < s.text)),
+        ENDS((void)s.text.canConvert(s.texts.type())),
+        ENDS(s.number = s.constNumber),
     });
 }
-// clang-format on
 
-// Streams.
-
-/// Another medium than the library's own.
-struct Tape : ZTDataStream {
-    ZTDataStream& read(char* bytes, unsigned int count) override
-    {
-        isGood = isGood && count <= content.size() - position;
-        std::copy_n(content.data() + position, isGood ? count : 0, bytes);
-        position += isGood ? count : 0;
-        return *this;
-    }
-    bool good() const override { return isGood; }
-
-    std::string content = support::streamed(longText);
-    std::size_t position = 0;
-    bool isGood = true;
-};
-
-struct Streams {
-    ZTVariant variant{otherText}, nested{ztMetaType<ZTVariant>(), &variant}, cents{Cents()};
-    /// With room for a few more bytes.
-    ZTDataStream full;
-    ZTDataStream text = support::streamOf(support::streamed(longText));
-    ZTDataStream texts = support::streamOf(support::streamed(ZTVariant(longText)));
-    ZTDataStream variants = support::streamOf(support::streamed(nested));
-    ZTDataStream unreadable = support::streamOf(support::streamed(ztMetaType<char>(), 'c'));
-    Tape tape;
-    std::string bytes = support::streamed(longText), read = otherText;
-    const ZTMetaType* type = nullptr;
-
-    Streams() { full << std::string(54, 'x') << 1; }
-    static std::string shown(const ZTDataStream& stream)
-    {
-        std::string bytes = stream.data();
-        std::replace_if(
-            bytes.begin(), bytes.end(), [](char c) { return c < ' '; }, '.');
-        return bytes + "; ";
-    }
-    std::string describe() const
-    {
-        return shown(full) + shown(text) + read + "; " + textOf(variant) + "; " +
-               (type ? type->name() : "none");
-    }
-};
-
-// clang-format off
 TEST_F(FailingMemory, Streams)
 {
-    using State = Streams;
-    expectAllOrNothing<State>({
+    tryAll<Host>({
         DO(ZTDataStream()),
         DO(s.full << 1LL),
         DO(s.full << longText),
         DO(s.full << ztMetaType<Texts>()),
-        DO(s.full << s.variant),
+        DO(s.full << s.text),
         DO(s.full << s.nested),
         DO(s.full << s.cents),
         DO(s.full << ZTBase::typeMetaClass()),
-        DO(s.read = s.full.data()),
+        DO(s.plain = s.full.data()),
         DO(s.full.setData(s.bytes)),
         DO(s.full.setData(std::string(longText))),
-        DO(s.text << longText + otherText),
-        DO(s.text >> s.read),
-        DO(s.tape.position = 0; s.tape >> s.read),
-        DO(s.texts >> s.variant),
-        DO(s.variants >> s.variant),
-        DO(s.unreadable >> s.variant),
-        DO(s.text >> s.type),
-    });
-    expectNoAllocation<State>({
-        DO(ZTDataStream moved(std::move(s.full))),
-        DO(int number; s.text >> number),
+        DO(s.textStream << longText + otherText),
+        DO(s.textStream >> s.plain),
+        DO(s.tape.position = 0; s.tape >> s.plain),
+        DO(s.variantStream >> s.result),
+        DO(s.nestedStream >> s.result),
+        DO(s.unreadable >> s.result),
+        DO(s.textStream >> s.type),
+        ENDS(ZTDataStream moved(std::move(s.full))),
+        ENDS(int number; s.textStream >> number),
     });
 }
-// clang-format on
 
-// Classes made at run time.
-
-/// A class under construction.
-struct Plan {
-    ZTMetaClassBuilder builder{&Heater::typeMetaClass()};
-    ZTMetaClassInfoBuilder info = builder.addClassInfo();
-    ZTMetaEnumBuilder list = builder.addEnum();
-    ZTMetaInvokableBuilder method = builder.invokable(0);
-    ZTMetaPropertyBuilder property = builder.property(1);
-    std::unique_ptr<ZTMetaClass> sample;
-    ZTDataStream record, stored, cut;
-
-    Plan()
-    {
-        info.setKey(longText);
-        info.setValue(longText);
-        list.setName(longText);
-        list.add(longText, 0);
-        property.addPropInfo(longText, longText);
-        sample.reset(builder.toMetaClass());
-        stored << *sample;
-        const std::string bytes = stored.data();
-        cut.setData(bytes.substr(0, bytes.size() - 20));
-    }
-    std::string describe()
-    {
-        const std::unique_ptr<ZTMetaClass> made(builder.toMetaClass());
-        ZTVariant called =
-            method.function() ? method.function()(ZTVariant(), ZTArgumentArray()) : ZTVariant(0);
-        return support::describe(*made) + textOf(called) + support::bytesOf(record);
-    }
-};
-
-using Known = std::unordered_map<std::string, const ZTMetaClass*>;
-
-// clang-format off
 TEST_F(FailingMemory, Builders)
 {
-    using State = Plan;
-    expectAllOrNothing<State>({
+    tryAll<Host>({
         DO(ZTMetaClassBuilder copy(s.sample.get())),
         DO(s.builder.setTypeName(longText)),
         DO(s.builder.addClassInfo()),
@@ -280,16 +418,156 @@ TEST_F(FailingMemory, Builders)
         DO(s.builder.deserialize(s.stored, {})),
         DO(s.builder.deserialize(s.stored, Known{{"struct sample::Device", &ZTDynamicBase::typeMetaClass()}})),
         DO(s.builder.deserialize(s.cut, {})),
+        ENDS(s.builder.removeClassInfo(0)),
+        ENDS(s.builder.removeEnum(0)),
+        ENDS(s.builder.removeInvokable(0)),
+        ENDS(s.builder.removeProperty(0)),
+        ENDS(s.list.remove(0)),
+        ENDS(s.property.removePropInfo(0)),
+        ENDS(s.property.clearChangeEvent()),
+        ENDS(s.sample.reset()),
     });
-    expectNoAllocation<State>({
-        DO(s.builder.removeClassInfo(0)),
-        DO(s.builder.removeEnum(0)),
-        DO(s.builder.removeInvokable(0)),
-        DO(s.builder.removeProperty(0)),
-        DO(s.list.remove(0)),
-        DO(s.property.removePropInfo(0)),
-        DO(s.property.clearChangeEvent()),
-        DO(s.sample.reset()),
+}
+
+TEST_F(FailingMemory, Trees)
+{
+    tryAll<Host>({
+        DO(s.made.reset(new ZTBase)),
+        DO(new ZTBase(s.room.get())),
+        DO(s.made.reset(new ZTDynamicBase)),
+        DO(new ZTDynamicBase(s.room.get())),
+        DO(s.lamp->setParent(s.attic.get())),
+        DO(s.lamp->setParent(s.lamp)),
+        ENDS(s.lamp->setParent(nullptr); s.made.reset(s.lamp)),
+        ENDS(delete s.lamp),
+        ENDS(s.room.reset()),
+        ENDS(ZTBase moved(std::move(*s.room))),
+        ENDS(ZTBase moved(std::move(*s.lamp)); delete s.lamp),
+        ENDS(*s.room = std::move(*s.attic)),
+        ENDS(*s.attic = std::move(*s.room)),
+        ENDS(*s.room = std::move(*s.lamp); delete s.lamp),
+    });
+}
+
+TEST_F(FailingMemory, Properties)
+{
+    tryAll<Host>({
+        DO(s.room->setProperty("label", otherText)),
+        DO(s.room->setProperty("label", s.listener->records()[0][0])),
+        DO(s.room->setProperty("label", 1)),
+        DO(s.lamp->setProperty("size", otherText, true)),
+        DO(s.lamp->setProperty(longText, longText, true)),
+        DO(s.room->setProperty("size", longText, true)),
+        DO(s.attic->setProperty(longText, 1, true)),
+        DO(s.result = s.room->property("label")),
+        DO(s.result = s.lamp->property("size")),
+        DO(s.room->label = s.lamp->property<std::string>("size")),
+        DO(s.room->label = s.lamp->property<std::string>("label")),
+        DO(s.result = ZTVariant(int(s.lamp->dynamicProperties().size()))),
+        DO(s.result = s.room->metaClass()->property("label")->get(ZTVariant(s.room.get()))),
+        DO(s.room->metaClass()->property("label")->set(s.room.get(), otherText)),
+    });
+}
+
+TEST_F(FailingMemory, References)
+{
+    tryAll<Host>({
+        DO(s.weak = ZTRef<Lamp>(s.lamp)),
+        DO(s.weak.reset(s.lamp)),
+        DO(s.strong.reset(s.lamp)),
+        ENDS(ZTRef<Lamp> weak(s.heldWeak); ZTStrongRef<Lamp> strong(s.held)),
+        ENDS(s.heldWeak.reset()),
+        ENDS(s.held.reset()),
+        ENDS(delete s.held.get()),
+        ENDS(auto* held = s.held.get(); *held = std::move(*s.other); delete held),
+    });
+}
+
+TEST_F(FailingMemory, Subscribing)
+{
+    tryAll<Host>({
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), s.lit, s.lamp, s.hear)),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), &Lamp::lit, s.lamp, &Lamp::hear)),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), &Lamp::lit, s.lamp, [t = longText] { diary.add(t); })),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), s.lit, s.lamp, [](const ZTArgumentArray&) { diary.add("array"); })),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), &Lamp::lit, s.lamp, std::function<void()>([t = longText] { diary.add(t); }))),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), &Lamp::lit, &hearFreely)),
+        DO(s.freshScoped = ZTBase::subscribe(s.room.get(), &Lamp::lit, [t = longText] { diary.add(t); })),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), s.spent, s.lamp, s.hear)),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), s.spent, s.lamp, s.hearAll)),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), &Lamp::hear, s.lamp, &Lamp::hear)),
+        DO(s.freshHandle = ZTBase::subscribe(s.room.get(), &Lamp::notListed, s.lamp, [t = longText] { diary.add(t); })),
+    });
+}
+
+TEST_F(FailingMemory, Unsubscribing)
+{
+    tryAll<Host>({
+        DO(s.room->unsubscribe(s.lamp)),
+        DO(s.room->unsubscribe(nullptr)),
+        DO(ZTBase::unsubscribe(s.handle)),
+        DO(ZTBase::unsubscribe(s.room.get(), s.lit, nullptr, nullptr)),
+        DO(ZTBase::unsubscribe(s.room.get(), s.lit, s.lamp, s.hear)),
+        DO(ZTBase::unsubscribe(s.room.get(), &Lamp::lit, s.lamp, &Lamp::hearAll)),
+        DO(ZTBase::unsubscribe(s.room.get(), &Lamp::lit, s.lamp, nullptr)),
+        ENDS(s.scoped.reset()),
+        ENDS(s.scoped = ZTScopedSubscription()),
+        ENDS(ZTScopedSubscription last(s.handle)),
+        ENDS(s.scoped = ZTScopedSubscription(s.handle); s.scoped = ZTScopedSubscription()),
+        ENDS((void)(s.handle == ZTSubscription(s.handle) && s.scoped)),
+        ENDS(ZTEventBlocker sent(s.room.get(), true); ZTEventBlocker received(s.lamp, false); sent = received),
+    });
+}
+
+TEST_F(FailingMemory, Calls)
+{
+    tryAll<Host>({
+        DO(s.room->spent(otherText)),
+        DO(s.attic->lit(longText, 1)),
+        DO(s.room->lit(otherText, 1)),
+        DO(s.room->sendEvent(s.spent->index(), ZTArgumentArray{ZTVariant(otherText)})),
+        DO(s.room->sendEvent(1000, ZTArgumentArray())),
+        DO(s.spent->invoke(s.room.get(), otherText)),
+        DO(s.spent->invoke(ZTVariant(s.room.get()), ZTArgumentArray{ZTVariant(otherText)})),
+        DO(s.hear->invoke(s.lamp, longText)),
+        DO(s.hear->invoke(s.lamp)),
+        DO(s.result = s.room->metaClass()->invokable<void(const std::string&, int)>("joined", true)->invoke(s.room.get(), longText, 1)),
+        DO(s.lamp->metaClass()->invokable("hear", false, {&ztMetaType<std::string>()})->invoke(s.lamp, longText)),
+    });
+}
+
+TEST_F(FailingMemory, Listeners)
+{
+    tryAll<Host>({
+        DO(s.listener.reset(new ZTEventListener(s.room.get(), &Lamp::lit))),
+        DO(s.listener.reset(new ZTEventListener(s.room.get(), s.lit))),
+        DO(s.result = s.listener->at(0).at(0)),
+        DO(s.result = s.listener->last().at(0)),
+        DO(s.lamp->label = s.listener->argument<std::string>(0, 0)),
+        DO(s.lamp->label = s.listener->argument<std::string>(1, 0)),
+        ENDS(s.listener->remove(0)),
+        ENDS(s.listener->clear()),
+        ENDS(s.listener.reset()),
+    });
+}
+
+TEST_F(FailingMemory, RunTimeClasses)
+{
+    tryAll<Host>({
+        DO(s.empty.initializeMetaClass(&machineClass())),
+        DO(s.empty.initializeMetaClass(&ZTBase::typeMetaClass())),
+        DO(s.ready.initializeMetaClass(&machineClass())),
+        DO(s.ready.setProperty("label", otherText)),
+        DO(s.ready.setProperty("label", 1)),
+        DO(s.result = s.ready.property("label")),
+        DO(s.result = s.machineMethod->invoke(&s.ready, longText)),
+        DO(s.result = s.machineMethod->invoke(&s.ready)),
+        DO(s.machineEvent->invoke(&s.ready, longText)),
+        DO(s.ready.sendEvent(s.machineEvent->index(), ZTArgumentArray{ZTVariant(longText)})),
+        ENDS(ZTDynamicBase moved(std::move(s.ready))),
+        ENDS(s.empty = std::move(s.ready)),
+        ENDS(s.ready = std::move(s.empty)),
+        ENDS(s.empty.initializeMetaClass(&machineClass())),
     });
 }
 // clang-format on

@@ -75,42 +75,6 @@ TEST_F(Properties, FirstInvalidValueAndOneThatCannotBeComparedAreChanges)
     EXPECT_EQ(heard, 4);
 }
 
-TEST_F(Properties, HandlerWritesTheSamePropertyAgain)
-{
-    ZTBase::subscribe(&heater, &ZTBase::dynamicPropertyChanged, &observer,
-                      [this](const std::string& name, const ZTVariant& value) {
-                          const ZTVariant before = value;
-                          EXPECT_EQ(heater.property(name), value);
-                          if (before == ZTVariant(1))
-                              heater.setProperty(name, 2, true);
-                          EXPECT_EQ(value, before);
-                          EXPECT_EQ(name, "x");
-                      });
-    heater.setProperty("x", 1, true);
-    EXPECT_EQ(diary.take(), "x=ZTVariant(int, 1) x=ZTVariant(int, 2)");
-    EXPECT_EQ(heater.property<int>("x"), 2);
-}
-
-TEST_F(Properties, NamesOfAllLengthsAreToldApart)
-{
-    std::vector<std::string> names;
-    for (std::size_t length = 0; length <= 40; ++length)
-        for (std::size_t odd = 0; odd <= length; ++odd) {
-            names.emplace_back(length, 'x');
-            if (odd < length)
-                names.back()[odd] = '\0';
-        }
-    observer.setProperty("", 0, true);
-    const std::string_view first = observer.dynamicProperties().front();
-    for (std::size_t i = 0; i < names.size(); ++i)
-        ASSERT_TRUE(observer.setProperty(names[i], i, true));
-    EXPECT_EQ(observer.dynamicProperties().size(), names.size());
-    EXPECT_EQ(first.data(), observer.dynamicProperties().front().data()); // it stays good
-    for (std::size_t i = 0; i < names.size(); ++i)
-        EXPECT_EQ(observer.property<std::size_t>(names[i]), i);
-    EXPECT_FALSE(observer.property(std::string(41, 'x')));
-}
-
 /// Writes properties of an object whenever it is compared.
 struct Meddler {
     bool operator==(const Meddler&) const
@@ -121,13 +85,6 @@ struct Meddler {
     }
     ZTBase* object;
 };
-
-TEST_F(Properties, ComparisonAddsProperties)
-{
-    observer.setProperty("x", Meddler{&observer}, true);
-    observer.setProperty("x", Meddler{&observer}, true);
-    EXPECT_EQ(observer.dynamicProperties().size(), 101U);
-}
 
 TEST_F(Properties, ConversionReplacesTheValue)
 {

@@ -87,28 +87,6 @@ TYPED_TEST(AnyReference, ConvertsComparesAndHashesByObject)
     EXPECT_EQ(set.size(), 3U);
 }
 
-TYPED_TEST(AnyReference, FollowsAMovedObjectAndLosesTheOneItReplaced)
-{
-    using Ref = typename TypeParam::template Of<Node>;
-    const bool strong = std::is_same_v<Ref, ZTStrongRef<Node>>;
-    auto* source = new Node;
-    auto* target = new Node;
-    Ref ref(source), replaced(target);
-    auto* moved = new Node(std::move(*source));
-    EXPECT_EQ(ref.get(), moved);
-    EXPECT_EQ(Ref(moved), ref);
-    EXPECT_FALSE(Ref(source)); // a moved-from object has nothing to refer to
-    EXPECT_LOGS_NOTHING([&] { delete source; });
-    EXPECT_LOGS(strong ? heldLine : "", [&] { *target = std::move(*moved); });
-    EXPECT_FALSE(replaced);
-    EXPECT_EQ(ref.get(), target);
-    delete moved;
-    if (!strong)
-        delete target;
-    ref.reset();
-    EXPECT_EQ(Node::alive, 0);
-}
-
 TYPED_TEST(AnyReference, ReadsNullOnceTheObjectIsGone)
 {
     using Ref = typename TypeParam::template Of<Node>;
@@ -133,27 +111,6 @@ TYPED_TEST(AnyReference, ReadsNullOnceTheObjectIsGone)
     }
 }
 
-TEST(StrongReference, EndsItsObjectWithTheLastOne)
-{
-    Node parent;
-    ZTStrongRef<Node> first(new Node(&parent));
-    first.reset(first.get());
-    ZTStrongRef<ZTBase> second = first;
-    const ZTRef<Node> weak(first.get()), below(new Node(first.get()));
-    int died = 0;
-    auto dies = ZTBase::subscribe(first.get(), &ZTBase::destroyed, [&](ZTBase*) { ++died; });
-    EXPECT_LOGS_NOTHING([&] {
-        first.reset();
-        EXPECT_TRUE(weak);
-        EXPECT_EQ(died, 0);
-        second = ZTStrongRef<Leaf>();
-    });
-    EXPECT_EQ(died, 1);
-    EXPECT_TRUE(parent.children().empty());
-    EXPECT_FALSE(weak);
-    EXPECT_FALSE(below);
-}
-
 TEST(StrongReference, TakenWhileTheObjectDiesDoesNotKeepIt)
 {
     for (bool drops : {true, false}) {
@@ -173,13 +130,4 @@ TEST(StrongReference, TakenWhileTheObjectDiesDoesNotKeepIt)
     }
 }
 
-TEST(StrongReference, CanBeDroppedByTheObjectItself)
-{
-    struct Owner : Node {
-        ZTStrongRef<Node> self{this};
-    };
-    auto* owner = new Owner;
-    EXPECT_LOGS_NOTHING([&] { owner->self.reset(); });
-    EXPECT_EQ(Node::alive, 0);
-}
 } // namespace

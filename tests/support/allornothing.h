@@ -12,31 +12,11 @@
 
 /// @file
 /// Runs operations with each of their allocations failing. Such an operation completes, or it lets
-/// `std::bad_alloc` out, all is as it was, and it succeeds when it is tried again.
+/// `std::bad_alloc` out, all is as it was, and it succeeds when it is tried again. What ends
+/// something asks for no memory.
 
 namespace support
 {
-// Too long to be held without an allocation.
-inline const std::string longText = "a text that is too long for any string to hold in place";
-inline const std::string otherText = "the other text that is too long for any string";
-
-/// A `State` is made anew for each try, and tells all about itself by `describe()`.
-template <class State>
-struct Operation {
-    const char* name;
-    void (*run)(State& state);
-};
-
-/// An operation on `s`, a `State`, which goes by its text.
-#define DO(...)                                                                                    \
-    ::support::Operation<State>                                                                    \
-    {                                                                                              \
-#__VA_ARGS__, [](State& s) {                                       \
-                                    (void)s;                                                       \
-                                    __VA_ARGS__;                                                   \
-                                }                               \
-    }
-
 /// Nobody reads what is logged. An operation that lets no failure through is named before the end.
 class FailingMemoryTest : public testing::Test
 {
@@ -54,29 +34,35 @@ protected:
         std::cerr.rdbuf(m_err);
     }
 
+    /// An operation on a `State`, which is made anew for each try and tells all about itself by
+    /// `describe()`; it goes by its text.
     template <class State>
-    static void expectAllOrNothing(std::initializer_list<Operation<State>> operations)
+    struct Operation {
+        const char* name;
+        void (*run)(State& state);
+        bool isEnding = false; ///< and so allocates nothing
+    };
+
+    template <class State>
+    static void tryAll(std::initializer_list<Operation<State>> operations)
     {
         for (const Operation<State>& operation : operations) {
             running = operation.name;
-            const std::string after = descriptionAfter(operation);
-            for (auto how : {Memory::Failing::Once, Memory::Failing::FromThenOn}) {
-                bool hasFailed = true;
-                for (int n = 1, before = findings(); hasFailed && findings() == before; ++n)
-                    hasFailed = tryWithFailure(operation, after, n, how);
-            }
-        }
-    }
-
-    template <class State>
-    static void expectNoAllocation(std::initializer_list<Operation<State>> operations)
-    {
-        for (const Operation<State>& operation : operations) {
             State state;
-            WithoutKeptBlocks none;
-            Memory::failAt(0, Memory::Failing::Once);
-            operation.run(state);
-            EXPECT_EQ(Memory::asked, 0) << operation.name;
+            {
+                WithoutKeptBlocks none;
+                Memory::failAt(0, Memory::Failing::Once);
+                operation.run(state);
+            }
+            if (operation.isEnding) {
+                EXPECT_EQ(Memory::asked, 0) << operation.name;
+                continue;
+            }
+            const std::string after = state.describe();
+            for (auto how : {Memory::Failing::Once, Memory::Failing::FromThenOn})
+                for (int n = 1, before = findings(); findings() == before; ++n)
+                    if (!tryWithFailure(operation, after, n, how))
+                        break;
         }
     }
 
@@ -100,8 +86,15 @@ protected:
             code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
             return code == 0 || code == 1;
         };
+        auto exitAfter = [&](int n) {
+            if (!completesThough(n, Memory::Failing::Once, run))
+                run();
+            const bool hasFailed = Memory::hasFailed;
+            std::fprintf(stderr, "%s\n", show().c_str());
+            std::exit(show() == text ? int(hasFailed) : 2);
+        };
         for (int n = 1; code == 1; ++n)
-            EXPECT_EXIT(exitAfter(n, run, show, text), isRight, "") << "failing at " << n;
+            EXPECT_EXIT(exitAfter(n), isRight, "") << "failing at " << n;
     }
 
 private:
@@ -124,14 +117,6 @@ private:
         }
         Memory::failNoMore();
         return completes;
-    }
-
-    template <class State>
-    static std::string descriptionAfter(const Operation<State>& operation)
-    {
-        State state;
-        operation.run(state);
-        return state.describe();
     }
 
     /// @return whether there was an n-th allocation
@@ -158,19 +143,6 @@ private:
         const long leaked = WithoutKeptBlocks().inUse() - inUse;
         EXPECT_TRUE(leaked == 0 || found != findings()) << leaked << " blocks leaked.";
         return hasFailed;
-    }
-
-    [[noreturn]] static void exitAfter(int n, void (*run)(), std::string (*show)(),
-                                       const std::string& text)
-    {
-        bool completed = completesThough(n, Memory::Failing::Once, run);
-        const bool hasFailed = Memory::hasFailed;
-        if (!completed)
-            run();
-        if (show() == text)
-            std::exit(hasFailed ? 1 : 0);
-        std::fprintf(stderr, "%s\n", show().c_str());
-        std::exit(2);
     }
 
     struct : std::streambuf {
