@@ -145,7 +145,7 @@ const ZTMetaClass* ZTMetaType::metaClass() const
     const ZTMetaClass* known = priv->metaClass.load(std::memory_order_acquire);
     if (known || !priv->findClass) [[likely]]
         return known;
-    known = priv->findClass();
+    known = &priv->findClass();
     priv->metaClass.store(known, std::memory_order_release);
     return known;
 }
@@ -208,15 +208,12 @@ const ZTMetaType* ztMetaType(const std::type_index& type)
 
 bool isInBlocks(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).blockSize != 0; }
 
-namespace
-{
 void warnOfNamesake(const std::string& name)
 {
     ztLog("Zintar: ZTMetaType registration of a second type with name \"" + name +
               "\". Its values are read from streams as those of the first one.",
           ZTLogType::Warning);
 }
-} // namespace
 
 void warnOfTakenName(const ZTMetaType& type)
 {

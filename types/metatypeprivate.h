@@ -176,6 +176,9 @@ inline bool assignInPlace(ZTVariant& target, const ZTVariant& source)
     return true;
 }
 
+/// Tells in the log that there are two types of that name.
+void warnOfNamesake(const std::string& name);
+
 /// Registers the types that are always there, in their fixed order.
 void registerBuiltInTypes(ZTMetaTypeRegistry& registry);
 } // namespace zt::detail

@@ -48,8 +48,8 @@ bool holdsPointer(const ZTVariant& variant)
     return variant.type().metaClass() && storedPointer(variant);
 }
 
-bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,
-                     void*& result, std::string_view askedType)
+bool retrieveRelated(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,
+                     void*& result)
 {
     bool yieldsNull = false;
     if (nonConst && &variant.type() == nonConst) {
@@ -60,6 +60,13 @@ bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target, const Z
         result = yieldsNull ? nullptr : storedPointer(variant);
         return true;
     }
-    return convertOrWarn(variant, target, &result, askedType);
+    return false;
+}
+
+bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,
+                     void*& result, std::string_view askedType)
+{
+    return retrieveRelated(variant, target, nonConst, result) ||
+           convertOrWarn(variant, target, &result, askedType);
 }
 } // namespace zt::detail

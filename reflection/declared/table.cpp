@@ -16,70 +16,223 @@ bool isSameMember(const void* a, const void* b)
     return std::memcmp(a, b, sizeof(AnyMember)) == 0;
 }
 
+/// As many records as are counted first, and their addresses.
 template <class Record>
-std::vector<const Record*> addressesOf(const std::vector<Record>& records)
+class RecordList
 {
-    std::vector<const Record*> addresses;
-    addresses.reserve(records.size());
-    for (const Record& record : records)
-        addresses.push_back(&record);
-    return addresses;
-}
+public:
+    explicit RecordList(unsigned int count)
+        : m_records(count ? std::make_unique<Record[]>(count) : nullptr),
+          m_addresses(count ? std::make_unique<const Record*[]>(count) : nullptr)
+    {}
+    void add(const Record& record)
+    {
+        m_records[m_count] = record;
+        m_addresses[m_count] = &m_records[m_count];
+        ++m_count;
+    }
+    [[nodiscard]] Record& operator[](std::size_t position) { return m_records[position]; }
+    [[nodiscard]] unsigned int count() const { return m_count; }
+    [[nodiscard]] const Record* const* addresses() const { return m_addresses.get(); }
 
-template <class List>
-unsigned int sizeOf(const List& list)
+private:
+    std::unique_ptr<Record[]> m_records;
+    std::unique_ptr<const Record*[]> m_addresses;
+    unsigned int m_count = 0;
+};
+
+/// How much a list has of each kind.
+struct Counts {
+    explicit Counts(const ClassDeclaration& declaration)
+    {
+        for (std::size_t i = 0; i < declaration.memberCount; ++i) {
+            const MemberRecord& member = declaration.members[i];
+            infos += member.kind == MemberKind::Info;
+            enums += member.kind == MemberKind::Enumeration;
+            properties += member.kind == MemberKind::Property;
+            if (member.kind == MemberKind::Property)
+                propertyInfos += member.count;
+            if (member.isInvokable()) {
+                ++invokables;
+                parameters += member.invokable.signature->parameterCount;
+            }
+        }
+    }
+
+    unsigned int infos = 0;
+    unsigned int enums = 0;
+    unsigned int properties = 0;
+    unsigned int invokables = 0;
+    unsigned int propertyInfos = 0;
+    unsigned int parameters = 0;
+};
+
+/// Calls with each invokable of a list, or each property, and its position among them.
+template <class Visit>
+void forEachInvokable(const MemberRecord* members, std::size_t count, const Visit& visit)
 {
-    return static_cast<unsigned int>(list.size());
+    unsigned int position = 0;
+    for (const MemberRecord* member = members; member != members + count; ++member)
+        if (member->isInvokable())
+            visit(*member, position++);
+}
+template <class Visit>
+void forEachProperty(const ClassDeclaration& declaration, const Visit& visit)
+{
+    unsigned int position = 0;
+    const MemberRecord* end = declaration.members + declaration.memberCount;
+    for (const MemberRecord* member = declaration.members; member != end; ++member)
+        if (member->kind == MemberKind::Property)
+            visit(*member, position++);
 }
 } // namespace
 
 int positionInList(const MemberRecord* members, std::size_t count, const void* variable)
 {
-    int position = 0;
     int found = -1;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (members[i].kind != MemberKind::Method && members[i].kind != MemberKind::Event)
-            continue;
-        if (isSameMember(members[i].key, variable))
-            found = position;
-        ++position;
-    }
+    forEachInvokable(members, count, [&](const MemberRecord& member, unsigned int position) {
+        if (isSameMember(member.invokable.key, variable))
+            found = static_cast<int>(position);
+    });
     return found;
 }
 
-ClassTable::ClassTable(const ClassDeclaration& declaration) : m_declaration(declaration)
+/// What the class data points to.
+struct ClassTable::Records {
+    explicit Records(const ClassDeclaration& declaration)
+        : Records(declaration, Counts(declaration))
+    {}
+
+    RecordList<ZTStaticMetaClassInfoData> classInfos;
+    RecordList<ZTStaticMetaEnumData> enums;
+    RecordList<ZTStaticMetaPropertyData> properties;
+    RecordList<ZTStaticMetaInvokableData> invokables;
+    std::unique_ptr<ZTPropertyInfo[]> propertyInfos;
+    std::unique_ptr<const ZTMetaType*[]> parameterTypes;
+
+private:
+    Records(const ClassDeclaration& declaration, const Counts& counts)
+        : classInfos(counts.infos),
+          enums(counts.enums),
+          properties(counts.properties),
+          invokables(counts.invokables),
+          propertyInfos(counts.propertyInfos
+                            ? std::make_unique<ZTPropertyInfo[]>(counts.propertyInfos)
+                            : nullptr),
+          parameterTypes(counts.parameters
+                             ? std::make_unique<const ZTMetaType*[]>(counts.parameters)
+                             : nullptr)
+    {
+        for (std::size_t i = 0; i < declaration.memberCount; ++i)
+            add(declaration.members[i], declaration.infos);
+    }
+
+    void add(const MemberRecord& member, const InfoText* texts)
+    {
+        switch (member.kind) {
+        case MemberKind::Info:
+            classInfos.add({member.name, member.info});
+            break;
+        case MemberKind::Enumeration:
+            enums.add({member.name, member.count, member.enumeration.enumerators,
+                       member.enumeration.values});
+            break;
+        case MemberKind::Property:
+            addProperty(member, texts);
+            break;
+        case MemberKind::Method:
+        case MemberKind::Event:
+            addInvokable(member);
+            break;
+        }
+    }
+
+    void addProperty(const MemberRecord& member, const InfoText* texts)
+    {
+        ZTPropertyInfo* infos = propertyInfos.get() + m_propertyInfos;
+        for (std::size_t i = 0; i < member.count; ++i) {
+            const InfoText& text = texts[member.firstInfo + i];
+            infos[i] = ZTPropertyInfo(text.key, text.value);
+        }
+        m_propertyInfos += member.count;
+        const ListedProperty& listed = member.property;
+        ZTStaticMetaPropertyData property(member.name, listed.getter, listed.setter, member.count,
+                                          member.count ? infos : nullptr);
+        property.metaType = &listed.type();
+        properties.add(property);
+    }
+
+    void addInvokable(const MemberRecord& member)
+    {
+        const ListedInvokable& listed = member.invokable;
+        const unsigned int count = listed.signature->parameterCount;
+        const ZTMetaType** types = parameterTypes.get() + m_parameters;
+        for (unsigned int i = 0; i < count; ++i)
+            types[i] = &listed.signature->parameterTypes[i]();
+        m_parameters += count;
+        ZTStaticMetaInvokableData invokable(member.name, member.isConst, count, listed.function,
+                                            member.access);
+        invokable.returnMetaType = &listed.signature->result();
+        invokable.parameterMetaTypes = count ? types : nullptr;
+        invokable.isEvent = member.kind == MemberKind::Event;
+        invokables.add(invokable);
+    }
+
+    std::size_t m_propertyInfos = 0;
+    std::size_t m_parameters = 0;
+};
+
+ClassTable::ClassTable(const ClassDeclaration& declaration)
+    : m_declaration(declaration), m_records(std::make_unique<Records>(declaration))
 {
-    addMembers();
-    m_classInfoList = addressesOf(m_classInfos);
-    m_enumList = addressesOf(m_enums);
-    m_propertyList = addressesOf(m_properties);
-    m_invokableList = addressesOf(m_invokables);
     static_cast<ZTStaticMetaClassData&>(*this) =
-        ZTStaticMetaClassData(sizeOf(m_classInfoList), m_classInfoList.data(), sizeOf(m_enumList),
-                              m_enumList.data(), sizeOf(m_propertyList), m_propertyList.data(),
-                              sizeOf(m_invokableList), m_invokableList.data(),
+        ZTStaticMetaClassData(m_records->classInfos.count(), m_records->classInfos.addresses(),
+                              m_records->enums.count(), m_records->enums.addresses(),
+                              m_records->properties.count(), m_records->properties.addresses(),
+                              m_records->invokables.count(), m_records->invokables.addresses(),
                               m_declaration.positionByFunction, m_declaration.positionBySignature);
     const ZTStaticMetaClassData* table = this;
     m_descriptor = std::make_unique<ZTStaticMetaClass>(table);
     joinSuperClass();
-    typeName = m_declaration.typeName;
-    metaType = &m_declaration.registerPointers();
-    fillTypes();
+    typeName = m_declaration.pointer->className;
+    metaType = &registerPointer(*m_declaration.pointer->nonConst);
+    registerPointer(*m_declaration.pointer);
     linkChangeEvents();
     indexProperties();
     indexInvokables();
 }
 
-void ClassTable::indexInvokables()
+ClassTable::~ClassTable() = default;
+
+/// The counts of the super class are final: it is complete.
+void ClassTable::joinSuperClass()
 {
-    m_invokableIndex = std::make_unique<InvokableIndex>();
-    m_descriptor->invokableIndex = m_invokableIndex.get();
-    // From the last to the first: of two that fit, the later one is found.
-    for (std::size_t i = m_invokableRecords.size(); i-- > 0;) {
-        const MemberRecord& member = *m_invokableRecords[i];
-        m_invokableIndex->names.add(member.name,
-                                    {m_invokables[i].index, member.isConst, member.signature()});
+    if (m_declaration.superClass) {
+        superClass = &m_declaration.superClass();
+        classInfoOffset = superClass->classInfoCount();
+        enumOffset = superClass->enumCount();
+        propertyOffset = superClass->propertyCount();
+        invokableOffset = superClass->invokableCount();
     }
+    for (unsigned int i = 0; i < invokableCount; ++i)
+        m_records->invokables[i].index = static_cast<int>(invokableOffset + i);
+}
+
+void ClassTable::linkChangeEvents()
+{
+    forEachProperty(m_declaration, [&](const MemberRecord& member, unsigned int position) {
+        const void* event = member.property.changeEventKey;
+        if (!event)
+            return;
+        // Not through the descriptor: its callbacks ask for this table, which is still being made.
+        const int own = positionOf(event);
+        const int index = own >= 0     ? static_cast<int>(invokableOffset) + own
+                          : superClass ? superClass->indexOfInvokable(const_cast<void*>(event))
+                                       : -1;
+        ZTStaticMetaPropertyData& property = m_records->properties[position];
+        property.changeEventIndex = index;
+        property.changeEvent = m_descriptor->invokable(static_cast<unsigned int>(index));
+    });
 }
 
 /// With what is inherited from other classes that have an index.
@@ -98,91 +251,18 @@ void ClassTable::indexProperties()
     m_propertyIndex->beyond = next;
 }
 
-/// The records, with what is known without any other class or type.
-void ClassTable::addMembers()
+void ClassTable::indexInvokables()
 {
-    std::size_t parameters = 0;
-    std::size_t infos = 0;
-    for (std::size_t i = 0; i < m_declaration.memberCount; ++i) {
+    m_invokableIndex = std::make_unique<InvokableIndex>();
+    m_descriptor->invokableIndex = m_invokableIndex.get();
+    // From the last to the first: of two that fit, the later one is found.
+    unsigned int position = invokableCount;
+    for (std::size_t i = m_declaration.memberCount; i-- > 0;) {
         const MemberRecord& member = m_declaration.members[i];
-        switch (member.kind) {
-        case MemberKind::Info:
-            m_classInfos.emplace_back(member.name, member.value);
-            break;
-        case MemberKind::Enumeration:
-            m_enums.emplace_back(member.name, member.count, member.enumerators, member.values);
-            break;
-        case MemberKind::Property:
-            m_propertyRecords.push_back(&member);
-            infos += member.count;
-            break;
-        case MemberKind::Method:
-        case MemberKind::Event:
-            m_invokableRecords.push_back(&member);
-            parameters += member.count;
-            break;
-        }
-    }
-    // Reserved, since the records point into these.
-    m_propertyInfos.reserve(infos);
-    m_parameterTypes.resize(parameters);
-    for (const MemberRecord* property : m_propertyRecords) {
-        const ZTPropertyInfo* first = m_propertyInfos.data() + m_propertyInfos.size();
-        for (std::size_t i = 0; i < property->count; ++i) {
-            const InfoText& text = m_declaration.infos[property->firstInfo + i];
-            m_propertyInfos.emplace_back(text.key, text.value);
-        }
-        m_properties.emplace_back(property->name, property->getter, property->setter,
-                                  property->count, property->count ? first : nullptr);
-    }
-    for (const MemberRecord* invokable : m_invokableRecords)
-        m_invokables.emplace_back(invokable->name, invokable->isConst, invokable->count,
-                                  invokable->function, invokable->access);
-}
-
-/// The counts of the super class are final: it is complete.
-void ClassTable::joinSuperClass()
-{
-    if (m_declaration.superClass) {
-        superClass = &m_declaration.superClass();
-        classInfoOffset = superClass->classInfoCount();
-        enumOffset = superClass->enumCount();
-        propertyOffset = superClass->propertyCount();
-        invokableOffset = superClass->invokableCount();
-    }
-    for (std::size_t i = 0; i < m_invokables.size(); ++i) {
-        m_invokables[i].index = static_cast<int>(invokableOffset + i);
-        m_invokables[i].isEvent = m_invokableRecords[i]->kind == MemberKind::Event;
-    }
-}
-
-void ClassTable::fillTypes()
-{
-    for (std::size_t i = 0; i < m_properties.size(); ++i)
-        m_properties[i].metaType = &m_propertyRecords[i]->type();
-    const ZTMetaType** next = m_parameterTypes.data();
-    for (std::size_t i = 0; i < m_invokables.size(); ++i) {
-        const MemberRecord& listed = *m_invokableRecords[i];
-        m_invokables[i].returnMetaType = &listed.type();
-        m_invokables[i].parameterMetaTypes = listed.count ? next : nullptr;
-        for (unsigned int parameter = 0; parameter < listed.count; ++parameter)
-            *next++ = &listed.parameterTypes[parameter]();
-    }
-}
-
-void ClassTable::linkChangeEvents()
-{
-    for (std::size_t i = 0; i < m_properties.size(); ++i) {
-        if (!m_propertyRecords[i]->changeEvent.isSet())
-            continue;
-        const void* event = m_propertyRecords[i]->changeEventKey;
-        // Not through the descriptor: its callbacks ask for this table, which is still being made.
-        int position = positionOf(event);
-        int index = position >= 0 ? m_invokables[static_cast<std::size_t>(position)].index
-                    : superClass  ? superClass->indexOfInvokable(const_cast<void*>(event))
-                                  : -1;
-        m_properties[i].changeEventIndex = index;
-        m_properties[i].changeEvent = m_descriptor->invokable(static_cast<unsigned int>(index));
+        if (member.isInvokable())
+            m_invokableIndex->names.add(member.name,
+                                        {m_records->invokables[--position].index, member.isConst,
+                                         member.invokable.signature->key()});
     }
 }
 
@@ -197,5 +277,18 @@ int ClassTable::positionOf(std::string_view name, bool isConst,
 {
     int index = m_invokableIndex->find(name, isConst, signature);
     return index < 0 ? -1 : index - static_cast<int>(invokableOffset);
+}
+
+ClassTable& tableOf(DeclaredClass& declared)
+{
+    ClassTable* table = declared.table.load(std::memory_order_acquire);
+    if (table)
+        return *table;
+    // Two threads may both make one, and take the one that is ready first.
+    auto made = std::make_unique<ClassTable>(declared.declaration);
+    if (declared.table.compare_exchange_strong(table, made.get(), std::memory_order_acq_rel))
+        table = made.release();
+    declared.descriptor.store(&table->metaClass(), std::memory_order_release);
+    return *table;
 }
 } // namespace zt::detail

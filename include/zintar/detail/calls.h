@@ -30,71 +30,55 @@ constexpr bool canBeSuperClass()
         return false;
 }
 
-// The way of an object into a function goes through two questions, each of which remembers the last
-// answer that was yes: whether the pointer may come along the class tree, and whether the object
-// really is one of the class.
-
-template <class Object>
-inline std::atomic<const ZTMetaType*> knownPointerType = nullptr;
-template <class Class>
-inline std::atomic<const std::type_info*> knownObjectClass = nullptr;
-
-/// The object behind a pointer of a type that is known to come along the class tree.
-template <class Object>
-ZTBase* baseIn(const ZTVariant& object)
-{
-    bool known = &object.type() == knownPointerType<Object>.load(std::memory_order_relaxed);
-    // The `ZTBase` stands first in every object.
-    return known && object.data()
-               ? const_cast<ZTBase*>(*static_cast<const ZTBase* const*>(object.data()))
-               : nullptr;
-}
+/// Where the objects come from that a function takes, as variants.
+///
+/// The way of an object into a function goes through two questions, each of which remembers the
+/// last answer that was yes: whether the pointer may come along the class tree, and whether the
+/// object really is one of the class.
+struct ObjectSource {
+    const ObjectPointer& pointer; ///< what the function takes
+    bool (*isOf)(const ZTBase&);  ///< whether an object is of the class; null for the root
+    std::atomic<const ZTMetaType*> knownPointer = nullptr;
+    std::atomic<const std::type_info*> knownClass = nullptr;
+};
 
 template <class Class>
 bool isObjectOf(const ZTBase& object)
 {
-    if constexpr (!std::is_same_v<Class, ZTBase>) {
-        if (!dynamic_cast<const Class*>(&object))
-            return false;
-        knownObjectClass<Class>.store(&typeid(object), std::memory_order_relaxed);
-    }
-    return true;
+    return dynamic_cast<const Class*>(&object) != nullptr;
 }
+
+/// @tparam Object  the class, `const` for a function that leaves the object unchanged
+template <class Object>
+inline constinit ObjectSource objectSource{objectPointer<Object*>, &isObjectOf<Object>};
+template <>
+inline constinit ObjectSource objectSource<ZTBase>{objectPointer<ZTBase*>, nullptr};
+template <>
+inline constinit ObjectSource objectSource<const ZTBase>{objectPointer<const ZTBase*>, nullptr};
 
 /// What `objectIn` does when one of the two questions has to be asked anew.
-template <class Object>
-[[gnu::noinline]] Object* objectOtherwise(const ZTVariant& object)
-{
-    const ZTMetaType& type = object.type();
-    const void* address = baseIn<Object>(object);
-    if (!address) {
-        address = ztVariantValue<Object*>(object);
-        if (address && comesAlongClassTree(type, ::ztMetaType<Object*>()))
-            knownPointerType<Object>.store(&type, std::memory_order_relaxed);
-    }
-    auto* base = static_cast<ZTBase*>(const_cast<void*>(address));
-    bool isOther = base ? !isObjectOf<std::remove_const_t<Object>>(*base) : holdsPointer(object);
-    if (isOther) {
-        warnFailedConversion(askedName<Object*>(), type);
-        return nullptr;
-    }
-    return static_cast<Object*>(base);
-}
+[[nodiscard]] ZT_EXPORT ZTBase* objectOtherwise(const ZTVariant& object, ObjectSource& source);
 
-/// The object that a variant points to, as the class that declares the member.
+/// The object that a variant points to, as the class that declares the member; null, which is told
+/// in the log, when there is no such object.
 ///
 /// A pointer goes along the class tree unchanged, so it may be to an object of another class, or to
-/// one whose destruction has come as far as `ZTBase`. Then there is no such object; it is told in
-/// the log, as is a pointer to an object of an unrelated class.
-template <class Object>
-Object* objectIn(const ZTVariant& object)
+/// one whose destruction has come as far as `ZTBase`.
+[[nodiscard]] inline ZTBase* objectIn(const ZTVariant& object, ObjectSource& source)
 {
-    using Class = std::remove_const_t<Object>;
-    ZTBase* base = baseIn<Object>(object);
-    if (base && (std::is_same_v<Class, ZTBase> ||
-                 &typeid(*base) == knownObjectClass<Class>.load(std::memory_order_relaxed)))
-        return static_cast<Object*>(base);
-    return objectOtherwise<Object>(object);
+    const bool isKnown = &object.type() == source.knownPointer.load(std::memory_order_relaxed);
+    if (isKnown && object.data()) [[likely]] {
+        // The `ZTBase` stands first in every object.
+        ZTBase* base = *static_cast<ZTBase* const*>(object.data());
+        if (base && &typeid(*base) == source.knownClass.load(std::memory_order_relaxed)) [[likely]]
+            return base;
+    }
+    return objectOtherwise(object, source);
+}
+template <class Object>
+[[nodiscard]] Object* objectIn(const ZTVariant& object)
+{
+    return static_cast<Object*>(objectIn(object, objectSource<Object>));
 }
 
 /// What a function gives, as a variant.
@@ -174,11 +158,12 @@ ZTVariant callBoxed(const ZTBase& object, const Call& call, const ZTArgumentArra
 
 /// Calls `store` with the object and the value. A value that does not fit is told in the log and
 /// goes no further, so that the property keeps what it has.
-template <class Class, class P, class Store>
-ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, Store&& store)
+template <class P, class Store>
+ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
+                       const Store& store)
 {
     using Value = Held<P>;
-    auto* self = objectIn<Class>(object);
+    ZTBase* self = objectIn(object, source);
     if (!self)
         return {};
     if constexpr (std::is_same_v<Value, ZTVariant>) {

@@ -27,31 +27,45 @@ constexpr auto valueProbe() noexcept
     return std::string_view(__PRETTY_FUNCTION__);
 }
 
-/// The type as the compiler writes it: the part of the probe's text that changes with the type.
+/// What stands around the part of a probe's text that changes.
+struct ProbeFrame {
+    constexpr ProbeFrame(std::string_view text, std::string_view known)
+        : before(text.rfind(known)), around(text.size() - known.size())
+    {}
+    constexpr std::string_view cut(std::string_view text) const
+    {
+        return {text.data() + before, text.size() - around};
+    }
+
+    std::size_t before;
+    std::size_t around; ///< the letters of the frame, on both sides
+};
+inline constexpr ProbeFrame typeFrame(typeProbe<void>(), "void");
+inline constexpr ProbeFrame valueFrame(valueProbe<12345>(), "12345");
+
+/// The type as the compiler writes it.
 template <class T>
 constexpr std::string_view compilerSpelling() noexcept
 {
-    constexpr std::string_view known = typeProbe<void>();
-    constexpr std::size_t before = known.rfind("void");
-    constexpr std::size_t behind = known.size() - before - 4;
-    std::string_view text = typeProbe<T>();
-    return text.substr(before, text.size() - before - behind);
+    return typeFrame.cut(typeProbe<T>());
+}
+
+/// An address has been written in one of two ways.
+constexpr std::string_view withoutAmpersand(std::string_view text) noexcept
+{
+    const char* letters = text.data();
+    if (text.size() > 3 && letters[0] == '(' && letters[1] == '&' && letters[2] == ' ')
+        return {letters + 3, text.size() - 4};
+    if (!text.empty() && letters[0] == '&')
+        return {letters + 1, text.size() - 1};
+    return text;
 }
 
 /// The same for a value, with one way to write an address.
 template <auto Value>
 constexpr std::string_view compilerValueSpelling() noexcept
 {
-    constexpr std::string_view known = valueProbe<12345>();
-    constexpr std::size_t before = known.rfind("12345");
-    constexpr std::size_t behind = known.size() - before - 5;
-    std::string_view text = valueProbe<Value>();
-    text = text.substr(before, text.size() - before - behind);
-    if (text.starts_with("(& "))
-        text = text.substr(3, text.size() - 4);
-    else if (text.starts_with("&"))
-        text.remove_prefix(1);
-    return text;
+    return withoutAmpersand(valueFrame.cut(valueProbe<Value>()));
 }
 
 constexpr bool isIdentifierChar(char c) noexcept

@@ -68,9 +68,10 @@ SetterFunction wrapSetter(Callable callable, Parameters<P>)
     using Object = typename ObjectCallable<Callable>::Object;
     return [callable = std::move(callable)](const ZTVariant& object,
                                             const ZTVariant& value) mutable -> ZTVariant {
-        return storeUnboxed<Object, P>(object, value, [&](Object& self, const Held<P>& held) {
-            (void)callable(self, passAs<P>(held));
-        });
+        return storeUnboxed<P>(object, value, objectSource<Object>,
+                               [&](ZTBase& self, const Held<P>& held) {
+                                   (void)callable(static_cast<Object&>(self), passAs<P>(held));
+                               });
     };
 }
 

@@ -5,7 +5,6 @@
 #include <zintar/dynamicbase.h>
 
 #include <concepts>
-#include <cstdint>
 #include <type_traits>
 
 /// @file
@@ -13,24 +12,29 @@
 
 namespace zt::detail
 {
+template <class C>
+inline constexpr auto eventsOf = declaredList<C>.events();
+
 /// Whether the class or one of its super classes lists the event.
 template <class C>
-constexpr bool listsEvent(std::uint64_t hash)
+constexpr bool listsEvent(const MemberIdentity& event)
 {
     if constexpr (!isDeclared<C>())
         return true; // a table laid out by the host cannot be asked while compiling
     else if constexpr (std::is_void_v<typename Declared<C>::Super>)
-        return declaredEvents<C>.has(hash);
+        return declaredList<C>.hasEvent(eventsOf<C>, event);
     else
-        return declaredEvents<C>.has(hash) || listsEvent<typename Declared<C>::Super>(hash);
+        return declaredList<C>.hasEvent(eventsOf<C>, event) ||
+               listsEvent<typename Declared<C>::Super>(event);
 }
 
 template <class C>
 constexpr bool notifiesEventsOnly()
 {
-    for (const MemberRecord& member : declaredList<C>.members)
-        if (member.changeEvent.isSet() && !listsEvent<C>(member.changeEvent.hash))
-            return false;
+    if constexpr (declaredList<C>.notifies)
+        for (const MemberIdentity* event : declaredList<C>.changeEvents)
+            if (event && !listsEvent<C>(*event))
+                return false;
     return true;
 }
 

@@ -16,20 +16,6 @@
 namespace zt::detail
 {
 template <class C>
-const ZTMetaClass& completeClass()
-{
-    return C::typeMetaClass();
-}
-
-template <class C>
-const ZTMetaType& registerPointers()
-{
-    const ZTMetaType& type = registerType<C*>();
-    registerType<const C*>();
-    return type;
-}
-
-template <class C>
 int positionByFunction(const ZTMetaClass*, void* function)
 {
     return ClassAccess::table<C>().positionOf(function);
@@ -43,44 +29,41 @@ int positionBySignature(const ZTMetaClass*, std::string_view name, bool isConst,
 }
 
 template <class C>
-ClassDeclaration classDeclaration()
+constexpr ClassDeclaration declarationOf()
 {
     ClassDeclaration declaration;
     if constexpr (classFault<C> == ClassFault::None) {
-        const auto& list = declaredList<C>;
-        declaration.typeName = ztTypeName<C>();
-        declaration.members = list.members.data();
-        declaration.memberCount = list.members.size();
-        declaration.infos = list.infos.data();
+        declaration.pointer = &objectPointer<const C*>;
+        declaration.members = declaredMembers<C>.data();
+        declaration.memberCount = declaredMembers<C>.size();
+        declaration.infos = declaredInfos<C>.data();
         using Super = typename Declared<C>::Super;
         if constexpr (!std::is_void_v<Super>)
-            declaration.superClass = &completeClass<Super>;
-        declaration.registerPointers = &registerPointers<C>;
+            declaration.superClass = &classOf<Super>;
         declaration.positionByFunction = &positionByFunction<C>;
         declaration.positionBySignature = &positionBySignature<C>;
     }
     return declaration;
 }
 
-/// The one table of a declared class; instantiated in the file of its `ZT_CLASS` alone.
+template <class C>
+inline constexpr ClassDeclaration declaration = declarationOf<C>();
+
+/// Instantiated in the file of its `ZT_CLASS` alone.
+template <class C>
+inline constinit DeclaredClass classDeclared{declaration<C>};
+
 template <class C>
 ClassTable& declaredTable()
 {
-    static ClassTable& table = *new ClassTable(classDeclaration<C>());
-    return table;
+    return tableOf(classDeclared<C>);
 }
 
 /// The descriptor of a declared class, complete.
 template <class C>
 const ZTMetaClass& declaredClass()
 {
-    static std::atomic<const ZTMetaClass*> complete = nullptr;
-    const ZTMetaClass* known = complete.load(std::memory_order_acquire);
-    if (!known) [[unlikely]] {
-        known = &ClassAccess::table<C>().metaClass();
-        complete.store(known, std::memory_order_release);
-    }
-    return *known;
+    return classIn(classDeclared<C>);
 }
 
 template <class C>

@@ -109,18 +109,22 @@ struct Declared<ZTDynamicBase> {
     }
 };
 
-/// The list of a declared class, and its events. Each program and plugin has its own.
+/// The list of a declared class. It serves the checks.
 template <class C>
-[[gnu::visibility("hidden")]] inline constexpr auto declaredList = Declared<C>::members();
+inline constexpr auto declaredList = Declared<C>::members();
+
+/// What gets into the program of it. Each program and plugin has its own.
 template <class C>
-[[gnu::visibility("hidden")]] inline constexpr auto declaredEvents = declaredList<C>.events();
+[[gnu::visibility("hidden")]] inline constexpr auto declaredMembers = declaredList<C>.members;
+template <class C>
+[[gnu::visibility("hidden")]] inline constexpr auto declaredInfos = declaredList<C>.infos;
 
 template <class C>
 struct DeclaredHere {
     static int indexOf(const void* variable)
     {
         if constexpr (isDeclared<C>()) {
-            const auto& members = declaredList<C>.members;
+            const auto& members = declaredMembers<C>;
             int position = positionInList(members.data(), members.size(), variable);
             unsigned int offset = C::typeMetaClass().invokableOffset();
             return position < 0 ? -1 : position + static_cast<int>(offset);

@@ -15,6 +15,8 @@ namespace zt::detail
 template <std::size_t InfoCount>
 struct ListedMember {
     MemberRecord record;
+    const MemberIdentity* identity = nullptr;    ///< of properties, methods and events
+    const MemberIdentity* changeEvent = nullptr; ///< of properties
     std::array<InfoText, InfoCount> infos{};
 
     static constexpr std::size_t infoCount = InfoCount;
@@ -61,8 +63,8 @@ struct PropertyEntry : ListedMember<InfoCount> {
     constexpr PropertyEntry notify() const
     {
         PropertyEntry linked = *this;
-        linked.record.changeEvent = memberIdentity<Event>;
-        linked.record.changeEventKey = &memberVariable<Event>;
+        linked.changeEvent = &memberIdentity<Event>;
+        linked.record.property.changeEventKey = &memberVariable<Event>;
         return linked;
     }
 
@@ -71,6 +73,8 @@ struct PropertyEntry : ListedMember<InfoCount> {
     {
         PropertyEntry<InfoCount + 1> longer;
         longer.record = this->record;
+        longer.identity = this->identity;
+        longer.changeEvent = this->changeEvent;
         longer.record.count = InfoCount + 1;
         for (std::size_t i = 0; i < InfoCount; ++i)
             longer.infos[i] = this->infos[i];

@@ -5,12 +5,13 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <string_view>
 #include <type_traits>
 
 /// @file
-/// The enumerators that a class lists: their names and their values.
+/// What is listed: the enumerators of an enumeration: their names and their values.
 
 namespace zt
 {
@@ -66,17 +67,14 @@ struct Enumerators {
 
     static constexpr bool areNamed()
     {
-        std::array<HashedPlace, count + 1> places{};
-        std::array<HashedPlace, count + 1> space{};
+        HashedPlaces<count> places;
         for (std::size_t i = 0; i < count; ++i) {
-            if (names[i].empty())
+            const std::uint32_t hash = hashOf(names[i]);
+            auto hasSameName = [&](std::size_t other) { return names[other] == names[i]; };
+            if (names[i].empty() || places.find(hash, hasSameName))
                 return false;
-            places[i] = {hashOf(names[i]), i};
+            places.add(hash, i);
         }
-        sortByHash(places.data(), space.data(), count);
-        for (std::size_t i = 1; i < count; ++i)
-            if (places[i].hash == places[i - 1].hash)
-                return false;
         return true;
     }
 

@@ -7,61 +7,128 @@
 #include <utility>
 
 /// @file
-/// The functions that the table of a declared class calls for each of its members.
+/// The functions made of what is listed: those that the table of a declared class calls.
+///
+/// A record holds plain functions, one for each member. All that such a function does is to name
+/// its class and its member and to go on to the one that is made for all members of its signature,
+/// whatever their class: a pointer to a member of an object class is one to a member of `ZTBase`.
 
 namespace zt::detail
 {
+template <class Member>
+struct RootMember;
+template <class R, class C>
+struct RootMember<R C::*> {
+    using type = R ZTBase::*;
+};
+
+/// The member as one of the root. Only to be used on an object of the class that it is of.
+template <auto Member>
+constexpr auto asRootMember()
+{
+    using Type = typename RootMember<std::remove_cv_t<decltype(Member)>>::type;
+    if constexpr (requires { static_cast<Type>(Member); })
+        return static_cast<Type>(Member);
+    else
+        return Type(); // of a class that the checks refuse
+}
+
+// For each signature.
+
+template <class R, class... P>
+ZTVariant callMember(const ZTVariant& object, const ZTArgumentArray& arguments,
+                     ObjectSource& source, R (ZTBase::*member)(P...))
+{
+    ZTBase* self = objectIn(object, source);
+    if (!self)
+        return {};
+    return callBoxed<R>(
+        *self,
+        [self, member](auto&&... values) -> decltype(auto) {
+            return (self->*member)(std::forward<decltype(values)>(values)...);
+        },
+        arguments, Parameters<P...>());
+}
+
+template <class R, class... P>
+ZTVariant callMember(const ZTVariant& object, const ZTArgumentArray& arguments,
+                     ObjectSource& source, R (ZTBase::*member)(P...) const)
+{
+    const ZTBase* self = objectIn(object, source);
+    if (!self)
+        return {};
+    return callBoxed<R>(
+        *self,
+        [self, member](auto&&... values) -> decltype(auto) {
+            return (self->*member)(std::forward<decltype(values)>(values)...);
+        },
+        arguments, Parameters<P...>());
+}
+
+template <class R>
+ZTVariant getMember(const ZTVariant& object, ObjectSource& source, R (ZTBase::*getter)() const)
+{
+    const ZTBase* self = objectIn(object, source);
+    return self ? boxResult((self->*getter)()) : ZTVariant();
+}
+
+template <class Field>
+    requires(!std::is_function_v<Field>)
+ZTVariant getMember(const ZTVariant& object, ObjectSource& source, Field ZTBase::*field)
+{
+    const ZTBase* self = objectIn(object, source);
+    return self ? boxResult(self->*field) : ZTVariant();
+}
+
+template <class R, class P>
+ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
+                    R (ZTBase::*setter)(P))
+{
+    return storeUnboxed<P>(object, value, source, [setter](ZTBase& self, const Held<P>& held) {
+        (void)(self.*setter)(passAs<P>(held));
+    });
+}
+
+template <class R, class P>
+ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
+                    R (ZTBase::*setter)(P) const)
+{
+    return storeUnboxed<P>(object, value, source, [setter](ZTBase& self, const Held<P>& held) {
+        (void)(self.*setter)(passAs<P>(held));
+    });
+}
+
+template <class Field>
+    requires(!std::is_function_v<Field>)
+ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
+                    Field ZTBase::*field)
+{
+    return storeUnboxed<Field>(
+        object, value, source,
+        [field](ZTBase& self, const Held<Field>& held) { self.*field = static_cast<Field>(held); });
+}
+
+// For each member.
+
 template <auto Member>
 ZTVariant invokeMember(const ZTVariant& object, const ZTArgumentArray& arguments)
 {
-    using Traits = MemberTraits<decltype(Member)>;
-    auto* self = objectIn<typename Traits::Object>(object);
-    if (!self)
-        return {};
-    return callBoxed<typename Traits::Result>(
-        *self,
-        [self](auto&&... values) -> decltype(auto) {
-            return (self->*Member)(std::forward<decltype(values)>(values)...);
-        },
-        arguments, typename Traits::Params{});
+    return callMember(object, arguments,
+                      objectSource<typename MemberTraits<decltype(Member)>::Object>,
+                      asRootMember<Member>());
 }
 
-template <auto Member>
+template <auto Getter>
 ZTVariant getProperty(const ZTVariant& object)
 {
-    using Traits = MemberTraits<decltype(Member)>;
-    auto* self = objectIn<const typename Traits::Class>(object);
-    if (!self)
-        return {};
-    if constexpr (Traits::isFunction)
-        return boxResult((self->*Member)());
-    else
-        return boxResult(self->*Member);
+    return getMember(object, objectSource<const typename MemberTraits<decltype(Getter)>::Class>,
+                     asRootMember<Getter>());
 }
 
-template <auto Member, class P>
-ZTVariant callSetter(const ZTVariant& object, const ZTVariant& value, Parameters<P>)
+template <auto Setter>
+ZTVariant setProperty(const ZTVariant& object, const ZTVariant& value)
 {
-    using Class = typename MemberTraits<decltype(Member)>::Class;
-    return storeUnboxed<Class, P>(object, value, [](Class& self, const Held<P>& held) {
-        (void)(self.*Member)(passAs<P>(held));
-    });
-}
-
-template <auto Member>
-ZTVariant setByFunction(const ZTVariant& object, const ZTVariant& value)
-{
-    return callSetter<Member>(object, value, typename MemberTraits<decltype(Member)>::Params{});
-}
-
-template <auto Member>
-ZTVariant setField(const ZTVariant& object, const ZTVariant& value)
-{
-    using Traits = MemberTraits<decltype(Member)>;
-    using Class = typename Traits::Class;
-    using Field = typename Traits::Result;
-    return storeUnboxed<Class, Field>(object, value, [](Class& self, const Held<Field>& held) {
-        self.*Member = static_cast<Field>(held);
-    });
+    return setMember(object, value, objectSource<typename MemberTraits<decltype(Setter)>::Class>,
+                     asRootMember<Setter>());
 }
 } // namespace zt::detail

@@ -29,51 +29,26 @@ constexpr bool areAllTrue(std::initializer_list<bool> answers)
     return true;
 }
 
-/// The hashes of the events in a list, to be asked for one.
-template <std::size_t Capacity>
-struct EventHashes {
-    std::array<HashedPlace, Capacity> sorted{};
-    std::size_t count = 0;
-
-    constexpr bool has(std::uint64_t hash) const
-    {
-        std::size_t begin = 0;
-        std::size_t end = count;
-        while (begin < end) {
-            std::size_t middle = begin + (end - begin) / 2;
-            if (sorted[middle].hash == hash)
-                return true;
-            (sorted[middle].hash < hash ? begin : end) =
-                sorted[middle].hash < hash ? middle + 1 : middle;
-        }
-        return false;
-    }
-};
-
-/// Whether two entries are for one variable, as far as the compiler can tell while compiling.
-constexpr bool isKnownSameKey(const void* a, const void* b)
-{
-#if defined(__clang__)
-    return a == b;
-#else
-    return __builtin_constant_p(a == b) && a == b;
-#endif
-}
-
 /// The list that `zt::members` gives.
 ///
-/// A list may be long. What is asked of all its members together sorts hashes, since each name
-/// against each, letter by letter, is more than compilers are ready to compute.
+/// A list may be long. What is asked of all its members together goes by hashes, since each name
+/// against each is more than compilers are ready to compute.
 template <std::size_t MemberCount, std::size_t InfoCount>
 struct MemberList {
     std::array<MemberRecord, MemberCount> members{};
     std::array<InfoText, InfoCount> infos{};
+    std::array<const MemberIdentity*, MemberCount> identities{};
+    std::array<const MemberIdentity*, MemberCount> changeEvents{};
+    bool notifies = false; ///< a property names its change event
 
     template <class Entry>
     constexpr void add(const Entry& entry, std::size_t& member, std::size_t& info)
     {
         members[member] = entry.record;
-        members[member].firstInfo = info;
+        members[member].firstInfo = static_cast<unsigned int>(info);
+        identities[member] = entry.identity;
+        changeEvents[member] = entry.changeEvent;
+        notifies = notifies || entry.changeEvent;
         ++member;
         for (const InfoText& text : entry.infos)
             infos[info++] = text;
@@ -83,52 +58,63 @@ struct MemberList {
     {
         return kind == MemberKind::Property || kind == MemberKind::Enumeration;
     }
-    static constexpr bool isInvokable(MemberKind kind)
+
+    static constexpr bool isSameMember(const MemberIdentity* a, const MemberIdentity* b)
     {
-        return kind == MemberKind::Method || kind == MemberKind::Event;
+        return a && b && isKnownSame(a->type, b->type) && a->text == b->text;
     }
 
-    /// Of two entries of which either the names or the members have one hash.
-    static constexpr bool isListedTwice(const MemberRecord& a, const MemberRecord& b)
+    constexpr bool isListedTwice(std::size_t first, std::size_t second) const
     {
-        if (a.kind != b.kind && !(isInvokable(a.kind) && isInvokable(b.kind)))
+        const MemberRecord& a = members[first];
+        const MemberRecord& b = members[second];
+        if (a.kind != b.kind && !(a.isInvokable() && b.isInvokable()))
             return false;
-        bool isOneName = a.name == b.name;
+        const bool isOneName = a.name == b.name;
         if (isOneName && hasName(a.kind))
             return true;
+        const MemberIdentity* one = identities[first];
+        const MemberIdentity* other = identities[second];
         // Instances of one function template differ by their names alone.
-        return isOneName ? a.identity.isSet() && a.identity == b.identity
-                         : a.identity.isSet() && isKnownSameKey(a.key, b.key);
+        return isSameMember(one, other) && (isOneName || isKnownSame(one->key, other->key));
     }
 
     constexpr bool hasMemberListedTwice() const
     {
-        std::array<HashedPlace, 2 * MemberCount + 1> places{};
-        std::array<HashedPlace, 2 * MemberCount + 1> space{};
-        std::size_t count = 0;
+        HashedPlaces<2 * MemberCount> places;
         for (std::size_t i = 0; i < MemberCount; ++i) {
-            if (members[i].identity.isSet())
-                places[count++] = {members[i].identity.hash, i};
-            if (hasName(members[i].kind))
-                places[count++] = {hashOf(members[i].name), i};
+            auto isSame = [&](std::size_t other) { return isListedTwice(other, i); };
+            const MemberIdentity* identity = identities[i];
+            const bool isNamedAnew = !identity || identity->name.data() != members[i].name.data();
+            const std::uint32_t given =
+                isNamedAnew && hasName(members[i].kind) ? hashOf(members[i].name) : 0;
+            if ((identity && places.find(identity->hash, isSame)) ||
+                (given && places.find(given, isSame)))
+                return true;
+            if (identity)
+                places.add(identity->hash, i);
+            if (given)
+                places.add(given, i);
         }
-        sortByHash(places.data(), space.data(), count);
-        for (std::size_t i = 0; i < count; ++i)
-            for (std::size_t j = i + 1; j < count && places[j].hash == places[i].hash; ++j)
-                if (isListedTwice(members[places[i].position], members[places[j].position]))
-                    return true;
         return false;
     }
 
-    constexpr EventHashes<MemberCount> events() const
+    constexpr HashedPlaces<MemberCount> events() const
     {
-        EventHashes<MemberCount> events;
-        std::array<HashedPlace, MemberCount> space{};
+        HashedPlaces<MemberCount> events;
         for (std::size_t i = 0; i < MemberCount; ++i)
             if (members[i].kind == MemberKind::Event)
-                events.sorted[events.count++] = {members[i].identity.hash, i};
-        sortByHash(events.sorted.data(), space.data(), events.count);
+                events.add(identities[i]->hash, i);
         return events;
+    }
+    /// @param events  what `events()` gives
+    constexpr bool hasEvent(const HashedPlaces<MemberCount>& events,
+                            const MemberIdentity& event) const
+    {
+        return events.find(event.hash, [&](std::size_t place) {
+            const MemberIdentity& listed = *identities[place];
+            return listed.text == event.text && !isKnownOther(listed.type, event.type);
+        });
     }
 };
 

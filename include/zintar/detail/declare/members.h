@@ -22,7 +22,7 @@ constexpr detail::ListedMember<0> info(std::string_view key, std::string_view va
     detail::ListedMember<0> entry;
     entry.record.kind = detail::MemberKind::Info;
     entry.record.name = key;
-    entry.record.value = value;
+    entry.record.info = value;
     return entry;
 }
 
@@ -44,8 +44,8 @@ constexpr auto enumeration(detail::Enumerators<Values...>)
                       "zt::enumerators: a value has no name, or two have one name; give it by "
                       "zt::enumerator(\"name\", value).");
         entry.record.name = detail::bareName<Enum>();
-        entry.record.enumerators = List::names.data();
-        entry.record.values = detail::enumeratorNumbers<Values...>.data();
+        entry.record.enumeration = {List::names.data(),
+                                    detail::enumeratorNumbers<Values...>.data()};
         entry.record.count = sizeof...(Values);
     }
     return entry;
@@ -53,22 +53,27 @@ constexpr auto enumeration(detail::Enumerators<Values...>)
 
 namespace detail
 {
+template <class Result, class... P>
+inline constexpr Signature signatureOf{&resultType<Result>, Parameters<P...>::types,
+                                       &Parameters<P...>::signature, sizeof...(P)};
+
+template <class Result, class... P>
+constexpr const Signature* signatureFor(Parameters<P...>)
+{
+    return &signatureOf<Result, P...>;
+}
+
 template <MemberKind kind, auto Member>
 constexpr InvokableEntry invokableEntry()
 {
     using Traits = MemberTraits<decltype(Member)>;
-    using Params = typename Traits::Params;
     InvokableEntry entry;
+    entry.identity = &memberIdentity<Member>;
     entry.record.kind = kind;
-    entry.record.name = nameOfMember<Member>;
-    entry.record.identity = memberIdentity<Member>;
-    entry.record.key = &memberVariable<Member>;
-    entry.record.type = &resultType<typename Traits::Result>;
-    entry.record.parameterTypes = Params::types;
-    entry.record.count = Params::count;
-    entry.record.signature = &Params::signature;
-    entry.record.function = &invokeMember<Member>;
+    entry.record.name = entry.identity->name;
     entry.record.isConst = Traits::isConst;
+    entry.record.invokable = {signatureFor<typename Traits::Result>(typename Traits::Params()),
+                              &invokeMember<Member>, &memberVariable<Member>};
     return entry;
 }
 
@@ -78,16 +83,15 @@ constexpr PropertyEntry<0> propertyEntry()
     using Traits = MemberTraits<decltype(Getter)>;
     using Result = typename Traits::Result;
     PropertyEntry<0> entry;
+    entry.identity = &memberIdentity<Getter>;
     entry.record.kind = MemberKind::Property;
-    entry.record.name = nameOfMember<Getter>;
-    entry.record.identity = memberIdentity<Getter>;
-    entry.record.key = &memberVariable<Getter>;
-    entry.record.type = &resultType<Result>;
-    entry.record.getter = &getProperty<Getter>;
+    entry.record.name = entry.identity->name;
+    ListedProperty property{&resultType<Result>, &getProperty<Getter>};
     if constexpr (!std::is_null_pointer_v<decltype(Setter)>)
-        entry.record.setter = &setByFunction<Setter>;
+        property.setter = &setProperty<Setter>;
     else if constexpr (!Traits::isFunction && !std::is_const_v<Result>)
-        entry.record.setter = &setField<Getter>;
+        property.setter = &setProperty<Getter>;
+    entry.record.property = property;
     return entry;
 }
 

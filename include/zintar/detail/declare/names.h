@@ -9,8 +9,8 @@
 #include <type_traits>
 
 /// @file
-/// The names of members and enumerators, and what tells one member from another while compiling.
-/// Both come out of the compiler's text for a value.
+/// What is listed: the names of members and enumerators, which come out of the compiler's text for
+/// a value, and what tells one member from another while compiling.
 
 namespace zt::detail
 {
@@ -19,13 +19,13 @@ namespace piece
 inline constexpr std::string_view operatorBefore = "operator ";
 }
 
-/// A hash that finds equal texts without comparing each with each.
-constexpr std::uint64_t hashOf(std::string_view text,
-                               std::uint64_t hash = 14695981039346656037U) noexcept
+/// A hash that finds equal names without comparing each with each.
+constexpr std::uint32_t hashOf(std::string_view name) noexcept
 {
-    for (char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
-    return hash;
+    std::uint32_t hash = 2166136261U;
+    for (const char *c = name.data(), *end = c + name.size(); c != end; ++c)
+        hash = (hash ^ static_cast<unsigned char>(*c)) * 16777619U;
+    return hash ^ hash >> 15;
 }
 
 /// Letters beyond ASCII are bytes of UTF-8.
@@ -56,73 +56,96 @@ constexpr std::string_view enumeratorName() noexcept
     return lastName(compilerValueSpelling<Value>());
 }
 
-/// The bare name of a member.
-template <auto Member>
-constexpr std::string_view memberName() noexcept
-{
-    constexpr std::string_view name = lastName(compilerValueSpelling<Member>());
-    // The compilers do not agree on how to write a conversion.
-    if constexpr (name.empty() || name.starts_with("operator ")) {
-        using Result = std::remove_cvref_t<typename MemberTraits<decltype(Member)>::Result>;
-        return Joined<piece::operatorBefore, Spelling<Result>::text>::text;
-    } else {
-        return name;
-    }
-}
+/// Stands for a type, so that two of them can be compared as addresses.
+template <class T>
+[[gnu::visibility("hidden")]] inline constexpr char typeTag = 0;
 
-/// Tells members apart while compiling: the compiler's text for the member, and for its type, which
-/// differs between overloads. (Addresses cannot be compared then under every set of flags.) The
-/// text does not differ between instances of one function template.
+/// What is known of a member while compiling. It serves the checks; none of it gets into a program.
 struct MemberIdentity {
-    std::string_view member;
-    std::string_view type;
-    std::uint64_t hash = 0;
-
-    constexpr bool operator==(const MemberIdentity&) const = default;
-    constexpr bool isSet() const { return !member.empty(); }
+    std::string_view name; ///< bare
+    std::string_view text; ///< as the compiler writes the member: one for all overloads
+    const void* type;      ///< of the pointer to it, which differs between overloads
+    const void* key;       ///< the variable that holds the pointer to it
+    std::uint32_t hash;    ///< of the name
 };
 
 template <auto Member>
 constexpr MemberIdentity identify()
 {
-    std::string_view member = compilerValueSpelling<Member>();
-    std::string_view type = compilerSpelling<decltype(Member)>();
-    return {member, type, hashOf(type, hashOf(member))};
+    constexpr std::string_view text = compilerValueSpelling<Member>();
+    constexpr std::string_view name = lastName(text);
+    const void* type = &typeTag<decltype(Member)>;
+    // The compilers do not agree on how to write a conversion.
+    if constexpr (name.empty() || name.starts_with("operator ")) {
+        using Result = std::remove_cvref_t<typename MemberTraits<decltype(Member)>::Result>;
+        constexpr std::string_view conversion =
+            Joined<piece::operatorBefore, Spelling<Result>::text>::text;
+        return {conversion, text, type, &memberVariable<Member>, hashOf(conversion)};
+    } else {
+        return {name, text, type, &memberVariable<Member>, hashOf(name)};
+    }
 }
 
-// Variables, since a compiler computes a function anew for each list that a member stands in, and
+// A variable, since a compiler computes a function anew for each list that a member stands in, and
 // counts the steps as those of the list.
-
-template <auto Member>
-inline constexpr std::string_view nameOfMember = memberName<Member>();
 template <auto Member>
 inline constexpr MemberIdentity memberIdentity = identify<Member>();
 
-/// A hash, and the position in a list of what it was made from.
-struct HashedPlace {
-    std::uint64_t hash = 0;
-    std::size_t position = 0;
-};
+// Addresses are compared while compiling. Under some sets of flags the compiler does not know the
+// answer where it would be no.
 
-/// Sorts by the hash, in a number of steps that compilers allow for long lists: merges ever longer
-/// runs.
-/// @param space  as many as there are places
-constexpr void sortByHash(HashedPlace* places, HashedPlace* space, std::size_t count)
+constexpr bool isKnownSame(const void* a, const void* b)
 {
-    for (std::size_t width = 1; width < count; width *= 2) {
-        for (std::size_t begin = 0; begin < count; begin += 2 * width) {
-            std::size_t middle = begin + width < count ? begin + width : count;
-            std::size_t end = middle + width < count ? middle + width : count;
-            std::size_t left = begin;
-            std::size_t right = middle;
-            for (std::size_t i = begin; i < end; ++i) {
-                bool takesLeft =
-                    left < middle && (right == end || places[left].hash <= places[right].hash);
-                space[i] = takesLeft ? places[left++] : places[right++];
-            }
-        }
-        for (std::size_t i = 0; i < count; ++i)
-            places[i] = space[i];
-    }
+#if defined(__clang__)
+    return a == b;
+#else
+    return __builtin_constant_p(a == b) && a == b;
+#endif
 }
+
+constexpr bool isKnownOther(const void* a, const void* b)
+{
+#if defined(__clang__)
+    return a != b;
+#else
+    return __builtin_constant_p(a == b) && !(a == b);
+#endif
+}
+
+/// Finds the places in a list of what has one hash, in a number of steps that does not grow with
+/// the list.
+template <std::size_t Capacity>
+class HashedPlaces
+{
+public:
+    /// @param found  is called with each place that may have the hash, until it gives true
+    template <class Found>
+    constexpr bool find(std::uint32_t hash, const Found& found) const
+    {
+        for (std::size_t i = hash & mask; m_places[i] != 0; i = (i + 1) & mask)
+            if (found(m_places[i] - 1))
+                return true;
+        return false;
+    }
+    /// At most as many as the capacity.
+    constexpr void add(std::uint32_t hash, std::size_t place)
+    {
+        std::size_t i = hash & mask;
+        while (m_places[i] != 0)
+            i = (i + 1) & mask;
+        m_places[i] = static_cast<std::uint32_t>(place + 1);
+    }
+
+private:
+    static constexpr std::size_t size()
+    {
+        std::size_t size = 4;
+        while (size < 2 * Capacity)
+            size *= 2;
+        return size;
+    }
+    static constexpr std::size_t mask = size() - 1;
+
+    std::uint32_t m_places[size()] = {}; // 0 where there is none
+};
 } // namespace zt::detail

@@ -21,32 +21,53 @@ struct InfoText {
     std::string_view value;
 };
 
-/// One member as the class declares it. What does not apply to its kind is empty.
-struct MemberRecord {
-    MemberKind kind = MemberKind::Info;
-    std::string_view name;     ///< the key of an annotation
-    std::string_view value;    ///< of an annotation
-    MemberIdentity identity;   ///< of properties and invokables
-    const void* key = nullptr; ///< the variable that holds the pointer to the member
+/// What methods and events of one signature have in common.
+struct Signature {
+    TypeGetter result;
+    const TypeGetter* parameterTypes;
+    std::type_index (*key)();
+    unsigned int parameterCount;
+};
 
-    // Enumerations.
+/// An enumeration, as constant data.
+struct ListedEnumeration {
     const std::string_view* enumerators = nullptr;
     const int* values = nullptr;
-    unsigned int count = 0; ///< of enumerators, annotations of a property, or parameters
+};
 
-    // Properties.
+struct ListedProperty {
+    TypeGetter type = nullptr;
     ZTStaticMetaPropertyData::Getter getter = nullptr;
     ZTStaticMetaPropertyData::Setter setter = nullptr;
-    MemberIdentity changeEvent;
-    const void* changeEventKey = nullptr;
-    std::size_t firstInfo = 0; ///< where its annotations begin in the list's texts
+    const void* changeEventKey = nullptr; ///< the variable that holds the pointer to the event
+};
 
-    // Properties and invokables.
-    TypeGetter type = nullptr; ///< of the property, or of the result
-    const TypeGetter* parameterTypes = nullptr;
-    std::type_index (*signature)() = nullptr;
+struct ListedInvokable {
+    const Signature* signature = nullptr;
     ZTStaticMetaInvokableData::Function function = nullptr;
+    const void* key = nullptr; ///< the variable that holds the pointer to the member
+};
+
+/// One member as the class declares it.
+struct MemberRecord {
+    constexpr MemberRecord() : info() {}
+
+    std::string_view name;     ///< the key of an annotation
+    union {                    // by the kind
+        std::string_view info; ///< the value of an annotation
+        ListedEnumeration enumeration;
+        ListedProperty property;
+        ListedInvokable invokable;
+    };
+    MemberKind kind = MemberKind::Info;
+    bool isConst = false; ///< of a method or an event
     ZTAccessSpecifier access = ZTAccessSpecifier::Public;
-    bool isConst = false;
+    unsigned int count = 0;     ///< of enumerators, or of the annotations of a property
+    unsigned int firstInfo = 0; ///< where those begin in the list's texts
+
+    [[nodiscard]] constexpr bool isInvokable() const
+    {
+        return kind == MemberKind::Method || kind == MemberKind::Event;
+    }
 };
 } // namespace zt::detail

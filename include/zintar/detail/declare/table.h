@@ -1,13 +1,14 @@
 #pragma once
 
 #include <zintar/detail/declare/record.h>
+#include <zintar/detail/values/objectpointers.h>
 #include <zintar/staticmetaclass.h>
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string_view>
 #include <typeindex>
-#include <vector>
 
 /// @file
 /// The table of a declared class, made from the list of its members. The list is constant data;
@@ -20,16 +21,14 @@ namespace zt::detail
 [[nodiscard]] ZT_EXPORT int positionInList(const MemberRecord* members, std::size_t count,
                                            const void* variable);
 
-/// What a class table is made from.
+/// What a class table is made from, as constant data.
 struct ClassDeclaration {
-    std::string_view typeName;
+    const ObjectPointer* pointer = nullptr; ///< the type of pointers to const objects of the class
     const MemberRecord* members = nullptr;
     std::size_t memberCount = 0;
     const InfoText* infos = nullptr;
     /// Gives the super class, complete; null for the root.
-    const ZTMetaClass& (*superClass)() = nullptr;
-    /// Registers the types of pointers to the class and gives the one without `const`.
-    const ZTMetaType& (*registerPointers)() = nullptr;
+    ClassFunction superClass = nullptr;
     /// What the table's callbacks are: they ask the class, since a host may have a copy of its
     /// table in a descriptor of its own.
     int (*positionByFunction)(const ZTMetaClass* self, void* function) = nullptr;
@@ -50,44 +49,43 @@ public:
     explicit ClassTable(const ClassDeclaration& declaration);
     ClassTable(const ClassTable&) = delete;
     ClassTable& operator=(const ClassTable&) = delete;
-    ~ClassTable() = delete;
+    ~ClassTable();
 
     [[nodiscard]] const ZTMetaClass& metaClass() const { return *m_descriptor; }
 
-    /// Among the own invokables, of the last one that fits; -1 when there is none.
+    // Among the own invokables, of the last one that fits; -1 when there is none.
     [[nodiscard]] int positionOf(const void* function) const;
     [[nodiscard]] int positionOf(std::string_view name, bool isConst,
                                  const std::type_index& signature) const;
 
 private:
-    void addMembers();
+    struct Records;
+
     void joinSuperClass();
-    void fillTypes();
+    void linkChangeEvents();
     void indexProperties();
     void indexInvokables();
-    void linkChangeEvents();
 
-    ClassDeclaration m_declaration;
-
-    std::vector<ZTStaticMetaClassInfoData> m_classInfos;
-    std::vector<ZTStaticMetaEnumData> m_enums;
-    std::vector<ZTStaticMetaPropertyData> m_properties;
-    std::vector<ZTStaticMetaInvokableData> m_invokables;
-    std::vector<ZTPropertyInfo> m_propertyInfos;
-    std::vector<const ZTMetaType*> m_parameterTypes;
-
-    // The list's properties and invokables, in its order.
-    std::vector<const MemberRecord*> m_propertyRecords;
-    std::vector<const MemberRecord*> m_invokableRecords;
-
-    // What the class data points to.
-    std::vector<const ZTStaticMetaClassInfoData*> m_classInfoList;
-    std::vector<const ZTStaticMetaEnumData*> m_enumList;
-    std::vector<const ZTStaticMetaPropertyData*> m_propertyList;
-    std::vector<const ZTStaticMetaInvokableData*> m_invokableList;
-
+    const ClassDeclaration& m_declaration;
+    std::unique_ptr<Records> m_records;
     std::unique_ptr<ZTStaticMetaClass> m_descriptor;
     std::unique_ptr<PropertyIndex> m_propertyIndex;
     std::unique_ptr<InvokableIndex> m_invokableIndex;
 };
+
+/// The one table of a class, made when it is asked for.
+struct DeclaredClass {
+    const ClassDeclaration& declaration;
+    std::atomic<ClassTable*> table = nullptr;
+    /// Of the table, once it is there.
+    std::atomic<const ZTMetaClass*> descriptor = nullptr;
+};
+
+[[nodiscard]] ZT_EXPORT ClassTable& tableOf(DeclaredClass& declared);
+
+[[nodiscard]] inline const ZTMetaClass& classIn(DeclaredClass& declared)
+{
+    const ZTMetaClass* known = declared.descriptor.load(std::memory_order_acquire);
+    return known ? *known : tableOf(declared).metaClass();
+}
 } // namespace zt::detail

@@ -19,6 +19,8 @@ const ZTMetaType& registerType(const std::string& alias = {})
     if constexpr (std::is_void_v<T>) {
         return ztRegisterMetaType(typeid(T), ztTypeName<T>(), alias, nullptr, nullptr, nullptr,
                                   nullptr, nullptr, nullptr, nullptr, nullptr);
+    } else if constexpr (isObjectPointer<T>) {
+        return registerPointer(objectPointer<T>, alias);
     } else {
         using Functions = TypeFunctions<T>;
         const ZTMetaType& type = ztRegisterMetaType(
@@ -41,13 +43,24 @@ template <class T>
 inline std::atomic<bool> knownToBeInBlocks = false;
 
 template <class T>
+const ZTMetaType& findOrRegister()
+{
+    if constexpr (isObjectPointer<T>) {
+        return typeOf(objectPointer<T>);
+    } else {
+        const ZTMetaType* known = ztMetaType(std::type_index(typeid(T)));
+        const ZTMetaType& type = known ? *known : registerType<T>();
+        if constexpr (isInAnonymousScope(ztTypeName<T>()))
+            if (known)
+                warnOfTakenIdentity(type, TypeFunctions<T>::destroy());
+        return type;
+    }
+}
+
+template <class T>
 [[gnu::noinline]] const ZTMetaType& findOrRegisterType()
 {
-    const ZTMetaType* known = ztMetaType(std::type_index(typeid(T)));
-    const ZTMetaType& type = known ? *known : registerType<T>();
-    if constexpr (isInAnonymousScope(ztTypeName<T>()))
-        if (known)
-            warnOfTakenIdentity(type, TypeFunctions<T>::destroy());
+    const ZTMetaType& type = findOrRegister<T>();
     knownToBeInBlocks<T>.store(isInBlocks(type), std::memory_order_relaxed);
     knownType<T>.store(&type, std::memory_order_release);
     return type;

@@ -46,8 +46,11 @@ ZT_EXPORT bool convertOrWarn(const ZTVariant& variant, const ZTMetaType& target,
                              std::string_view askedType);
 
 /// The pointer that a variant of another type than `target` gives: by `nonConst`, the same
-/// pointer type without the `const` of the pointee, if there is one; by the class tree; or by a
-/// registered converter.
+/// pointer type without the `const` of the pointee, if there is one; or by the class tree.
+/// @return false when there is no such relation, with `result` untouched
+bool retrieveRelated(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,
+                     void*& result);
+/// The same, or by a registered converter.
 ZT_EXPORT bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target,
                                const ZTMetaType* nonConst, void*& result,
                                std::string_view askedType);

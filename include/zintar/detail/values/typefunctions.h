@@ -3,6 +3,7 @@
 #include <zintar/datastream.h>
 #include <zintar/detail/blocks.h>
 #include <zintar/detail/values/abilities.h>
+#include <zintar/detail/values/objectpointers.h>
 #include <zintar/metatype.h>
 
 #include <concepts>
@@ -17,12 +18,6 @@
 
 namespace zt::detail
 {
-template <class T>
-concept Complete = requires
-{
-    sizeof(T);
-};
-
 template <class T>
 inline constexpr bool isDataPointer =
     std::is_pointer_v<T> && !std::is_function_v<std::remove_pointer_t<T>>;
@@ -241,7 +236,7 @@ constexpr ClassFunction findClassOfPointer()
                           "used as a value: include its header, so that the library can see "
                           "whether it is an object class.");
             if constexpr (std::is_base_of_v<ZTBase, Pointee>)
-                return []() -> const ZTMetaClass* { return &Pointee::typeMetaClass(); };
+                return &classOf<Pointee>;
         }
     }
     return nullptr;

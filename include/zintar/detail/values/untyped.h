@@ -17,5 +17,5 @@ using PrintFunction = void (*)(std::ostream& stream, const void* value);
 using AssignFunction = void (*)(void* target, const void* source);
 using ConverterFunction = bool (*)(const void* source, void* target);
 /// Gives the class that a pointer type points to, complete.
-using ClassFunction = const ZTMetaClass* (*)();
+using ClassFunction = const ZTMetaClass& (*)();
 } // namespace zt::detail

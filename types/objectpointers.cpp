@@ -1,0 +1,39 @@
+#include <zintar/detail/values/objectpointers.h>
+
+#include "metatypeprivate.h"
+
+#include <zintar/base.h>
+
+namespace zt::detail
+{
+std::string nameOf(const ObjectPointer& pointer)
+{
+    std::string name = pointer.nonConst ? "const " : "";
+    return name.append(pointer.className).append("*");
+}
+
+const ZTMetaType& registerPointer(const ObjectPointer& pointer, const std::string& alias)
+{
+    // A pointer to the root stands for them all: nobody looks at what they point to.
+    using Functions = TypeFunctions<ZTBase*>;
+    const ZTMetaType& type = ztRegisterMetaType(
+        *pointer.type, nameOf(pointer), alias, Functions::create(), Functions::destroy(),
+        Functions::createDefault(), Functions::compare(), Functions::serialize(),
+        Functions::deserialize(), Functions::print(), nullptr, sizeof(BlockOf<ZTBase*>),
+        Functions::assign(), pointer.findClass);
+    warnOfTakenName(type);
+    return type;
+}
+
+const ZTMetaType& typeOf(const ObjectPointer& pointer)
+{
+    const ZTMetaType* known = ztMetaType(std::type_index(*pointer.type));
+    if (!known)
+        return registerPointer(pointer);
+    // Their functions are the same, but their classes are not.
+    const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(*known);
+    if (pointer.isInAnonymousScope && isInBlocks(*known) && record.findClass != pointer.findClass)
+        warnOfNamesake(record.name);
+    return *known;
+}
+} // namespace zt::detail
