@@ -271,7 +271,7 @@ void World::unsubscribe(const Operands& o)
             ended = ZTBase::unsubscribe(static_cast<Actor*>(sender), &Actor::said, receiver,
                                         &Actor::hear);
         else if (isMember)
-            ended = ZTBase::unsubscribe(sender, described, receiver, &Actor::hear);
+            ended = ZTBase::unsubscribe(sender, nullptr, receiver, &Actor::hear);
         else
             ended = ZTBase::unsubscribe(sender, described, receiver, note);
     });

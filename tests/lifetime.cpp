@@ -1,5 +1,6 @@
 #include "support/hostclasses.h"
 
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -12,14 +13,6 @@ using namespace host;
 class Lifetime : public TreeTest
 {
 protected:
-    /// Moves the one into the other, and gives what was told.
-    std::string become(Named* to, Named* from)
-    {
-        *to = std::move(*from);
-        delete from;
-        return diary.take();
-    }
-
     std::unique_ptr<Named> g{watched("g")};
     Named *a = watched("a", g.get()), *a1 = watched("a1", a), *a2 = watched("a2", a1);
     Named *d = watched("d", a), *b = watched("b", g.get()), *b1 = watched("b1", b);
@@ -150,7 +143,9 @@ TEST_F(Move, AssignmentReplacesWithoutDestroyed)
     *b = std::move(itself);
     EXPECT_EQ(treeOf(g.get()) + diary.take(), "g(a(a1(a2) d) b(b1))");
     auto* o = new Named("o");
-    EXPECT_EQ(become(b, o), "g-o ~b1");
+    *b = std::move(*o);
+    delete o;
+    EXPECT_EQ(diary.take(), "g-o ~b1");
     EXPECT_EQ(treeOf(g.get()) + treeOf(b), "g(a(a1(a2) d))o");
     EXPECT_FALSE(old);
     EXPECT_FALSE(b->isBlockingSentEvents());

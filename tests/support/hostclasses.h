@@ -4,7 +4,6 @@
 
 #include <zintar/zintar.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -77,8 +76,6 @@ public:
         sendEvent<&Self::carried>(value, weight);
     }
     void mute() {}
-    using ZTBase::activeEventIndex;
-    using ZTBase::eventSender;
     using ZTBase::sendEvent;
 
 private:
@@ -90,7 +87,7 @@ private:
 };
 ZT_CLASS(Speaker)
 
-/// A receiver that notes what it hears as "name:what" and then does what it was told to.
+/// A receiver that notes what it hears as "name:what".
 class Hearer : public Named
 {
     ZT_OBJECT(Hearer, ZTBase)
@@ -102,26 +99,10 @@ public:
     void hearText(const std::string& text) { note(text); }
     void hearAny() { note("any"); }
 
-    /// "said 4 of speaker", or "idle".
-    std::string active() const
-    {
-        if (!activeEvent())
-            return activeEventIndex() == -1 && !eventSender() ? "idle" : "torn";
-        return std::string(activeEvent()->name()) + " " + std::to_string(activeEventIndex()) +
-               " of " + nameOf(eventSender());
-    }
-
     Diary* diary;
-    std::function<void()> then;
 
 private:
-    void note(const std::string& what)
-    {
-        diary->add(nameOf(this) + ":" + what);
-        // A copy, since it may destroy the object.
-        if (auto action = then)
-            action();
-    }
+    void note(const std::string& what) { diary->add(nameOf(this) + ":" + what); }
     static constexpr auto members()
     {
         return zt::members(zt::method<&Self::hear>(), zt::method<&Self::hearTold>(),
