@@ -60,13 +60,10 @@ void callForeign(zt::detail::ZTHandlerBase& handler, const ZTBase* subscriber,
     handler.invoke(handler.isMemberFunction() ? subscriber : nullptr, nullptr, leading);
 }
 
-void callHandler(const ZTSlotEntry& entry, ZTEventValues& values)
+void callHandler(const zt::detail::Handler& handler, const ZTBase* subscriber,
+                 ZTEventValues& values)
 {
-    const ZTBase* subscriber = entry.subscriber ? entry.subscriber->object : nullptr;
-    const zt::detail::Handler& handler = entry.record->handler;
-    if (isInvokable(handler))
-        invokableOf(handler).invoke(zt::detail::LentVariant(subscriber), values.array());
-    else if (isForeign(handler))
+    if (isForeign(handler))
         callForeign(foreignOf(handler), subscriber, values.addresses(handler));
     else if (handler.kind->takesArray)
         handler.kind->call(handler.word, subscriber, &values.array());
@@ -76,7 +73,7 @@ void callHandler(const ZTSlotEntry& entry, ZTEventValues& values)
 } // namespace
 
 /// Whether a subscription is to be called now.
-bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues& values) const
+inline bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues& values) const
 {
     if (!entry.record || (entry.subscriber && entry.subscriber->isBlockingReceived()))
         return false;
@@ -91,7 +88,11 @@ bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues& values
     if (!isReached(entry, values))
         return;
     m_receiver = entry.subscriber;
-    callHandler(entry, values);
+    const zt::detail::Handler& handler = entry.record->handler;
+    if (!isInvokable(handler))
+        return callHandler(handler, entry.subscriber ? entry.subscriber->object : nullptr, values);
+    const ZTBase* subscriber = entry.subscriber->object;
+    invokableOf(handler).invoke(zt::detail::LentVariant(subscriber), values.array());
 }
 
 // What a handler may end, and what may move meanwhile, is not used behind its call.

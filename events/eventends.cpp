@@ -2,32 +2,79 @@
 
 #include "../object/baseprivate.h"
 
-ZTSubscription ZTEventEnds::addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record)
+namespace
+{
+/// So many subscriptions of one subscriber can be looked at one by one.
+constexpr int few = 16;
+
+bool hasFewReceived(const ZTBasePrivate& subscriber)
+{
+    int left = few;
+    for (auto* record = subscriber.events.senders; record && left > 0; record = record->next)
+        --left;
+    return left > 0;
+}
+
+/// Makes sure that the subscriptions of a subscriber can be found when there is one more.
+void reserveReceived(ZTBasePrivate& subscriber)
+{
+    if (ZTReceivedIndex* index = subscriber.extras.receivedIndex())
+        index->reserve();
+    else if (!hasFewReceived(subscriber))
+        subscriber.extras.needParts().receivedIndex =
+            std::make_unique<ZTReceivedIndex>(ZTReceivedList{subscriber.events.senders});
+}
+} // namespace
+
+ZTSubscription ZTEventEnds::add(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
     ZTSubscription subscription(record);
+    ZTBasePrivate* subscriber = record->subscriber;
+    if (subscriber)
+        reserveReceived(*subscriber);
     ZTBasePrivate& sender = *record->sender;
     ZTEventSlot& slot = sender.events.eventSlots.findOrMake(record->eventIndex);
     // What the slot knows of its handlers is about the class that this one fits.
     (void)slot.eventOf(*sender.object);
     slot.add(record);
-    if (ZTBasePrivate* subscriber = record->subscriber)
-        subscriber->events.addReceived(*record);
+    if (!subscriber)
+        return subscription;
+    ZTReceivedList list{subscriber->events.senders};
+    if (ZTReceivedIndex* index = subscriber->extras.receivedIndex())
+        index->insert(list, *record);
+    else
+        list.insertFirst(*record);
     return subscription;
 }
 
-void ZTEventEnds::addReceived(ZTSubscriptionPrivate& record)
+void ZTEventEnds::leaveSubscriber(ZTSubscriptionPrivate& record)
 {
-    record.next = senders;
-    if (record.next)
-        record.next->previous = &record;
-    senders = &record;
+    if (!record.subscriber)
+        return;
+    ZTReceivedList list{record.subscriber->events.senders};
+    if (ZTReceivedIndex* index = record.subscriber->extras.receivedIndex())
+        index->remove(list, record);
+    else
+        list.remove(record);
 }
 
-void ZTEventEnds::removeReceived(ZTSubscriptionPrivate& record)
+void ZTEventEnds::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
-    (record.previous ? record.previous->next : senders) = record.next;
-    if (record.next)
-        record.next->previous = record.previous;
-    record.previous = nullptr;
-    record.next = nullptr;
+    ZTEventSlot& slot = *record.sender->events.eventSlots.find(record.eventIndex);
+    slot.end(record, ended);
+    slot.compact();
+}
+
+void ZTEventEnds::endReceived(ZTBasePrivate& subscriber, ZTLetGo& ended)
+{
+    if (ZTExtras::Parts* parts = subscriber.extras.parts())
+        parts->receivedIndex.reset(); // nobody searches any more
+    while (subscriber.events.senders)
+        end(*subscriber.events.senders, ended);
+}
+
+void ZTEventEnds::endSent(ZTLetGo& ended)
+{
+    eventSlots.forEach([&](ZTEventSlot& slot) { slot.endAll(ended); });
+    eventSlots.clear();
 }

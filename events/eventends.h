@@ -12,17 +12,19 @@ struct ZTEventEnds {
     [[nodiscard]] bool areNone() const { return !senders && eventSlots.areNone(); }
 
     /// Adds a subscription to the ends of both its objects. May throw, and changes nothing then.
-    static ZTSubscription addSubscription(std::shared_ptr<ZTSubscriptionPrivate> record);
+    static ZTSubscription add(std::shared_ptr<ZTSubscriptionPrivate> record);
+    /// Takes a subscription out of the list of its subscriber.
+    static void leaveSubscriber(ZTSubscriptionPrivate& record);
+
+    static void end(ZTSubscriptionPrivate& record, ZTLetGo& ended);
+    /// Ends what the pattern means, and tells whether there was any: unsubscribe.cpp.
+    static bool endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
 
     // The sender's side.
-    /// Ends what the pattern means, and tells whether there was any.
-    bool endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
     void endSent(ZTLetGo& ended);
 
     // The receiver's side.
-    void addReceived(ZTSubscriptionPrivate& record);
-    void removeReceived(ZTSubscriptionPrivate& record);
-    void endReceived(ZTLetGo& ended);
+    static void endReceived(ZTBasePrivate& subscriber, ZTLetGo& ended);
 
     /// The subscriptions in which this object is the subscriber, through which it finds its
     /// senders: the head of a list that runs through the records.

@@ -3,16 +3,12 @@
 #include "../reflection/parameters.h"
 #include "delivery.h"
 
-#include <new>
 #include <utility>
 
 using zt::detail::HandlerView;
 
 namespace
 {
-/// Up to here a look at each entry costs less than an index.
-constexpr std::size_t fewEntries = 64;
-
 decltype(ZTSlotEntry::typedCall) typedCallOf(const ZTSubscriptionPrivate& record)
 {
     return record.takesEvent && !record.handler.kind->takesArray ? record.handler.kind->call
@@ -21,8 +17,7 @@ decltype(ZTSlotEntry::typedCall) typedCallOf(const ZTSubscriptionPrivate& record
 
 void endRecord(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
-    if (record.subscriber)
-        record.subscriber->events.removeReceived(record);
+    ZTEventEnds::leaveSubscriber(record);
     record.active.store(false, std::memory_order_release);
     ended.add(keptOf(record.handler));
 }
@@ -35,20 +30,11 @@ void ZTEventSlot::add(std::shared_ptr<ZTSubscriptionPrivate> record)
     subscriptions.push_back(
         {std::move(record), {added.subscriber}, typedCallOf(added), added.handler.word});
     ++listed;
-    if (!m_index)
-        return;
-    try {
-        m_index->add(subscriptions.back());
-    } catch (const std::bad_alloc&) { // it is made again when somebody searches
-        m_index.reset();
-    }
 }
 
 void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
     ZTSlotEntry& entry = subscriptions[record.position];
-    if (m_index)
-        m_index->remove(entry);
     endRecord(record, ended);
     entry = {};
     --listed;
@@ -58,47 +44,13 @@ void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 bool ZTEventSlot::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
 {
     const std::size_t before = listed;
-    if (pattern.subscriber && listed > fewEntries && makeIndex()) {
-        endIndexed(pattern, ended);
-    } else {
-        for (std::size_t i = 0; i < subscriptions.size(); ++i)
-            if (ZTSubscriptionPrivate* record = subscriptions[i].record.get())
-                if (pattern.means(*record))
-                    end(*record, ended);
-    }
+    for (std::size_t i = 0; i < subscriptions.size(); ++i)
+        if (ZTSubscriptionPrivate* record = subscriptions[i].record.get())
+            if (pattern.means(*record))
+                end(*record, ended);
     const bool any = listed < before;
     compact();
     return any;
-}
-
-void ZTEventSlot::endIndexed(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
-{
-    for (bool isComparable : {true, false}) {
-        if (!isComparable && pattern.hasHandler())
-            return;
-        std::size_t next = ZTSlotIndex::none;
-        for (auto i = m_index->first(pattern.subscriber, isComparable); i != ZTSlotIndex::none;
-             i = next) {
-            next = m_index->after(i);
-            ZTSubscriptionPrivate& record = *subscriptions[i].record;
-            if (pattern.means(record))
-                end(record, ended);
-        }
-    }
-}
-
-/// False where there is no memory for it.
-bool ZTEventSlot::makeIndex()
-{
-    if (m_index && m_index->isCrowded())
-        m_index.reset();
-    if (m_index)
-        return true;
-    try {
-        m_index = std::make_unique<ZTSlotIndex>(subscriptions);
-    } catch (const std::bad_alloc&) {
-    }
-    return m_index != nullptr;
 }
 
 void ZTEventSlot::endAll(ZTLetGo& ended)
@@ -116,7 +68,6 @@ void ZTEventSlot::compact()
 {
     if (empty <= std::size_t{listed} + dispatching)
         return;
-    m_index.reset();
     std::size_t kept = 0;
     for (ZTSlotEntry& entry : subscriptions) {
         if (entry.record)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "../reflection/descriptorlives.h"
-#include "slotindex.h"
 #include "subscriptionrecord.h"
 
 #include <zintar/base.h>
@@ -96,13 +95,9 @@ private:
         return zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
     }
     void askAnew(const ZTMetaClass& senderClass);
-    void endIndexed(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
-    bool makeIndex();
 
     // The last answer of `eventOf`.
     unsigned int m_descriptorsEnded = 0;
     const ZTMetaClass* m_class = nullptr;
     const ZTMetaInvokable* m_event = nullptr;
-    /// Null as long as nobody had to search among many.
-    std::unique_ptr<ZTSlotIndex> m_index;
 };

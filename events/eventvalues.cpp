@@ -36,17 +36,19 @@ void ZTEventValues::fitToOther(const ZTMetaInvokable& event)
 
 const ZTArgumentArray& ZTEventValues::array()
 {
-    if (!m_array) {
-        m_lent.emplace();
-        for (unsigned int i = 0; i < m_declared->parameterCount(); ++i) {
-            const ZTMetaType& type = m_declared->parameterMetaType(i);
-            if (&type == &::ztMetaType<ZTVariant>())
-                m_lent->lend(i, *static_cast<const ZTVariant*>(m_addresses[i]));
-            else
-                m_lent->lend(i, type, m_addresses[i]);
-        }
-        m_array = &static_cast<const ZTArgumentArray&>(*m_lent);
+    if (m_array)
+        return *m_array;
+    m_lent.emplace();
+    const ZTMetaType& variantType = ::ztMetaType<ZTVariant>();
+    const unsigned int count = m_declared->parameterCount();
+    for (unsigned int i = 0; i < count; ++i) {
+        const ZTMetaType& type = m_declared->parameterMetaType(i);
+        if (&type == &variantType)
+            m_lent->lend(i, *static_cast<const ZTVariant*>(m_addresses[i]));
+        else
+            m_lent->lend(i, type, m_addresses[i]);
     }
+    m_array = &static_cast<const ZTArgumentArray&>(*m_lent);
     return *m_array;
 }
 

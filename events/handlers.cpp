@@ -68,13 +68,6 @@ std::string HandlerView::title() const
            std::string(isForeign(handler) ? foreignOf(handler).typeName() : handler.kind->name);
 }
 
-bool HandlerView::isComparable() const
-{
-    if (isForeign(handler))
-        return foreignOf(handler).isComparable();
-    return isInvokable(handler) || handler.kind->type;
-}
-
 bool HandlerView::equals(const HandlerKey& key) const
 {
     if (isForeign(handler))

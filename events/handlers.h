@@ -46,6 +46,25 @@ inline KeptHandler* keptOf(const Handler& handler)
                                                 : nullptr;
 }
 
+/// As what handlers can be found: two of the same identity may be the same handler.
+struct HandlerIdentity {
+    enum Found : unsigned char { ByWord, ByAsking, Never };
+
+    bool operator==(const HandlerIdentity&) const = default;
+
+    Found found = Never;
+    std::uintptr_t word = 0;
+};
+
+inline HandlerIdentity identityOf(const Handler& handler)
+{
+    if (isForeign(handler) || handler.kind->equals)
+        return {HandlerIdentity::ByAsking};
+    if (isInvokable(handler) || handler.kind->type)
+        return {HandlerIdentity::ByWord, handler.word};
+    return {};
+}
+
 /// A handler as the checks see it.
 struct HandlerView {
     [[nodiscard]] unsigned int parameterCount() const;
@@ -53,8 +72,6 @@ struct HandlerView {
     [[nodiscard]] bool isMemberFunction() const;
     /// Names it in messages.
     [[nodiscard]] std::string title() const;
-    /// Whether it can be found by its value.
-    [[nodiscard]] bool isComparable() const;
     /// Whether it is what the key denotes.
     [[nodiscard]] bool equals(const HandlerKey& key) const;
 

@@ -123,8 +123,7 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
     if (!hasSubscriber(*event, subscriber, handler) || !checkParameters(*event, {handler}) ||
         !checkClass(*sender, *event, {handler}))
         return {};
-    ZTSubscription subscription =
-        ZTEventEnds::addSubscription(makeRecord(sender, *event, subscriber, handler));
+    ZTSubscription subscription = ZTEventEnds::add(makeRecord(sender, *event, subscriber, handler));
     owned.release();
     return subscription;
 }

@@ -50,6 +50,11 @@ struct ZTSubscriptionPattern {
     [[nodiscard]] bool means(const ZTSubscriptionPrivate& record) const;
     /// Whether only a handler that can be found by its value can be meant.
     [[nodiscard]] bool hasHandler() const { return invokable || key; }
+    /// The word of that handler, if it has one that tells it from others.
+    [[nodiscard]] std::uintptr_t wordOfHandler() const
+    {
+        return invokable ? reinterpret_cast<std::uintptr_t>(invokable) : key->word;
+    }
 
     ZTBasePrivate* sender = nullptr;
     ZTBasePrivate* subscriber = nullptr;

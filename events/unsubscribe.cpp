@@ -1,53 +1,83 @@
 #include "../object/baseprivate.h"
 
+// Whatever a pattern means is in the lists of both ends. That of the subscriber, if one is meant,
+// is the one to search: it is short, or has an index.
+
 namespace
 {
-void endSubscription(ZTSubscriptionPrivate& record, ZTLetGo& ended)
+/// Ends one subscription after the other, as far as the pattern means it.
+class EndingMeant
 {
-    ZTEventSlot& slot = *record.sender->events.eventSlots.find(record.eventIndex);
-    slot.end(record, ended);
-    slot.compact();
+public:
+    EndingMeant(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
+        : m_pattern(pattern), m_ended(ended)
+    {}
+    void operator()(ZTSubscriptionPrivate& record)
+    {
+        if (!m_pattern.means(record))
+            return;
+        ZTEventEnds::end(record, m_ended);
+        m_any = true;
+    }
+    [[nodiscard]] bool any() const { return m_any; }
+
+private:
+    const ZTSubscriptionPattern& m_pattern;
+    ZTLetGo& m_ended;
+    bool m_any = false;
+};
+
+void endIndexed(const ZTReceivedIndex& index, int eventIndex, const ZTSubscriptionPattern& pattern,
+                EndingMeant& endMeant)
+{
+    using zt::detail::HandlerIdentity;
+    ZTReceivedIndex::Key key{pattern.sender, eventIndex};
+    if (!pattern.hasHandler())
+        return index.forEachOfEvent(key, endMeant);
+    key.handler = {HandlerIdentity::ByWord, pattern.wordOfHandler()};
+    index.forEachOfHandler(key, endMeant);
+    key.handler = {HandlerIdentity::ByAsking};
+    index.forEachOfHandler(key, endMeant);
 }
 
-/// Whether the list of a subscriber is shorter to walk than the slots of a sender.
-bool hasFewReceived(const ZTBasePrivate& subscriber)
+void endAmongReceived(const ZTSubscriptionPattern& pattern, EndingMeant& endMeant)
 {
-    int left = 16;
-    for (auto* record = subscriber.events.senders; record && left > 0; record = record->next)
-        --left;
-    return left > 0;
-}
-
-/// Ends what the pattern means, by the list of its subscriber.
-bool endAmongReceived(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
-{
-    bool any = false;
+    const ZTReceivedIndex* index = pattern.subscriber->extras.receivedIndex();
+    if (index && pattern.event)
+        return endIndexed(*index, pattern.eventIndex, pattern, endMeant);
+    if (index) {
+        pattern.sender->events.eventSlots.forEach(
+            [&](const ZTEventSlot& slot) { endIndexed(*index, slot.index, pattern, endMeant); });
+        return;
+    }
     ZTSubscriptionPrivate* next = nullptr;
     for (auto* record = pattern.subscriber->events.senders; record; record = next) {
         next = record->next;
-        if (!pattern.means(*record))
-            continue;
-        endSubscription(*record, ended);
-        any = true;
+        endMeant(*record);
     }
+}
+
+/// Ends what anybody has.
+bool endAmongSent(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
+{
+    const ZTEventSlots& slots = pattern.sender->events.eventSlots;
+    if (pattern.event) {
+        ZTEventSlot* slot = slots.find(pattern.eventIndex);
+        return slot && slot->endMatching(pattern, ended);
+    }
+    bool any = false;
+    slots.forEach([&](ZTEventSlot& slot) { any |= slot.endMatching(pattern, ended); });
     return any;
 }
 } // namespace
 
 bool ZTEventEnds::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
 {
-    if (eventSlots.areNone())
-        return false;
-    // Whatever matches is in the lists of both ends.
-    if (pattern.subscriber && hasFewReceived(*pattern.subscriber))
-        return endAmongReceived(pattern, ended);
-    if (pattern.event) {
-        ZTEventSlot* slot = eventSlots.find(pattern.eventIndex);
-        return slot && slot->endMatching(pattern, ended);
-    }
-    bool any = false;
-    eventSlots.forEach([&](ZTEventSlot& slot) { any |= slot.endMatching(pattern, ended); });
-    return any;
+    if (!pattern.subscriber)
+        return endAmongSent(pattern, ended);
+    EndingMeant endMeant(pattern, ended);
+    endAmongReceived(pattern, endMeant);
+    return endMeant.any();
 }
 
 bool ZTBase::unsubscribe(const ZTBase* subscriber) const
@@ -68,9 +98,9 @@ bool ZTBase::unsubscribe(const ZTSubscription& subscription)
                                           record->eventIndex,
                                           &invokableOf(record->handler),
                                           nullptr};
-        return record->sender->events.endMatching(alike, ended);
+        return ZTEventEnds::endMatching(alike, ended);
     }
-    endSubscription(*record, ended);
+    ZTEventEnds::end(*record, ended);
     return true;
 }
 
@@ -80,7 +110,7 @@ void ZTScopedSubscription::reset() noexcept
     ZTSubscription subscription = release();
     auto record = subscription.m_record.lock();
     if (record && record->isActive())
-        endSubscription(*record, ended);
+        ZTEventEnds::end(*record, ended);
 }
 
 namespace
@@ -100,7 +130,7 @@ bool endByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBa
         (pattern.hasHandler() && !subscriber))
         return false;
     ZTLetGo ended;
-    return pattern.sender->events.endMatching(pattern, ended);
+    return ZTEventEnds::endMatching(pattern, ended);
 }
 } // namespace
 
@@ -115,16 +145,4 @@ bool ZTBase::unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
 {
     return endByPattern(sender, event, subscriber, nullptr,
                         static_cast<const zt::detail::HandlerKey*>(key));
-}
-
-void ZTEventEnds::endReceived(ZTLetGo& ended)
-{
-    while (senders)
-        endSubscription(*senders, ended);
-}
-
-void ZTEventEnds::endSent(ZTLetGo& ended)
-{
-    eventSlots.forEach([&](ZTEventSlot& slot) { slot.endAll(ended); });
-    eventSlots.clear();
 }

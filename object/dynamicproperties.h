@@ -47,9 +47,8 @@ public:
             ZTDynamicProperty* const* found = m_index->find(name);
             return found ? *found : nullptr;
         }
-        const zt::detail::NameKey key(name);
         ZTDynamicProperty* one = m_first.get();
-        while (one && !(zt::detail::NameKey(one->name) == key))
+        while (one && one->name != name)
             one = one->next.get();
         return one;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../events/eventblockers.h"
+#include "../events/receivedindex.h"
 #include "dynamicproperties.h"
 #include "references.h"
 
@@ -19,6 +20,7 @@ public:
         ZTReferences references;
         ZTDynamicProperties dynamicProperties;
         ZTEventBlockers blockers;
+        std::unique_ptr<ZTReceivedIndex> receivedIndex;
     };
 
     ZTExtras() = default;
@@ -35,6 +37,12 @@ public:
     /// May throw, and changes nothing then.
     Parts& needParts();
 
+    /// Null as long as the object has few subscriptions to others.
+    [[nodiscard]] ZTReceivedIndex* receivedIndex() const
+    {
+        const Parts* all = parts();
+        return all ? all->receivedIndex.get() : nullptr;
+    }
     [[nodiscard]] ZTEventBlockers blockers() const
     {
         return m_word & 1 ? ZTEventBlockers(reinterpret_cast<ZTEventBlocker*>(m_word - 1))

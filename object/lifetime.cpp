@@ -82,7 +82,7 @@ void ZTBasePrivate::takeApart() noexcept
 {
     ZTLetGo ended;
     stage = ZTLifeStage::TornDown;
-    events.endReceived(ended);
+    ZTEventEnds::endReceived(*this, ended);
     if (parent)
         setParent(nullptr);
     deleteChildren(); // as deep as the tree is, so here is little on the stack
@@ -91,7 +91,7 @@ void ZTBasePrivate::takeApart() noexcept
 
 [[gnu::noinline]] void ZTBasePrivate::takeRestApart(ZTLetGo& ended) noexcept
 {
-    events.endReceived(ended); // what a handler has subscribed meanwhile
+    ZTEventEnds::endReceived(*this, ended); // what a handler has subscribed meanwhile
     const ZTExtras lastParts = std::move(extras);
     bool wasHeld = false;
     if (ZTExtras::Parts* parts = lastParts.parts()) {

@@ -10,11 +10,21 @@ def held(result):
     return " + ".join(part for part in (in_place, heap) if part)
 
 
+def judged(thing, result):
+    """What is asked, and whether it holds."""
+    target = thing.get("target")
+    if not target:
+        return ["-", "report"]
+    holds = result["bytes"] <= target["bytes"] and round(result["blocks"]) <= target["blocks"]
+    return [f"{target['bytes']} B in {target['blocks']}", "ok" if holds else "over"]
+
+
 def report(build, pattern):
     things = select("memory", pattern)
     results = run_counted(build / "bench_memory", [thing["id"] for thing in things])
     libraries = measured_libraries(results.values())
-    print_table(["thing", *(LIBRARIES[library] for library in libraries)],
-                [[thing["title"], *(held(results[thing["id"]][library])
-                                    if library in results[thing["id"]] else "-"
-                                    for library in libraries)] for thing in things])
+    print_table(["thing", *(LIBRARIES[library] for library in libraries), "target", "verdict"],
+                [[thing["title"],
+                  *(held(results[thing["id"]][library])
+                    if library in results[thing["id"]] else "-" for library in libraries),
+                  *judged(thing, results[thing["id"]]["zintar"])] for thing in things])
