@@ -19,6 +19,7 @@ struct Restless {
     Restless(const Restless& other) : copied(other.copied), compared(other.compared)
     {
         run(copied);
+        EXPECT_EQ(copied, other.copied); // what is copied stays so long
     }
     Restless& operator=(const Restless&) = default;
     bool operator==(const Restless& other) const
@@ -131,6 +132,28 @@ TEST_F(HostCode, RaisedValueThatDoesNotFitIsTold)
         "nothing. Handlers get a default value.\n",
         raise);
     EXPECT_EQ(diary.take(), "0");
+}
+
+TEST_F(HostCode, ClassChangesWhileTypedValuesAreOnTheirWay)
+{
+    struct Changeling : Speaker {
+        const ZTMetaClass* metaClass() const override { return own ? own : Speaker::metaClass(); }
+        const ZTMetaClass* own = nullptr;
+    } object;
+    ZTMetaClassBuilder builder; // where the speaker says a number this one says a text
+    builder.setSuperClass(&ZTBase::typeMetaClass());
+    builder.addInvokable().setEvent<std::string>();
+    const std::unique_ptr<ZTMetaClass> other(builder.toMetaClass());
+    ZTBase::subscribe(&object, &Speaker::said, &observer, [&] {
+        if (std::exchange(object.own, other.get()) != other.get())
+            object.sendEvent(4, {ZTVariant("text")});
+    });
+    object.own = other.get();
+    ZTBase::subscribe(&object, other->invokable(4U), &observer,
+                      [&](const std::string& text) { diary.add(text); });
+    object.own = nullptr;
+    object.said(1);
+    EXPECT_EQ(diary.take(), "text");
 }
 
 TEST_F(HostCode, MemberFunctionIsNotCalledOnWhatItsClassIsGoneOf)
