@@ -1,6 +1,7 @@
 #include "eventends.h"
 
 #include "../object/baseprivate.h"
+#include "delivery.h"
 
 namespace
 {
@@ -77,4 +78,9 @@ void ZTEventEnds::endSent(ZTLetGo& ended)
 {
     eventSlots.forEach([&](ZTEventSlot& slot) { slot.endAll(ended); });
     eventSlots.clear();
+}
+
+void ZTEventEnds::leaveDeliveries(const ZTBasePrivate& receiver) noexcept
+{
+    ZTDelivery::forget(receiver);
 }

@@ -25,6 +25,8 @@ struct ZTEventEnds {
 
     // The receiver's side.
     static void endReceived(ZTBasePrivate& subscriber, ZTLetGo& ended);
+    /// Tells the deliveries that call a handler of the object that it has died.
+    static void leaveDeliveries(const ZTBasePrivate& receiver) noexcept;
 
     /// The subscriptions in which this object is the subscriber, through which it finds its
     /// senders: the head of a list that runs through the records.

@@ -1,6 +1,5 @@
 #include "lifetime.h"
 
-#include "../events/delivery.h"
 
 #include <utility>
 
@@ -109,7 +108,7 @@ void ZTBasePrivate::takeApart() noexcept
 
 [[gnu::noinline]] void ZTBasePrivate::vanish() noexcept
 {
-    ZTDelivery::forget(*this);
+    ZTEventEnds::leaveDeliveries(*this);
     tellWatches();
     delete this;
 }

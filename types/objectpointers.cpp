@@ -2,10 +2,15 @@
 
 #include "metatypeprivate.h"
 
-#include <zintar/base.h>
+#include <zintar/metatypeof.h>
 
 namespace zt::detail
 {
+namespace
+{
+struct AnyObject;
+}
+
 std::string nameOf(const ObjectPointer& pointer)
 {
     std::string name = pointer.nonConst ? "const " : "";
@@ -14,12 +19,12 @@ std::string nameOf(const ObjectPointer& pointer)
 
 const ZTMetaType& registerPointer(const ObjectPointer& pointer, const std::string& alias)
 {
-    // A pointer to the root stands for them all: nobody looks at what they point to.
-    using Functions = TypeFunctions<ZTBase*>;
+    // One stands for them all: nobody looks at what they point to.
+    using Functions = TypeFunctions<AnyObject*>;
     const ZTMetaType& type = ztRegisterMetaType(
         *pointer.type, nameOf(pointer), alias, Functions::create(), Functions::destroy(),
         Functions::createDefault(), Functions::compare(), Functions::serialize(),
-        Functions::deserialize(), Functions::print(), nullptr, sizeof(BlockOf<ZTBase*>),
+        Functions::deserialize(), Functions::print(), nullptr, sizeof(BlockOf<AnyObject*>),
         Functions::assign(), pointer.findClass);
     warnOfTakenName(type);
     return type;
