@@ -1,6 +1,5 @@
 #include "lifetime.h"
 
-
 #include <utility>
 
 namespace
