@@ -85,7 +85,7 @@ struct MemberList {
         for (std::size_t i = 0; i < MemberCount; ++i) {
             auto isSame = [&](std::size_t other) { return isListedTwice(other, i); };
             const MemberIdentity* identity = identities[i];
-            const bool isNamedAnew = !identity || identity->name.data() != members[i].name.data();
+            const bool isNamedAnew = !identity || identity->name != members[i].name;
             const std::uint32_t given =
                 isNamedAnew && hasName(members[i].kind) ? hashOf(members[i].name) : 0;
             if ((identity && places.find(identity->hash, isSame)) ||

@@ -86,7 +86,7 @@ constexpr PropertyEntry<0> propertyEntry()
     entry.identity = &memberIdentity<Getter>;
     entry.record.kind = MemberKind::Property;
     entry.record.name = entry.identity->name;
-    ListedProperty property{&resultType<Result>, &getProperty<Getter>};
+    ListedProperty property{&resultType<Result>, &getProperty<Getter>, nullptr, nullptr};
     if constexpr (!std::is_null_pointer_v<decltype(Setter)>)
         property.setter = &setProperty<Setter>;
     else if constexpr (!Traits::isFunction && !std::is_const_v<Result>)

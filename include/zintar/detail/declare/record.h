@@ -29,23 +29,24 @@ struct Signature {
     unsigned int parameterCount;
 };
 
-/// An enumeration, as constant data.
+// Without initialisers, so that an assignment is enough to put one in the place of another.
+
 struct ListedEnumeration {
-    const std::string_view* enumerators = nullptr;
-    const int* values = nullptr;
+    const std::string_view* enumerators;
+    const int* values;
 };
 
 struct ListedProperty {
-    TypeGetter type = nullptr;
-    ZTStaticMetaPropertyData::Getter getter = nullptr;
-    ZTStaticMetaPropertyData::Setter setter = nullptr;
-    const void* changeEventKey = nullptr; ///< the variable that holds the pointer to the event
+    TypeGetter type;
+    ZTStaticMetaPropertyData::Getter getter;
+    ZTStaticMetaPropertyData::Setter setter; ///< null for one that is only read
+    const void* changeEventKey;              ///< the variable that holds the pointer to it, or null
 };
 
 struct ListedInvokable {
-    const Signature* signature = nullptr;
-    ZTStaticMetaInvokableData::Function function = nullptr;
-    const void* key = nullptr; ///< the variable that holds the pointer to the member
+    const Signature* signature;
+    ZTStaticMetaInvokableData::Function function;
+    const void* key; ///< the variable that holds the pointer to the member
 };
 
 /// One member as the class declares it.
