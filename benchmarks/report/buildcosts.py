@@ -1,13 +1,15 @@
 """The tables of what the compiler pays."""
 import resource
+import shutil
 import statistics
 import subprocess
 import sys
+import tempfile
 
-from programs import BENCHMARKS, print_table
+from programs import BENCHMARKS, TARGETS, print_table
 
 INCLUDE = BENCHMARKS.parent / "include"
-COMPILER = ["g++", "-std=c++20", f"-I{INCLUDE}"]
+OPTIONS = ["-std=c++20", f"-I{INCLUDE}"]
 REPETITIONS = 3
 CLASSES = 50
 # What includes cost elsewhere; those that are not installed are left out.
@@ -15,10 +17,12 @@ OTHER_HEADERS = ["string", "iostream", "functional", "boost/signals2.hpp", "rttr
                  "cereal/archives/binary.hpp"]
 
 
-def compile_source(source, *options):
-    """The output of the compiler, or None when it refuses."""
-    done = subprocess.run([*COMPILER, *options, "-xc++", "-"], input=source, capture_output=True,
-                          text=True)
+def compile_source(source, *options, compiler="g++"):
+    """The output of the compiler, or None when it refuses or is not there."""
+    if not shutil.which(compiler):
+        return None
+    done = subprocess.run([compiler, *OPTIONS, *options, "-xc++", "-"], input=source,
+                          capture_output=True, text=True)
     return done.stdout if done.returncode == 0 else None
 
 
@@ -27,12 +31,12 @@ def processor_seconds():
     return used.ru_utime + used.ru_stime
 
 
-def seconds(source, *options, repetitions=REPETITIONS):
+def seconds(source, *options, compiler="g++", repetitions=REPETITIONS):
     """The processor time of compiling, the median of several runs."""
     taken = []
     for _ in range(repetitions):
         start = processor_seconds()
-        if compile_source(source, *options) is None:
+        if compile_source(source, *options, compiler=compiler) is None:
             sys.exit("What the benchmark generated does not compile.")
         taken.append(processor_seconds() - start)
     return statistics.median(taken)
@@ -90,11 +94,87 @@ def rttr_class(number):
             *listed, "; }"]
 
 
-def classes_row(title, header, make):
-    source = "\n".join([f"#include <{header}>", "#include <string>",
-                        *(line for i in range(CLASSES) for line in make(i)), ""])
-    taken = seconds(source, "-O2", "-S", "-o", "/dev/null", repetitions=1)
-    return [title, f"{taken:.2f} s"]
+def file_of(header, make, count=CLASSES):
+    return "\n".join([f"#include <{header}>", "#include <string>",
+                      *(line for i in range(count) for line in make(i)), ""])
+
+
+def class_of(members):
+    """One class with that many members, all of them properties."""
+    lines = ["class Long : public ZTBase", "{", "    ZT_OBJECT(Long, ZTBase)", "public:"]
+    for i in range(members):
+        lines += [f"    int value{i}() const {{ return {i}; }}", f"    void setValue{i}(int) {{}}"]
+    listed = ", ".join(f"zt::property<&Self::value{i}, &Self::setValue{i}>()"
+                       for i in range(members))
+    return "\n".join(["#include <zintar/zintar.h>", *lines, "    static constexpr auto members()",
+                      "    {", f"        return zt::members({listed});", "    }", "};",
+                      "ZT_CLASS(Long)", ""])
+
+
+def bytes_of_classes():
+    """The bytes that one declared class adds to a program."""
+    def size(count):
+        with tempfile.NamedTemporaryFile(suffix=".o") as made:
+            compile_source(file_of("zintar/zintar.h", declared_class, count), "-O2", "-c", "-o",
+                           made.name)
+            told = subprocess.run(["size", made.name], capture_output=True, text=True, check=True)
+        return sum(int(number) for number in told.stdout.splitlines()[1].split()[:3])
+    return (size(11) - size(1)) / 10
+
+
+def optimised(source, compiler="g++"):
+    if compile_source("", "-E", compiler=compiler) is None:
+        return None
+    return seconds(source, "-O2", "-S", "-o", "/dev/null", compiler=compiler, repetitions=1)
+
+
+def checked(source):
+    return seconds(source, "-fsyntax-only", repetitions=7)
+
+
+def costs():
+    """{id: seconds or bytes}, of the entries of targets.toml; None for what is not installed."""
+    header = "zintar/zintar.h"
+    has_rttr = compile_source("#include <rttr/registration>\n", "-E") is not None
+    included = lambda number: declared_class(number)[:-1]  # without the ZT_CLASS at the end
+    return {
+        "classes": optimised(file_of(header, declared_class)),
+        "classes_rttr": optimised(file_of("rttr/registration", rttr_class)) if has_rttr else None,
+        "classes_plain": optimised(file_of(header, plain_class)),
+        "classes_included": optimised(file_of(header, included)),
+        "header": optimised(file_of(header, declared_class, 0)),
+        "base": checked("#include <zintar/base.h>\n"),
+        "nothing": checked("\n"),
+        "long_250": optimised(class_of(250)),
+        "long_500": optimised(class_of(500)),
+        "long_250_clang": optimised(class_of(250), "clang++"),
+        "long_500_clang": optimised(class_of(500), "clang++"),
+        "class_bytes": bytes_of_classes(),
+    }
+
+
+def written(entry, cost):
+    if cost is None:
+        return "-"
+    return f"{cost:.0f} B" if entry.get("unit") == "bytes" else f"{cost:.2f} s"
+
+
+def judged(entry, measured):
+    """What was reached, what is asked, and the verdict."""
+    target, cost = entry.get("target"), measured[entry["id"]]
+    if not target:
+        return "-", "-", "report"
+    other, title = measured[target["like"]], TITLES[target["like"]]
+    if cost is None or other is None:
+        return "-", title, "not told"
+    if "ratio" in target:
+        reached, asked = cost / other, target["ratio"]
+        return f"{reached:.2f} of it", f"{asked:g} of {title}", "ok" if reached <= asked else "over"
+    reached, asked = cost - other, target["over"]
+    return f"{reached:+.2f} s", f"{title} + {asked:g} s", "ok" if reached <= asked else "over"
+
+
+TITLES = {entry["id"]: entry.get("short", entry["title"]) for entry in TARGETS["build"]}
 
 
 def report():
@@ -102,11 +182,7 @@ def report():
     rows = [header_row(header) for header in headers + OTHER_HEADERS]
     print_table(["header", "preprocessed lines", "time"], [row for row in rows if row])
     print()
-    rows = [classes_row(f"{CLASSES} declared classes of 10 members", "zintar/zintar.h",
-                        declared_class),
-            classes_row("the same classes undeclared", "zintar/zintar.h", plain_class),
-            classes_row("the header alone", "zintar/zintar.h", lambda number: [])]
-    if compile_source("#include <rttr/registration>\n", "-E") is not None:
-        rows.append(classes_row("the same classes registered with RTTR", "rttr/registration",
-                                rttr_class))
-    print_table(["compiled with -O2", "time"], rows)
+    measured = costs()
+    print_table(["what is compiled", "cost", "reached", "target", "verdict"],
+                [[entry["title"], written(entry, measured[entry["id"]]), *judged(entry, measured)]
+                 for entry in TARGETS["build"]])
