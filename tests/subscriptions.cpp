@@ -108,6 +108,8 @@ TEST_F(Subscription, HandlesCompareByWhatTheyName)
     ZTSubscription any = ZTBase::subscribe(speaker.get(), said, a.get(), hearAny);
     EXPECT_FALSE(any == ZTBase::subscribe(speaker.get(), told, a.get(), hearAny));
     EXPECT_FALSE(any == ZTBase::subscribe(&elsewhere, said, a.get(), hearAny));
+    ZTScopedSubscription(ZTBase::subscribe(speaker.get(), said, a.get(), hearAny)).reset();
+    EXPECT_TRUE(any); // its equal lives on
 
     EXPECT_TRUE(ZTBase::unsubscribe(member));
     EXPECT_FALSE(member);
