@@ -112,12 +112,15 @@ inline void ZTDelivery::callAll(ZTEventValues& values)
     }
 }
 
+/// @param given  what values of an event are made of
+template <class... Values>
 [[gnu::always_inline]] inline void ZTDelivery::run(ZTBasePrivate& sender, ZTEventSlot& slot,
-                                                   ZTEventValues& values)
+                                                   const Values&... given)
 {
     const ZTMetaInvokable* event = slot.eventOf(*sender.object);
     if (!event) [[unlikely]]
         return reportNoEvent(*sender.object, slot.index);
+    ZTEventValues values(given...);
     values.fitTo(*event);
     ZTDelivery(sender, slot, *event, values.typedAddresses()).callAll(values);
 }
@@ -125,15 +128,13 @@ inline void ZTDelivery::callAll(ZTEventValues& values)
 void ZTDelivery::runTyped(ZTBasePrivate& sender, ZTEventSlot& slot, const ZTMetaInvokable* declared,
                           void** addresses)
 {
-    ZTEventValues values(declared, addresses);
-    run(sender, slot, values);
+    run(sender, slot, declared, addresses);
 }
 
 void ZTDelivery::runArray(ZTBasePrivate& sender, ZTEventSlot& slot,
                           const ZTArgumentArray& arguments)
 {
-    ZTEventValues values(arguments);
-    run(sender, slot, values);
+    run(sender, slot, arguments);
 }
 
 const ZTMetaInvokable* ZTBase::activeEvent() const

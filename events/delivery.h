@@ -42,7 +42,8 @@ private:
                void* const* typed);
     ~ZTDelivery();
 
-    static void run(ZTBasePrivate& sender, ZTEventSlot& slot, ZTEventValues& values);
+    template <class... Values>
+    static void run(ZTBasePrivate& sender, ZTEventSlot& slot, const Values&... given);
     static void reportNoEvent(const ZTBase& sender, int index);
     [[nodiscard]] bool walks(const ZTEventSlot& slot) const { return m_sender && &m_slot == &slot; }
     void callAll(ZTEventValues& values);
@@ -63,9 +64,8 @@ private:
     bool m_isCurrent = true;
     /// The receiver whose handler runs; null when it has none, and when it has died.
     const ZTBasePrivate* m_receiver = nullptr;
-    // Among the active events of this thread.
+    /// Among the active events of this thread.
     ZTDelivery* m_below = nullptr;
-    ZTDelivery* m_above = nullptr;
 };
 
 template <class Action>

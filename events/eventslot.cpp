@@ -20,6 +20,7 @@ void endRecord(ZTSubscriptionPrivate& record, ZTLetGo& ended)
     ZTEventEnds::leaveSubscriber(record);
     record.active.store(false, std::memory_order_release);
     ended.add(keptOf(record.handler));
+    const auto last = std::move(record.self); // it may be gone behind this
 }
 } // namespace
 
@@ -27,16 +28,15 @@ void ZTEventSlot::add(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
     ZTSubscriptionPrivate& added = *record;
     added.position = static_cast<std::uint32_t>(subscriptions.size());
-    subscriptions.push_back(
-        {std::move(record), {added.subscriber}, typedCallOf(added), added.handler.word});
+    subscriptions.push_back({&added, {added.subscriber}, typedCallOf(added), added.handler.word});
+    added.self = std::move(record);
     ++listed;
 }
 
 void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
-    ZTSlotEntry& entry = subscriptions[record.position];
+    subscriptions[record.position] = {};
     endRecord(record, ended);
-    entry = {};
     --listed;
     ++empty;
 }
@@ -45,7 +45,7 @@ bool ZTEventSlot::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& end
 {
     const std::size_t before = listed;
     for (std::size_t i = 0; i < subscriptions.size(); ++i)
-        if (ZTSubscriptionPrivate* record = subscriptions[i].record.get())
+        if (ZTSubscriptionPrivate* record = subscriptions[i].record)
             if (pattern.means(*record))
                 end(*record, ended);
     const bool any = listed < before;

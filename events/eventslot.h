@@ -42,7 +42,7 @@ class ZTDelivery;
 /// A subscription in a slot, with what a delivery looks at beside it: the records of the
 /// subscriptions lie scattered.
 struct ZTSlotEntry {
-    std::shared_ptr<ZTSubscriptionPrivate> record;
+    ZTSubscriptionPrivate* record = nullptr;
     union {
         ZTBasePrivate* subscriber = nullptr;
         /// Of an empty entry, while such are taken out: how many that are not stand in front of it.

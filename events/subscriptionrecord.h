@@ -6,11 +6,12 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
 /// One subscription.
 ///
-/// 1. A record belongs to the slot in which it stands. A handle that somebody looks at shares it
-///    for that moment, on any thread; so the end of a record runs no code of the host. What runs
+/// 1. A record owns itself as long as it stands in a slot. A handle that somebody looks at shares
+///    it for that moment, on any thread; so the end of a record runs no code of the host. What runs
 ///    such code is the end of its handler, which is taken out when the subscription ends.
 /// 2. What a handle on another thread reads, `active` apart, does not change from the moment on
 ///    when there is a handle.
@@ -27,6 +28,8 @@ struct ZTSubscriptionPrivate {
                handler.word == other.handler.word;
     }
 
+    /// While it stands in a slot.
+    std::shared_ptr<ZTSubscriptionPrivate> self;
     ZTBasePrivate* sender = nullptr;
     ZTBasePrivate* subscriber = nullptr;
     const ZTMetaInvokable* event = nullptr;

@@ -89,7 +89,6 @@ private:
     const ZTVariant* m_value;
     /// What the property had, in the outermost of those that were reading it then.
     ZTVariant m_kept;
-    // Among the readings of this thread.
+    /// Among the readings of this thread.
     ZTValueReading* m_below = nullptr;
-    ZTValueReading* m_above = nullptr;
 };

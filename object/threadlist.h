@@ -1,10 +1,8 @@
 #pragma once
 
-#include <utility>
-
-/// What runs on one thread and has to hear of the ends of objects: a list that the nodes, which
-/// stand on the stack of the thread, enter and leave. They mostly leave in the opposite order, but
-/// need not: a host may run handlers on stacks of its own and switch between them.
+/// What runs on one thread and has to hear of the ends of objects: a stack of nodes, which stand on
+/// the stack of the thread. They mostly leave in the opposite order, but need not: a host may run
+/// handlers on stacks of its own and switch between them.
 template <class Node>
 class ZTThreadList
 {
@@ -16,15 +14,14 @@ public:
     void enter(Node& node) noexcept
     {
         node.m_below = m_top;
-        if (m_top)
-            m_top->m_above = &node;
         m_top = &node;
     }
     void leave(Node& node) noexcept
     {
-        (node.m_above ? node.m_above->m_below : m_top) = node.m_below;
-        if (node.m_below)
-            node.m_below->m_above = node.m_above;
+        if (m_top == &node) [[likely]]
+            m_top = node.m_below;
+        else
+            leaveFromBelow(node);
     }
     /// The first one from the top that fits, or null.
     template <class Fits>
@@ -43,5 +40,11 @@ public:
     }
 
 private:
+    [[gnu::noinline]] void leaveFromBelow(Node& node) noexcept
+    {
+        Node* above = find([&](const Node& one) { return one.m_below == &node; });
+        above->m_below = node.m_below;
+    }
+
     Node* m_top = nullptr;
 };

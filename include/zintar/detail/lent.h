@@ -65,7 +65,13 @@ private:
 class LentArguments
 {
 public:
-    LentArguments() : m_array{} {} // braces: parentheses would clear the bytes first
+    // One by one: otherwise it becomes a loop, or the bytes are cleared first.
+    LentArguments()
+        : m_array{ZTVariant(), ZTVariant(), ZTVariant(), ZTVariant(), ZTVariant(),
+                  ZTVariant(), ZTVariant(), ZTVariant(), ZTVariant(), ZTVariant()}
+    {
+        static_assert(maxParamCount == 10);
+    }
     LentArguments(const LentArguments&) = delete;
     LentArguments& operator=(const LentArguments&) = delete;
     ~LentArguments() {}

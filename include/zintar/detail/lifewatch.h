@@ -27,7 +27,6 @@ private:
     friend struct ZTBasePrivate;
 
     ZTBasePrivate* m_record;
-    // Among the watches of this thread.
+    /// Among the watches of this thread.
     ZTLifeWatch* m_below = nullptr;
-    ZTLifeWatch* m_above = nullptr;
 };
