@@ -120,9 +120,20 @@ bool isPlainArgument([[maybe_unused]] const ZTVariant& argument)
         return false;
 }
 
+/// What such an argument holds.
+template <class P>
+decltype(auto) plainValue(const ZTVariant& argument)
+{
+    using Value = Held<P>;
+    if constexpr (std::is_same_v<Value, ZTVariant>)
+        return (argument);
+    else
+        return static_cast<Value>(*static_cast<const Canonical<Value>*>(argument.data()));
+}
+
 /// Calls with the values, and packs the result.
 template <class Result, class Call, class... Values>
-ZTVariant callPacked(const Call& call, Values&&... values)
+[[gnu::always_inline]] inline ZTVariant callPacked(const Call& call, Values&&... values)
 {
     if constexpr (std::is_void_v<Result>) {
         call(std::forward<Values>(values)...);
@@ -132,28 +143,40 @@ ZTVariant callPacked(const Call& call, Values&&... values)
     }
 }
 
-/// Calls with the arguments unpacked, and packs the result. What unpacks them may be code of the
-/// host that ends the object; then there is no call.
-template <class Result, class Call>
-ZTVariant callBoxed(const ZTBase&, const Call& call, const ZTArgumentArray&, Parameters<>)
+/// What unpacks the arguments may be code of the host that ends the object; then there is no call.
+template <class Result, class Call, class... P, std::size_t... I>
+[[gnu::noinline]] ZTVariant callWatched(const ZTBase& object, const Call& call,
+                                        const ZTArgumentArray& arguments, Parameters<P...>,
+                                        std::index_sequence<I...>)
 {
-    return callPacked<Result>(call);
+    const ZTLifeWatch watch(&object);
+    const std::tuple<decltype(unboxed<P>(arguments[I]))...> values(unboxed<P>(arguments[I])...);
+    if (!watch.isStill(&object))
+        return {};
+    return callPacked<Result>(call, passAs<P>(std::get<I>(values))...);
 }
-template <class Result, class Call, class... P>
-ZTVariant callBoxed(const ZTBase& object, const Call& call, const ZTArgumentArray& arguments,
-                    Parameters<P...>)
+
+template <class Result, class Call, class... P, std::size_t... I>
+[[gnu::always_inline]] inline ZTVariant
+callUnpacked(const ZTBase& object, const Call& call, const ZTArgumentArray& arguments,
+             Parameters<P...> parameters, std::index_sequence<I...> positions)
 {
-    return [&]<std::size_t... I>(std::index_sequence<I...>)->ZTVariant
-    {
-        if ((isPlainArgument<P>(arguments[I]) && ...))
-            return callPacked<Result>(call, passAs<P>(unboxed<P>(arguments[I]))...);
-        const ZTLifeWatch watch(&object);
-        const std::tuple<decltype(unboxed<P>(arguments[I]))...> values(unboxed<P>(arguments[I])...);
-        if (!watch.isStill(&object))
-            return {};
-        return callPacked<Result>(call, passAs<P>(std::get<I>(values))...);
-    }
-    (std::index_sequence_for<P...>());
+    if ((isPlainArgument<P>(arguments[I]) && ...)) [[likely]]
+        return callPacked<Result>(call, passAs<P>(plainValue<P>(arguments[I]))...);
+    return callWatched<Result>(object, call, arguments, parameters, positions);
+}
+
+/// Calls with the arguments unpacked, and packs the result.
+template <class Result, class Call, class... P>
+[[gnu::always_inline]] inline ZTVariant callBoxed(const ZTBase& object, const Call& call,
+                                                  const ZTArgumentArray& arguments,
+                                                  Parameters<P...> parameters)
+{
+    if constexpr (sizeof...(P) == 0)
+        return callPacked<Result>(call);
+    else
+        return callUnpacked<Result>(object, call, arguments, parameters,
+                                    std::index_sequence_for<P...>());
 }
 
 /// Calls `store` with the object and the value. A value that does not fit is told in the log and
@@ -172,7 +195,7 @@ ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, ObjectSo
         static_assert(std::is_default_constructible_v<Value>,
                       "The type of a property that can be set needs a default value.");
         if (isPlainArgument<P>(value)) {
-            const auto held = static_cast<Value>(*heldAs<Canonical<Value>>(value));
+            const Value held = plainValue<P>(value);
             store(*self, held);
             return {};
         }

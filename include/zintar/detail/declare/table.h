@@ -40,9 +40,10 @@ struct ClassDeclaration {
 ///
 /// Classes name each other in the types of their members, in any order and in circles. That makes
 /// no circle here: a pointer type asks for its class when somebody wants to know it. A table needs
-/// its super classes alone, so threads that make tables never wait for each other in a circle.
+/// its super classes alone, and threads that make tables never wait for each other.
 ///
-/// Never destroyed: a static object of the host may use its class to its last breath.
+/// The table of a class is never destroyed: a static object of the host may use its class to its
+/// last breath.
 class ZT_EXPORT ClassTable : private ZTStaticMetaClassData
 {
 public:
@@ -81,6 +82,7 @@ struct DeclaredClass {
     std::atomic<const ZTMetaClass*> descriptor = nullptr;
 };
 
+/// Two threads may both make a table, and take the one that is ready first.
 [[nodiscard]] ZT_EXPORT ClassTable& tableOf(DeclaredClass& declared);
 
 [[nodiscard]] inline const ZTMetaClass& classIn(DeclaredClass& declared)
