@@ -88,6 +88,8 @@ template <class Thing>
 class NameIndex
 {
 public:
+    /// Takes the memory for that many things at once.
+    void reserve(std::size_t count) { m_entries.reserve(count); }
     /// Of equal names, the one that was added first is found first.
     void add(std::string_view name, Thing thing)
     {

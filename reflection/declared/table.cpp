@@ -241,6 +241,7 @@ void ClassTable::indexProperties()
     m_propertyIndex = std::make_unique<PropertyIndex>();
     const ZTMetaClass* next = m_descriptor.get();
     m_descriptor->propertyIndex = m_propertyIndex.get();
+    m_propertyIndex->names.reserve(next->propertyCount());
     for (; next; next = next->superClass()) {
         const auto* indexed = dynamic_cast<const ZTStaticMetaClass*>(next);
         if (!indexed || !indexed->propertyIndex)
@@ -253,8 +254,11 @@ void ClassTable::indexProperties()
 
 void ClassTable::indexInvokables()
 {
+    if (invokableCount == 0)
+        return;
     m_invokableIndex = std::make_unique<InvokableIndex>();
     m_descriptor->invokableIndex = m_invokableIndex.get();
+    m_invokableIndex->names.reserve(invokableCount);
     // From the last to the first: of two that fit, the later one is found.
     unsigned int position = invokableCount;
     for (std::size_t i = m_declaration.memberCount; i-- > 0;) {
@@ -275,7 +279,7 @@ int ClassTable::positionOf(const void* function) const
 int ClassTable::positionOf(std::string_view name, bool isConst,
                            const std::type_index& signature) const
 {
-    int index = m_invokableIndex->find(name, isConst, signature);
+    const int index = m_invokableIndex ? m_invokableIndex->find(name, isConst, signature) : -1;
     return index < 0 ? -1 : index - static_cast<int>(invokableOffset);
 }
 
@@ -284,7 +288,6 @@ ClassTable& tableOf(DeclaredClass& declared)
     ClassTable* table = declared.table.load(std::memory_order_acquire);
     if (table)
         return *table;
-    // Two threads may both make one, and take the one that is ready first.
     auto made = std::make_unique<ClassTable>(declared.declaration);
     if (declared.table.compare_exchange_strong(table, made.get(), std::memory_order_acq_rel))
         table = made.release();
