@@ -33,7 +33,7 @@ constexpr bool notifiesEventsOnly()
 {
     if constexpr (declaredList<C>.notifies)
         for (const MemberIdentity* event : declaredList<C>.changeEvents)
-            if (event && !listsEvent<C>(*event))
+            if (event->isSet() && !listsEvent<C>(*event))
                 return false;
     return true;
 }

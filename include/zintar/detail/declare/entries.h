@@ -15,8 +15,8 @@ namespace zt::detail
 template <std::size_t InfoCount>
 struct ListedMember {
     MemberRecord record;
-    const MemberIdentity* identity = nullptr;    ///< of properties, methods and events
-    const MemberIdentity* changeEvent = nullptr; ///< of properties
+    const MemberIdentity* identity = &noMember;    ///< of properties, methods and events
+    const MemberIdentity* changeEvent = &noMember; ///< of properties
     std::array<InfoText, InfoCount> infos{};
 
     static constexpr std::size_t infoCount = InfoCount;

@@ -48,7 +48,7 @@ struct MemberList {
         members[member].firstInfo = static_cast<unsigned int>(info);
         identities[member] = entry.identity;
         changeEvents[member] = entry.changeEvent;
-        notifies = notifies || entry.changeEvent;
+        notifies = notifies || entry.changeEvent->isSet();
         ++member;
         for (const InfoText& text : entry.infos)
             infos[info++] = text;
@@ -59,9 +59,9 @@ struct MemberList {
         return kind == MemberKind::Property || kind == MemberKind::Enumeration;
     }
 
-    static constexpr bool isSameMember(const MemberIdentity* a, const MemberIdentity* b)
+    static constexpr bool isSameMember(const MemberIdentity& a, const MemberIdentity& b)
     {
-        return a && b && isKnownSame(a->type, b->type) && a->text == b->text;
+        return a.isSet() && b.isSet() && isKnownSame(a.type, b.type) && a.text == b.text;
     }
 
     constexpr bool isListedTwice(std::size_t first, std::size_t second) const
@@ -73,10 +73,10 @@ struct MemberList {
         const bool isOneName = a.name == b.name;
         if (isOneName && hasName(a.kind))
             return true;
-        const MemberIdentity* one = identities[first];
-        const MemberIdentity* other = identities[second];
+        const MemberIdentity& one = *identities[first];
+        const MemberIdentity& other = *identities[second];
         // Instances of one function template differ by their names alone.
-        return isSameMember(one, other) && (isOneName || isKnownSame(one->key, other->key));
+        return isSameMember(one, other) && (isOneName || isKnownSame(one.key, other.key));
     }
 
     constexpr bool hasMemberListedTwice() const
@@ -84,16 +84,15 @@ struct MemberList {
         HashedPlaces<2 * MemberCount> places;
         for (std::size_t i = 0; i < MemberCount; ++i) {
             auto isSame = [&](std::size_t other) { return isListedTwice(other, i); };
-            const MemberIdentity* identity = identities[i];
-            const bool isNamedAnew = !identity || identity->name != members[i].name;
-            const std::uint32_t given =
-                isNamedAnew && hasName(members[i].kind) ? hashOf(members[i].name) : 0;
-            if ((identity && places.find(identity->hash, isSame)) ||
-                (given && places.find(given, isSame)))
+            const MemberIdentity& identity = *identities[i];
+            const bool isNamedApart = hasName(members[i].kind) && identity.name != members[i].name;
+            const std::uint32_t given = isNamedApart ? hashOf(members[i].name) : 0;
+            if ((identity.isSet() && places.find(identity.hash, isSame)) ||
+                (isNamedApart && places.find(given, isSame)))
                 return true;
-            if (identity)
-                places.add(identity->hash, i);
-            if (given)
+            if (identity.isSet())
+                places.add(identity.hash, i);
+            if (isNamedApart)
                 places.add(given, i);
         }
         return false;

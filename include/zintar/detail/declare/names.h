@@ -67,7 +67,12 @@ struct MemberIdentity {
     const void* type;      ///< of the pointer to it, which differs between overloads
     const void* key;       ///< the variable that holds the pointer to it
     std::uint32_t hash;    ///< of the name
+
+    constexpr bool isSet() const { return !text.empty(); }
 };
+
+/// In the place of a null pointer, which no address is compared with while compiling.
+inline constexpr MemberIdentity noMember{{}, {}, nullptr, nullptr, 0};
 
 template <auto Member>
 constexpr MemberIdentity identify()
