@@ -1,6 +1,11 @@
 #include "support/hostclasses.h"
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
 #include <memory>
+#include <random>
+#include <vector>
 
 namespace
 {
@@ -123,5 +128,64 @@ TEST_F(Subscription, HandlesCompareByWhatTheyName)
     EXPECT_TRUE(other);
     speaker.reset();
     EXPECT_FALSE(other);
+}
+
+/// One of very many subscriptions of one receiver.
+struct Known {
+    enum Handler { Member, Invokable, Callable };
+
+    bool isOf(const Known& other) const { return sender == other.sender && event == other.event; }
+
+    Speaker* sender;
+    const ZTMetaInvokable* event;
+    Handler handler;
+    ZTSubscription handle;
+};
+
+ZTSubscription begin(const Known& one, Hearer& receiver)
+{
+    if (one.handler == Known::Member)
+        return ZTBase::subscribe(one.sender, one.event, &receiver, &Hearer::hearAny);
+    if (one.handler == Known::Invokable)
+        return ZTBase::subscribe(one.sender, one.event, &receiver, hearAny);
+    return ZTBase::subscribe(one.sender, one.event, &receiver, [] {});
+}
+
+/// Ends all with that sender, event and handler; all handlers, where it is a callable.
+bool end(const Known& one, Hearer& receiver)
+{
+    if (one.handler == Known::Member)
+        return ZTBase::unsubscribe(one.sender, one.event, &receiver, &Hearer::hearAny);
+    const ZTMetaInvokable* handler = one.handler == Known::Invokable ? hearAny : nullptr;
+    return ZTBase::unsubscribe(one.sender, one.event, &receiver, handler);
+}
+
+TEST(Unsubscribing, FindsWhatIsMeantAmongVeryManyOfOneReceiver)
+{
+    std::mt19937 random(20);
+    const auto oneOf = [&](auto& all) { return &all[random() % std::size(all)]; };
+    Diary diary;
+    Hearer receiver("r", diary);
+    Speaker senders[5];
+    const ZTMetaInvokable* events[] = {said, told};
+    std::vector<Known> known;
+    for (int step = 0; step < 3000; ++step) {
+        Known one{oneOf(senders), *oneOf(events), Known::Handler(random() % 3), {}};
+        if (random() % 10 < 8) {
+            one.handle = begin(one, receiver);
+            known.push_back(one);
+            continue;
+        }
+        const auto isMeant = [&](const Known& other) {
+            return one.isOf(other) &&
+                   (one.handler == Known::Callable || one.handler == other.handler);
+        };
+        const auto meant = std::partition(known.begin(), known.end(), std::not_fn(isMeant));
+        EXPECT_EQ(end(one, receiver), meant != known.end());
+        EXPECT_TRUE(std::none_of(meant, known.end(), [](auto& gone) { return bool(gone.handle); }));
+        known.erase(meant, known.end());
+        EXPECT_TRUE(
+            std::all_of(known.begin(), known.end(), [](auto& on) { return bool(on.handle); }));
+    }
 }
 } // namespace
