@@ -130,6 +130,16 @@ TEST_F(Subscription, HandlesCompareByWhatTheyName)
     EXPECT_FALSE(other);
 }
 
+TEST_F(Subscription, EndsForAnyEventWhereTheDescriptorIsNull)
+{
+    Hearer a("a", diary);
+    ZTSubscription heard = listen(a);
+    const ZTMetaInvokable* any = nullptr;
+    EXPECT_FALSE(ZTBase::unsubscribe(speaker.get(), any, &a, &Hearer::hearAny));
+    EXPECT_TRUE(ZTBase::unsubscribe(speaker.get(), any, &a, &Hearer::hear));
+    EXPECT_FALSE(heard);
+}
+
 /// One of very many subscriptions of one receiver.
 struct Known {
     enum Handler { Member, Invokable, Callable };

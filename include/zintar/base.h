@@ -211,7 +211,7 @@ public:
             const ZTMetaInvokable* descriptor = nullptr;
             if constexpr (!std::is_null_pointer_v<Event>) {
                 descriptor = findEvent(event);
-                if (!descriptor)
+                if (isMemberPointer<Event> && !descriptor)
                     return false;
             }
             if constexpr (isInvokablePointer<Handler> || std::is_null_pointer_v<Handler>) {

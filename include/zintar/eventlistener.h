@@ -13,13 +13,13 @@ struct ZTEventListenerPrivate;
 /// Records every delivery of one event of one sender, with copies of the arguments: what a test
 /// asks after the fact, with no handler to write.
 ///
-///     ZTEventListener changes(&thermostat,
-///     thermostat.metaClass()->invokable<void(double)>("targetChanged"));
+///     ZTEventListener changes(&thermostat, &Thermostat::targetChanged);
 ///     thermostat.setTarget(21.5);
 ///     changes.count();                  // 1
 ///     changes.argument<double>(0, 0);   // 21.5
 ///
-/// The records outlive the sender. Recording ends with the listener. Not copyable: a record is one
+/// A copy that throws, and memory that fails, pass to the sender as from any handler. The records
+/// outlive the sender. Recording ends with the listener. Not copyable: a record is one
 /// listener's; copy what `at` gives.
 /// Threads: belongs to the thread of the sender.
 class ZT_EXPORT ZTEventListener

@@ -5,6 +5,7 @@
 
 // In front, so that a mistake in a subscription is few includes away.
 #include <zintar/detail/makehandler.h>
+#include <zintar/detail/typedevent.h>
 
 #include <zintar/base.h>
 #include <zintar/classrecord.h>
