@@ -145,7 +145,7 @@ template <class Result, class Call, class... Values>
 
 /// What unpacks the arguments may be code of the host that ends the object; then there is no call.
 template <class Result, class Call, class... P, std::size_t... I>
-[[gnu::noinline]] ZTVariant callWatched(const ZTBase& object, const Call& call,
+[[gnu::noinline]] ZTVariant callWatched(const ZTBase& object, Call call,
                                         const ZTArgumentArray& arguments, Parameters<P...>,
                                         std::index_sequence<I...>)
 {
@@ -179,11 +179,30 @@ template <class Result, class Call, class... P>
                                     std::index_sequence_for<P...>());
 }
 
+/// What takes the value out may be code of the host that ends the object; then nothing is stored.
+template <class P, class Store>
+[[gnu::noinline]] void storeWatched(ZTBase& self, const ZTVariant& value, Store store)
+{
+    const ZTLifeWatch watch(&self);
+    const auto [held, found] = retrieve<Asked<P>>(value);
+    if (!found || !watch.isStill(&self))
+        return;
+    if constexpr (isDataPointer<Held<P>>) {
+        // Of an unrelated class: it came out as null, in silence.
+        if (!held && holdsPointer(value)) {
+            warnFailedConversion(askedName<Asked<P>>(), value.type());
+            return;
+        }
+    }
+    store(self, held);
+}
+
 /// Calls `store` with the object and the value. A value that does not fit is told in the log and
 /// goes no further, so that the property keeps what it has.
 template <class P, class Store>
-ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
-                       const Store& store)
+[[gnu::always_inline]] inline ZTVariant storeUnboxed(const ZTVariant& object,
+                                                     const ZTVariant& value, ObjectSource& source,
+                                                     const Store& store)
 {
     using Value = Held<P>;
     ZTBase* self = objectIn(object, source);
@@ -194,24 +213,12 @@ ZTVariant storeUnboxed(const ZTVariant& object, const ZTVariant& value, ObjectSo
     } else {
         static_assert(std::is_default_constructible_v<Value>,
                       "The type of a property that can be set needs a default value.");
-        if (isPlainArgument<P>(value)) {
+        if (isPlainArgument<P>(value)) [[likely]] {
             const Value held = plainValue<P>(value);
             store(*self, held);
-            return {};
+        } else {
+            storeWatched<P>(*self, value, store);
         }
-        // What takes the value out may be code of the host that ends the object.
-        const ZTLifeWatch watch(self);
-        const auto [held, found] = retrieve<Asked<P>>(value);
-        if (!found || !watch.isStill(self))
-            return {};
-        if constexpr (isDataPointer<Value>) {
-            // Of an unrelated class: it came out as null, in silence.
-            if (!held && holdsPointer(value)) {
-                warnFailedConversion(askedName<Asked<P>>(), value.type());
-                return {};
-            }
-        }
-        store(*self, held);
     }
     return {};
 }

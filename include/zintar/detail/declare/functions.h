@@ -9,9 +9,10 @@
 /// @file
 /// The functions made of what is listed: those that the table of a declared class calls.
 ///
-/// A record holds plain functions, one for each member. All that such a function does is to name
-/// its class and its member and to go on to the one that is made for all members of its signature,
-/// whatever their class: a pointer to a member of an object class is one to a member of `ZTBase`.
+/// A record holds plain functions, one for each member. Such a function has in it what it needs for
+/// values that are plain: the call itself is one that the compiler sees through. Whatever may run
+/// code of the host, convert or warn is made once for all members of a signature, whatever their
+/// class: a pointer to a member of an object class is one to a member of `ZTBase`.
 
 namespace zt::detail
 {
@@ -36,8 +37,9 @@ constexpr auto asRootMember()
 // For each signature.
 
 template <class R, class... P>
-ZTVariant callMember(const ZTVariant& object, const ZTArgumentArray& arguments,
-                     ObjectSource& source, R (ZTBase::*member)(P...))
+[[gnu::always_inline]] inline ZTVariant callMember(const ZTVariant& object,
+                                                   const ZTArgumentArray& arguments,
+                                                   ObjectSource& source, R (ZTBase::*member)(P...))
 {
     ZTBase* self = objectIn(object, source);
     if (!self)
@@ -51,8 +53,9 @@ ZTVariant callMember(const ZTVariant& object, const ZTArgumentArray& arguments,
 }
 
 template <class R, class... P>
-ZTVariant callMember(const ZTVariant& object, const ZTArgumentArray& arguments,
-                     ObjectSource& source, R (ZTBase::*member)(P...) const)
+[[gnu::always_inline]] inline ZTVariant
+callMember(const ZTVariant& object, const ZTArgumentArray& arguments, ObjectSource& source,
+           R (ZTBase::*member)(P...) const)
 {
     const ZTBase* self = objectIn(object, source);
     if (!self)
@@ -66,7 +69,8 @@ ZTVariant callMember(const ZTVariant& object, const ZTArgumentArray& arguments,
 }
 
 template <class R>
-ZTVariant getMember(const ZTVariant& object, ObjectSource& source, R (ZTBase::*getter)() const)
+[[gnu::always_inline]] inline ZTVariant getMember(const ZTVariant& object, ObjectSource& source,
+                                                  R (ZTBase::*getter)() const)
 {
     const ZTBase* self = objectIn(object, source);
     return self ? boxResult((self->*getter)()) : ZTVariant();
@@ -74,15 +78,16 @@ ZTVariant getMember(const ZTVariant& object, ObjectSource& source, R (ZTBase::*g
 
 template <class Field>
     requires(!std::is_function_v<Field>)
-ZTVariant getMember(const ZTVariant& object, ObjectSource& source, Field ZTBase::*field)
+[[gnu::always_inline]] inline ZTVariant getMember(const ZTVariant& object, ObjectSource& source,
+                                                  Field ZTBase::*field)
 {
     const ZTBase* self = objectIn(object, source);
     return self ? boxResult(self->*field) : ZTVariant();
 }
 
 template <class R, class P>
-ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
-                    R (ZTBase::*setter)(P))
+[[gnu::always_inline]] inline ZTVariant setMember(const ZTVariant& object, const ZTVariant& value,
+                                                  ObjectSource& source, R (ZTBase::*setter)(P))
 {
     return storeUnboxed<P>(object, value, source, [setter](ZTBase& self, const Held<P>& held) {
         (void)(self.*setter)(passAs<P>(held));
@@ -90,8 +95,9 @@ ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSourc
 }
 
 template <class R, class P>
-ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
-                    R (ZTBase::*setter)(P) const)
+[[gnu::always_inline]] inline ZTVariant setMember(const ZTVariant& object, const ZTVariant& value,
+                                                  ObjectSource& source,
+                                                  R (ZTBase::*setter)(P) const)
 {
     return storeUnboxed<P>(object, value, source, [setter](ZTBase& self, const Held<P>& held) {
         (void)(self.*setter)(passAs<P>(held));
@@ -100,8 +106,8 @@ ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSourc
 
 template <class Field>
     requires(!std::is_function_v<Field>)
-ZTVariant setMember(const ZTVariant& object, const ZTVariant& value, ObjectSource& source,
-                    Field ZTBase::*field)
+[[gnu::always_inline]] inline ZTVariant setMember(const ZTVariant& object, const ZTVariant& value,
+                                                  ObjectSource& source, Field ZTBase::*field)
 {
     return storeUnboxed<Field>(
         object, value, source,
