@@ -34,70 +34,29 @@ constexpr auto asRootMember()
         return Type(); // of a class that the checks refuse
 }
 
-// For each signature.
+// What stands behind a member. The plain way is short and is made for each; what has to convert,
+// watch or warn is called, and made once for a signature.
 
-template <class R, class... P>
-[[gnu::always_inline]] inline ZTVariant callMember(const ZTVariant& object,
-                                                   const ZTArgumentArray& arguments,
-                                                   ObjectSource& source, R (ZTBase::*member)(P...))
+template <class Method, class... P>
+[[gnu::always_inline]] inline ZTVariant
+callMember(const ZTVariant& object, const ZTArgumentArray& arguments, ObjectSource& source,
+           Method method, Parameters<P...> parameters)
 {
     ZTBase* self = objectIn(object, source);
     if (!self)
         return {};
-    return callBoxed<R>(
+    return callBoxed<typename MemberTraits<Method>::Result>(
         *self,
-        [self, member](auto&&... values) -> decltype(auto) {
-            return (self->*member)(std::forward<decltype(values)>(values)...);
+        [self, method](auto&&... values) -> decltype(auto) {
+            return (self->*method)(std::forward<decltype(values)>(values)...);
         },
-        arguments, Parameters<P...>());
+        arguments, parameters);
 }
 
-template <class R, class... P>
-[[gnu::always_inline]] inline ZTVariant
-callMember(const ZTVariant& object, const ZTArgumentArray& arguments, ObjectSource& source,
-           R (ZTBase::*member)(P...) const)
-{
-    const ZTBase* self = objectIn(object, source);
-    if (!self)
-        return {};
-    return callBoxed<R>(
-        *self,
-        [self, member](auto&&... values) -> decltype(auto) {
-            return (self->*member)(std::forward<decltype(values)>(values)...);
-        },
-        arguments, Parameters<P...>());
-}
-
-template <class R>
-[[gnu::always_inline]] inline ZTVariant getMember(const ZTVariant& object, ObjectSource& source,
-                                                  R (ZTBase::*getter)() const)
-{
-    const ZTBase* self = objectIn(object, source);
-    return self ? boxResult((self->*getter)()) : ZTVariant();
-}
-
-template <class Field>
-    requires(!std::is_function_v<Field>)
-[[gnu::always_inline]] inline ZTVariant getMember(const ZTVariant& object, ObjectSource& source,
-                                                  Field ZTBase::*field)
-{
-    const ZTBase* self = objectIn(object, source);
-    return self ? boxResult(self->*field) : ZTVariant();
-}
-
-template <class R, class P>
-[[gnu::always_inline]] inline ZTVariant setMember(const ZTVariant& object, const ZTVariant& value,
-                                                  ObjectSource& source, R (ZTBase::*setter)(P))
-{
-    return storeUnboxed<P>(object, value, source, [setter](ZTBase& self, const Held<P>& held) {
-        (void)(self.*setter)(passAs<P>(held));
-    });
-}
-
-template <class R, class P>
-[[gnu::always_inline]] inline ZTVariant setMember(const ZTVariant& object, const ZTVariant& value,
-                                                  ObjectSource& source,
-                                                  R (ZTBase::*setter)(P) const)
+template <class Method, class P>
+[[gnu::always_inline]] inline ZTVariant setByMethod(const ZTVariant& object, const ZTVariant& value,
+                                                    ObjectSource& source, Method setter,
+                                                    Parameters<P>)
 {
     return storeUnboxed<P>(object, value, source, [setter](ZTBase& self, const Held<P>& held) {
         (void)(self.*setter)(passAs<P>(held));
@@ -105,36 +64,47 @@ template <class R, class P>
 }
 
 template <class Field>
-    requires(!std::is_function_v<Field>)
-[[gnu::always_inline]] inline ZTVariant setMember(const ZTVariant& object, const ZTVariant& value,
-                                                  ObjectSource& source, Field ZTBase::*field)
+[[gnu::always_inline]] inline ZTVariant setField(const ZTVariant& object, const ZTVariant& value,
+                                                 ObjectSource& source, Field ZTBase::*field)
 {
     return storeUnboxed<Field>(
         object, value, source,
         [field](ZTBase& self, const Held<Field>& held) { self.*field = static_cast<Field>(held); });
 }
 
-// For each member.
+// The functions of a record.
 
-template <auto Member>
+template <auto Method>
 ZTVariant invokeMember(const ZTVariant& object, const ZTArgumentArray& arguments)
 {
-    return callMember(object, arguments,
-                      objectSource<typename MemberTraits<decltype(Member)>::Object>,
-                      asRootMember<Member>());
+    using Traits = MemberTraits<decltype(Method)>;
+    return callMember(object, arguments, objectSource<typename Traits::Object>,
+                      asRootMember<Method>(), typename Traits::Params());
 }
 
 template <auto Getter>
 ZTVariant getProperty(const ZTVariant& object)
 {
-    return getMember(object, objectSource<const typename MemberTraits<decltype(Getter)>::Class>,
-                     asRootMember<Getter>());
+    using Traits = MemberTraits<decltype(Getter)>;
+    const ZTBase* self = objectIn(object, objectSource<const typename Traits::Class>);
+    constexpr auto getter = asRootMember<Getter>();
+    if (!self)
+        return ZTVariant();
+    if constexpr (Traits::isFunction)
+        return boxResult((self->*getter)());
+    else
+        return boxResult(self->*getter);
 }
 
 template <auto Setter>
 ZTVariant setProperty(const ZTVariant& object, const ZTVariant& value)
 {
-    return setMember(object, value, objectSource<typename MemberTraits<decltype(Setter)>::Class>,
-                     asRootMember<Setter>());
+    using Traits = MemberTraits<decltype(Setter)>;
+    auto& source = objectSource<typename Traits::Class>;
+    if constexpr (Traits::isFunction)
+        return setByMethod(object, value, source, asRootMember<Setter>(),
+                           typename Traits::Params());
+    else
+        return setField(object, value, source, asRootMember<Setter>());
 }
 } // namespace zt::detail
