@@ -99,15 +99,20 @@ void ZTEventSlot::askAnew(const ZTMetaClass& senderClass)
     m_descriptorsEnded = descriptorsEndedNow();
     m_class = &senderClass;
     m_event = senderClass.invokable(static_cast<unsigned int>(index));
-    ZTDelivery::forEachOf(*this, [](ZTDelivery& delivery) {
-        delivery.m_isCurrent = false;
-        delivery.m_typed = nullptr;
-    });
+    bool isAnswerNew = false;
     for (ZTSlotEntry& entry : subscriptions) {
         if (!entry.record)
             continue;
-        entry.record->takesEvent =
+        const bool takes =
             m_event && zt::detail::takesLeadingOf(HandlerView{entry.record->handler}, *m_event);
+        isAnswerNew = isAnswerNew || takes != entry.record->takesEvent;
+        entry.record->takesEvent = takes;
         entry.typedCall = typedCallOf(*entry.record);
     }
+    // Where each handler takes what it took, a delivery goes on as if nobody had asked.
+    if (isAnswerNew)
+        ZTDelivery::forEachOf(*this, [](ZTDelivery& delivery) {
+            delivery.m_isCurrent = false;
+            delivery.m_typed = nullptr;
+        });
 }

@@ -78,7 +78,7 @@ std::string World::differencesOfProperties(const Soul& soul, const ZTBase& objec
         std::string name = "p" + std::to_string(i);
         auto expected = soul.properties.find(i);
         bool exists = expected != soul.properties.end();
-        if (exists && expected->second.writers)
+        if (exists && (expected->second.writers || expected->second.isOpen))
             continue;
         if (std::count(names.begin(), names.end(), name) != exists)
             return "a dynamic property is listed wrongly";

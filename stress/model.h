@@ -46,6 +46,7 @@ struct Value {
     int number = 0;
     int writers = 0;          ///< in progress
     bool isContested = false; ///< two at once: the later of them is whichever
+    bool isOpen = false;      ///< set when nothing was expected of the soul
     bool operator==(const Value& other) const
     {
         return kind == other.kind && (kind == 0 || number == other.number);

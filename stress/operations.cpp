@@ -187,7 +187,7 @@ void World::setProperty(const Operands& o)
         Soul& soul = m_model.souls.at(id);
         bool isNew = !soul.properties.count(o[1]);
         Value& value = soul.properties[o[1]];
-        if (!value.writers)
+        if (!value.writers && !value.isOpen)
             expected.count =
                 isNew || !(value == set) ? m_model.audienceOf(id, Event::PropertyChanged) : 0;
         value.isContested = value.writers > 0;
@@ -198,7 +198,10 @@ void World::setProperty(const Operands& o)
     if (id == none)
         return;
     Value& value = m_model.souls.at(id).properties[o[1]];
-    if (--value.writers > 0 || !m_model.isSettled(id))
+    if (--value.writers > 0)
+        return;
+    value.isOpen = !m_model.isSettled(id);
+    if (value.isOpen)
         return;
     ++m_muted;
     if (value.isContested)
