@@ -2,6 +2,7 @@
 
 #include "descriptorlives.h"
 #include "ownorinherited.h"
+#include "parameters.h"
 
 #include <zintar/log.h>
 
@@ -105,13 +106,11 @@ namespace
 bool matches(const ZTMetaInvokable& invokable, std::string_view name, bool isConst,
              const std::vector<const ZTMetaType*>& parameterTypes)
 {
-    if (invokable.parameterCount() != parameterTypes.size() || invokable.isConst() != isConst ||
-        invokable.name() != name)
-        return false;
-    for (unsigned int i = 0; i < parameterTypes.size(); ++i)
-        if (&invokable.parameterMetaType(i) != parameterTypes[i])
-            return false;
-    return true;
+    return invokable.parameterCount() == parameterTypes.size() && invokable.isConst() == isConst &&
+           invokable.name() == name &&
+           zt::detail::firstMisfit(invokable, [&](unsigned int i, const ZTMetaType& type) {
+               return &type == parameterTypes[i];
+           }) == parameterTypes.size();
 }
 } // namespace
 
