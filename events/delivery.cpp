@@ -16,7 +16,7 @@ inline ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot,
       m_slot(slot),
       m_event(event),
       m_index(slot.index),
-      m_end(std::size_t{slot.listed} + slot.empty),
+      m_end(slot.subscriptions.size()),
       m_typed(typed)
 {
     if (slot.dispatching > 0) [[unlikely]]
@@ -30,7 +30,7 @@ inline ZTDelivery::~ZTDelivery()
     activeEvents.leave(*this);
     if (!m_sender) [[unlikely]]
         return;
-    if (--m_slot.dispatching == 0 && m_slot.empty > 0) [[unlikely]]
+    if (--m_slot.dispatching == 0 && m_slot.emptyCount() > 0) [[unlikely]]
         m_slot.compact();
 }
 

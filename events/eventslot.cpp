@@ -38,7 +38,6 @@ void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
     subscriptions[record.position] = {};
     endRecord(record, ended);
     --listed;
-    ++empty;
 }
 
 bool ZTEventSlot::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
@@ -66,7 +65,7 @@ void ZTEventSlot::endAll(ZTLetGo& ended)
 
 void ZTEventSlot::compact()
 {
-    if (empty <= std::size_t{listed} + dispatching)
+    if (emptyCount() <= std::size_t{listed} + dispatching)
         return;
     std::size_t kept = 0;
     for (ZTSlotEntry& entry : subscriptions) {
@@ -91,7 +90,6 @@ void ZTEventSlot::compact()
             *place = std::exchange(entry, {});
     }
     subscriptions.resize(kept);
-    empty = 0;
 }
 
 void ZTEventSlot::askAnew(const ZTMetaClass& senderClass)

@@ -69,6 +69,7 @@ struct ZTEventSlot : zt::detail::InBlocks {
     void endAll(ZTLetGo& ended);
     /// To be called when subscriptions have ended.
     void compact();
+    [[nodiscard]] std::size_t emptyCount() const { return subscriptions.size() - listed; }
 
     /// The event by the class that the sender has now; null if there is none with that index.
     const ZTMetaInvokable* eventOf(const ZTBase& sender)
@@ -81,9 +82,8 @@ struct ZTEventSlot : zt::detail::InBlocks {
 
     /// In the order of delivery; empty where a subscription has ended.
     std::vector<ZTSlotEntry> subscriptions;
-    /// How many entries are not empty, and how many are.
+    /// How many entries are not empty.
     std::uint32_t listed = 0;
-    std::uint32_t empty = 0;
     /// How many deliveries walk this slot.
     std::uint32_t dispatching = 0;
     /// The class-wide index of the event.
