@@ -2,6 +2,8 @@
 
 #include "eventslot.h"
 
+#include <zintar/detail/words.h>
+
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -47,8 +49,8 @@ private:
     using Table = std::vector<std::unique_ptr<ZTEventSlot>>;
 
     [[nodiscard]] bool isTable() const { return m_word & 1; }
-    [[nodiscard]] ZTEventSlot* single() const { return reinterpret_cast<ZTEventSlot*>(m_word); }
-    [[nodiscard]] Table& table() const { return *reinterpret_cast<Table*>(m_word - 1); }
+    [[nodiscard]] ZTEventSlot* single() const { return zt::detail::pointerIn<ZTEventSlot>(m_word); }
+    [[nodiscard]] Table& table() const { return *zt::detail::pointerIn<Table>(m_word - 1); }
     [[nodiscard]] ZTEventSlot* findInTable(int index) const;
 
     /// The address of the only slot, or one more than that of a table; 0 for none.

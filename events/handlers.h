@@ -33,17 +33,16 @@ inline Handler handlerOf(const ZTMetaInvokable* invokable)
 }
 inline const ZTMetaInvokable& invokableOf(const Handler& handler)
 {
-    return *reinterpret_cast<const ZTMetaInvokable*>(handler.word);
+    return *pointerIn<const ZTMetaInvokable>(handler.word);
 }
 inline ZTHandlerBase& foreignOf(const Handler& handler)
 {
-    return *reinterpret_cast<ForeignHandler*>(handler.word)->handler;
+    return *pointerIn<ForeignHandler>(handler.word)->handler;
 }
 /// Null where there is nothing to let go of.
 inline KeptHandler* keptOf(const Handler& handler)
 {
-    return handler.kind && handler.kind->isKept ? reinterpret_cast<KeptHandler*>(handler.word)
-                                                : nullptr;
+    return handler.kind && handler.kind->isKept ? pointerIn<KeptHandler>(handler.word) : nullptr;
 }
 
 /// As what handlers can be found: two of the same identity may be the same handler.

@@ -66,7 +66,7 @@ private:
     static bool isOf(std::uintptr_t place, Group group, const Key& key);
     static ZTSubscriptionPrivate& firstOf(std::uintptr_t place)
     {
-        return *reinterpret_cast<ZTSubscriptionPrivate*>(place & ~std::uintptr_t{1});
+        return *zt::detail::pointerIn<ZTSubscriptionPrivate>(place & ~std::uintptr_t{1});
     }
     static std::uintptr_t placeFor(Group group, const ZTSubscriptionPrivate& record)
     {

@@ -6,6 +6,7 @@
 #include "references.h"
 
 #include <zintar/detail/blocks.h>
+#include <zintar/detail/words.h>
 
 #include <cstdint>
 #include <memory>
@@ -32,7 +33,7 @@ public:
     /// Null as long as nobody needed them.
     [[nodiscard]] Parts* parts() const
     {
-        return m_word & 1 ? nullptr : reinterpret_cast<Parts*>(m_word);
+        return m_word & 1 ? nullptr : zt::detail::pointerIn<Parts>(m_word);
     }
     /// May throw, and changes nothing then.
     Parts& needParts();
@@ -45,7 +46,7 @@ public:
     }
     [[nodiscard]] ZTEventBlockers blockers() const
     {
-        return m_word & 1 ? ZTEventBlockers(reinterpret_cast<ZTEventBlocker*>(m_word - 1))
+        return m_word & 1 ? ZTEventBlockers(zt::detail::pointerIn<ZTEventBlocker>(m_word - 1))
                : m_word   ? parts()->blockers
                           : ZTEventBlockers();
     }

@@ -3,6 +3,7 @@
 #include <zintar/detail/blocks.h>
 #include <zintar/detail/handlerbase.h>
 #include <zintar/detail/signature.h>
+#include <zintar/detail/words.h>
 
 #include <atomic>
 #include <cstddef>
@@ -105,7 +106,7 @@ template <class Function>
 struct Kept final : KeptHandler {
     explicit Kept(Function kept) : function(std::move(kept)) {}
 
-    static Kept& at(std::uintptr_t word) { return *reinterpret_cast<Kept*>(word); }
+    static Kept& at(std::uintptr_t word) { return *pointerIn<Kept>(word); }
     static std::uintptr_t wordOf(Function kept)
     {
         return reinterpret_cast<std::uintptr_t>(
