@@ -1,9 +1,10 @@
 #include "memory.h"
 
+#include <zintar/loghandler.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -44,8 +45,7 @@ void runOne(const Bytes& bytes, const char* about)
     const std::size_t taken = memory::peak() - before;
     if (taken <= mostForNothing + mostForEachByte * bytes.size())
         return;
-    // std::cerr is silent meanwhile.
-    std::fprintf(stderr, "took %zu bytes for %zu, %s\n", taken, bytes.size(), about);
+    std::cerr << "took " << taken << " bytes for " << bytes.size() << ", " << about << "\n";
     std::exit(1);
 }
 
@@ -64,13 +64,10 @@ void runDamaged(Bytes bytes)
 /// The targets read damaged streams, which the library tells in the log line by line.
 void runQuietly(const Bytes& bytes)
 {
-    std::streambuf* out = std::cout.rdbuf(nullptr);
-    std::streambuf* err = std::cerr.rdbuf(nullptr);
+    const ZTScopedLogHandler quiet = ztSetLogHandler({});
     runOne(bytes, "as it is");
     if (bytes.size() <= largestToDamage)
         runDamaged(bytes);
-    std::cout.rdbuf(out);
-    std::cerr.rdbuf(err);
 }
 } // namespace
 

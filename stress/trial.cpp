@@ -2,9 +2,10 @@
 
 #include "world.h"
 
+#include <zintar/loghandler.h>
+
 #include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <memory>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -82,8 +83,7 @@ Verdict inProcess(Run run)
     pid_t child = fork();
     if (child == 0) {
         dup2(fileno(log.get()), STDERR_FILENO);
-        std::cout.rdbuf(nullptr); // the library's log
-        std::cerr.rdbuf(nullptr);
+        const ZTScopedLogHandler quiet = ztSetLogHandler({});
         run();
         std::_Exit(hasLeaks() ? 71 : 0);
     }

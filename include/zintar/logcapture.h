@@ -15,9 +15,8 @@ struct ZTLogCapturePrivate;
 ///     if (!value)
 ///         showMessage(log.text());
 ///
-/// It stands in place of the buffers of `std::cout` and `std::cerr`, so it keeps what anybody
-/// writes there, on all threads. Captures may be nested if they end in the opposite order: the
-/// innermost has the lines. Beside other threads that write, the order of lines is not defined.
+/// It is a log handler (`loghandler.h`), so it has the lines of all threads, of nested captures the
+/// innermost one. What others write on standard output is none of its business.
 class ZT_EXPORT ZTLogCapture
 {
 public:
@@ -27,11 +26,11 @@ public:
     /// What was kept is gone; nothing of it is written.
     ~ZTLogCapture();
 
-    /// Everything so far, in the order of writing, each line with its end.
+    /// Everything so far, in the order of logging, each line with a line end.
     [[nodiscard]] std::string text() const;
-    /// What went to standard output: messages of the type `Info`.
+    /// The messages of the type `Info`, which would have gone to standard output.
     [[nodiscard]] std::string out() const;
-    /// What went to standard error: warnings and errors.
+    /// Warnings and errors, which would have gone to standard error.
     [[nodiscard]] std::string err() const;
 
 private:

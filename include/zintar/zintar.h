@@ -19,6 +19,7 @@
 #include <zintar/integers.h>
 #include <zintar/log.h>
 #include <zintar/logcapture.h>
+#include <zintar/loghandler.h>
 #include <zintar/metaclass.h>
 #include <zintar/metaclassbuilder.h>
 #include <zintar/metatype.h>

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <zintar/logcapture.h>
-
 #include <exception>
 #include <initializer_list>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 /// A block of a page that is run, and what the page says that it prints.
@@ -17,13 +16,17 @@ struct Block {
 /// What the block prints, on standard output and standard error in the order of writing.
 inline std::string outputOf(const Block& block)
 {
-    ZTLogCapture output;
+    std::ostringstream output;
+    std::streambuf* const out = std::cout.rdbuf(output.rdbuf());
+    std::streambuf* const err = std::cerr.rdbuf(output.rdbuf());
     try {
         block.run();
     } catch (const std::exception& exception) {
         std::cerr << "an exception left the block: " << exception.what() << "\n";
     }
-    return output.text();
+    std::cout.rdbuf(out);
+    std::cerr.rdbuf(err);
+    return output.str();
 }
 
 /// Runs the blocks of a page in their order and tells those that print something else.

@@ -2,12 +2,13 @@
 
 #include "failingmemory.h"
 
+#include <zintar/loghandler.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <exception>
 #include <initializer_list>
-#include <iostream>
 #include <string>
 
 /// @file
@@ -21,17 +22,12 @@ namespace support
 class FailingMemoryTest : public testing::Test
 {
 protected:
-    FailingMemoryTest() : m_out(std::cout.rdbuf(&m_nowhere)), m_err(std::cerr.rdbuf(&m_nowhere))
+    FailingMemoryTest()
     {
         std::set_terminate([] {
             std::fprintf(stderr, "Terminated by a failing allocation in: %s\n", running);
             std::abort();
         });
-    }
-    ~FailingMemoryTest() override
-    {
-        std::cout.rdbuf(m_out);
-        std::cerr.rdbuf(m_err);
     }
 
     /// An operation on a `State`, which is made anew for each try and tells all about itself by
@@ -145,10 +141,7 @@ private:
         return hasFailed;
     }
 
-    struct : std::streambuf {
-        int overflow(int letter) override { return traits_type::not_eof(letter); }
-    } m_nowhere;
-    std::streambuf *m_out, *m_err;
+    const ZTScopedLogHandler m_quiet = ztSetLogHandler({});
     inline static const char* running = "";
 };
 } // namespace support
