@@ -25,6 +25,7 @@
 #include <zintar/metatype.h>
 #include <zintar/metatypeof.h>
 #include <zintar/reference.h>
+#include <zintar/shortname.h>
 #include <zintar/staticmetaclass.h>
 #include <zintar/subscription.h>
 #include <zintar/typedvalue.h>
