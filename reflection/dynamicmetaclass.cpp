@@ -59,6 +59,17 @@ void ZTDynamicMetaEnum::remove(unsigned int index)
         return;
     m_enumerators.erase(m_enumerators.begin() + index);
     m_values.erase(m_values.begin() + index);
+    const int removed = static_cast<int>(index);
+    std::erase_if(m_infos, [removed](const auto& info) { return info.part == removed; });
+    for (auto& info : m_infos)
+        info.part -= info.part > removed;
+}
+
+ZTDynamicMetaInvokable::Details& ZTDynamicMetaInvokable::details()
+{
+    if (!m_details)
+        m_details = std::make_unique<Details>();
+    return *m_details;
 }
 
 const ZTMetaType& ZTDynamicMetaInvokable::returnMetaType() const

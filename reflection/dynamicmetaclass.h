@@ -1,6 +1,7 @@
 #pragma once
 
 #include "membersbyname.h"
+#include "partinfos.h"
 
 #include <zintar/metaclass.h>
 
@@ -41,10 +42,21 @@ struct ZTDynamicMetaEnum final : ZTMetaEnum {
     std::string m_name;
     std::vector<std::string> m_enumerators;
     std::vector<int> m_values;
+    const ZTMetaType* m_metaType = nullptr;
+    bool m_isFlags = false;
+    std::vector<zt::detail::OwnPartInfo> m_infos;
 };
 
 struct ZTDynamicMetaInvokable final : ZTMetaInvokable {
     using Function = std::function<ZTVariant(const ZTVariant&, const ZTArgumentArray&)>;
+
+    /// What few invokables have. Names are as many as were given; the default arguments are those
+    /// of the last parameters.
+    struct Details {
+        std::vector<std::string> parameterNames;
+        std::vector<ZTVariant> defaultArguments;
+        std::vector<zt::detail::OwnPartInfo> infos;
+    };
 
     explicit ZTDynamicMetaInvokable(const ZTDynamicMetaClass* owner, std::size_t position = 0)
         : m_index(owner), m_lastPosition(position)
@@ -60,6 +72,9 @@ struct ZTDynamicMetaInvokable final : ZTMetaInvokable {
     using ZTMetaInvokable::invoke;
     ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const override;
     [[nodiscard]] bool isDynamic() const override { return true; }
+
+    /// Made when it is asked for.
+    Details& details();
 
     void freezeIndex(int index) { m_index = index; }
     /// The invokable has left its class, or the class is gone.
@@ -79,6 +94,7 @@ struct ZTDynamicMetaInvokable final : ZTMetaInvokable {
     /// In place of a function: a call raises the event on the object.
     bool m_raisesItself = false;
     ZTAccessSpecifier m_access = ZTAccessSpecifier::Private;
+    std::unique_ptr<Details> m_details;
 };
 
 struct ZTDynamicMetaProperty final : ZTMetaProperty {
@@ -135,6 +151,7 @@ struct ZTDynamicMetaClass final : ZTMetaClass {
     [[nodiscard]] int indexOfInvokable(void* function) const override;
     [[nodiscard]] void* userData() const override { return m_userData; }
     void setUserData(void* word) override { m_userData = word; }
+    using ZTMetaClass::setUserData;
 
     /// Stores the super class and takes its counts as the offsets; null for none.
     void setSuperClass(const ZTMetaClass* super);

@@ -94,13 +94,6 @@ void ZTMetaInvokable::warnOfFewer() const
           ZTLogType::Warning);
 }
 
-ZTVariant ZTMetaInvokable::invoke(const ZTVariant& object) const
-{
-    if (parameterCount() > 0)
-        warnOfFewer();
-    return invoke(object, ZTArgumentArray{});
-}
-
 namespace
 {
 bool matches(const ZTMetaInvokable& invokable, std::string_view name, bool isConst,

@@ -93,12 +93,13 @@ void ZTMetaTypeRegistry::publishAlias(std::unique_ptr<ZTMetaTypeName> alias) noe
 }
 
 void ZTMetaTypeRegistry::setConverter(const ZTMetaType& from, const ZTMetaType& to,
-                                      zt::detail::ConverterFunction converter)
+                                      zt::detail::ConverterFunction converter, bool replace)
 {
     const std::scoped_lock writing(m_writing);
     ZTMetaTypePrivate& source = ZTMetaTypePrivate::of(from);
     if (ZTConverter* known = source.converterTo(to)) {
-        known->function.store(converter, std::memory_order_release);
+        if (replace)
+            known->function.store(converter, std::memory_order_release);
         return;
     }
     auto added = std::make_unique<ZTConverter>(to, converter);

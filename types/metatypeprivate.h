@@ -117,6 +117,8 @@ struct ZTMetaTypePrivate {
     /// Null unless a value is no more than its bytes.
     zt::detail::AssignFunction assign = nullptr;
     unsigned char plainSize = 0; ///< 0, 1, 4 or 8
+    /// What the values are called, once a class declares it.
+    std::atomic<const ZTMetaEnum*> enumeration = nullptr;
     static constexpr std::size_t plainBlock = 8;
     std::atomic<const ZTMetaTypeName*> aliases = nullptr;
     zt::detail::PublishedIndex<ZTConverter> convertersTo;
@@ -137,8 +139,9 @@ struct ZTMetaTypeRegistry {
     /// Adds the type, or the alias alone if the type is there already.
     const ZTMetaType& add(std::unique_ptr<ZTMetaTypePrivate> record, const std::string& alias);
     void addAlias(const ZTMetaType& type, const std::string& alias);
+    /// @param replace  take the place of an earlier one
     void setConverter(const ZTMetaType& from, const ZTMetaType& to,
-                      zt::detail::ConverterFunction converter);
+                      zt::detail::ConverterFunction converter, bool replace = true);
 
 private:
     struct RegisteredType {

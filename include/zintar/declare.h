@@ -119,7 +119,12 @@ private:                                                                        
                   "their own, by .as(\"name\").");                                                 \
     static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Notify>,                    \
                   "zt::members: a property's notify<...>() names no event of the class or"         \
-                  " its super classes.");
+                  " its super classes.");                                                          \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Enumerator>,                \
+                  "zt::members: what is said of an enumerator names none of the enumeration, "     \
+                  "or gives it the name of another.");                                             \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::DefaultValue>,              \
+                  "zt::members: a default value is outside of what its parameter can hold.");
 
 /// Defines the descriptor of a class, once, in the file that implements the class: in the namespace
 /// of the class, or outside with the qualified name. The class and its pointer types are registered

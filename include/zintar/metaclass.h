@@ -7,6 +7,8 @@
 #include <zintar/typedvalue.h>
 #include <zintar/variant.h>
 
+#include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <typeindex>
@@ -66,6 +68,10 @@ private:
 ///
 ///     for (unsigned int i = 0; i < modes->count(); ++i)
 ///         box.addEntry(modes->enumerator(i), modes->value(i));
+///     if (auto heat = modes->valueOf("Heat"))
+///         thermostat.setProperty("mode", *heat);
+///
+/// `ztEnumeration` of `enumeration.h` finds the one that belongs to a type.
 struct ZT_EXPORT ZTMetaEnum {
 public:
     ZTMetaEnum(const ZTMetaEnum&) noexcept {}
@@ -78,12 +84,39 @@ public:
     /// -1 for an index out of range, which an enumerator may be as well: compare with `count()`.
     [[nodiscard]] virtual int value(unsigned int index) const;
 
+    /// The type of the values; the invalid type where the class names none, as one made at run
+    /// time.
+    [[nodiscard]] const ZTMetaType& metaType() const;
+    /// Whether a value may be several enumerators together, each of which stands for bits.
+    [[nodiscard]] bool isFlags() const;
+    /// The value of an enumerator by its name; for flags also of several, "Read|Write", with blanks
+    /// around the names or without, and 0 for an empty text.
+    [[nodiscard]] std::optional<int> valueOf(std::string_view text) const;
+    /// The name of the first enumerator with that value. For flags the names of those that make up
+    /// the value, "Read|Write", and an empty text for 0 if no enumerator has it; nothing when a
+    /// bit belongs to none.
+    [[nodiscard]] std::optional<std::string> nameOf(int value) const;
+
+    // The annotations of the enumeration and of its enumerators, in the order of declaration. Keys
+    // may repeat. An index out of range gives an empty view.
+    [[nodiscard]] unsigned int infoCount() const;
+    [[nodiscard]] std::string_view infoKey(unsigned int index) const;
+    [[nodiscard]] std::string_view infoValue(unsigned int index) const;
+    [[nodiscard]] unsigned int enumeratorInfoCount(unsigned int enumerator) const;
+    [[nodiscard]] std::string_view enumeratorInfoKey(unsigned int enumerator,
+                                                     unsigned int index) const;
+    [[nodiscard]] std::string_view enumeratorInfoValue(unsigned int enumerator,
+                                                       unsigned int index) const;
+
     [[nodiscard]] explicit operator bool() const;
 
 private:
     friend struct ZTStaticMetaEnum;
     friend struct ZTDynamicMetaEnum;
     ZTMetaEnum() noexcept {}
+
+    [[nodiscard]] unsigned int infoCountOf(int part) const;
+    [[nodiscard]] std::string_view infoTextOf(int part, unsigned int index, bool isKey) const;
 };
 
 /// A property of a class: a name, a type, and functions that read and write it on an object.
@@ -190,12 +223,32 @@ public:
     /// False when the invokable has no name.
     [[nodiscard]] explicit operator bool() const;
 
-    /// Calls without arguments. An invokable that has parameters is called all the same, with
-    /// invalid variants, after a warning.
+    // What can be said of parameters, and annotations. None of it goes on a stream with the class.
+
+    /// Empty for a parameter without a name, and for an index out of range.
+    [[nodiscard]] std::string_view parameterName(unsigned int index) const;
+    /// The argument that stands in where a call gives too few; null where there is none. Of the
+    /// type of the parameter in a declared class.
+    [[nodiscard]] const ZTVariant* defaultArgument(unsigned int index) const;
+    /// How many parameters, the first ones, have no default argument.
+    [[nodiscard]] unsigned int requiredArgumentCount() const;
+    // The annotations of the invokable and of its parameters, in the order of declaration. Keys may
+    // repeat. An index out of range gives an empty view.
+    [[nodiscard]] unsigned int infoCount() const;
+    [[nodiscard]] std::string_view infoKey(unsigned int index) const;
+    [[nodiscard]] std::string_view infoValue(unsigned int index) const;
+    [[nodiscard]] unsigned int parameterInfoCount(unsigned int parameter) const;
+    [[nodiscard]] std::string_view parameterInfoKey(unsigned int parameter,
+                                                    unsigned int index) const;
+    [[nodiscard]] std::string_view parameterInfoValue(unsigned int parameter,
+                                                      unsigned int index) const;
+
+    /// Calls without arguments. Default arguments take their places. An invokable that has
+    /// parameters without one is called all the same, with invalid variants, after a warning.
     ZTVariant invoke(const ZTVariant& object) const;
 
     /// Packs written arguments and calls; `object` is a pointer to an object. Too few arguments
-    /// are told as above.
+    /// are filled up, or told, as above.
     template <zt::detail::Pointer Object, class... Arguments>
         requires(!(sizeof...(Arguments) == 1 &&
                    (std::is_same_v<std::remove_cvref_t<Arguments>, ZTArgumentArray> && ...)))
@@ -207,10 +260,13 @@ public:
         if constexpr (sizeof...(Arguments) == 0) {
             return invoke(zt::detail::LentVariant(object));
         } else {
-            if (sizeof...(Arguments) < parameterCount())
-                warnOfFewer();
+            const bool areFewer = sizeof...(Arguments) < parameterCount();
+            if (areFewer) [[unlikely]]
+                warnOfFewerThanRequired(sizeof...(Arguments));
             // Copies: what is called may change what the arguments refer to.
             zt::detail::LentCopies<Arguments...> copies(std::forward<Arguments>(arguments)...);
+            if (areFewer) [[unlikely]]
+                fillUp(copies.lent(), sizeof...(Arguments));
             return invoke(zt::detail::LentVariant(object), copies);
         }
     }
@@ -221,6 +277,11 @@ private:
     ZTMetaInvokable() noexcept {}
 
     void warnOfFewer() const;
+    void warnOfFewerThanRequired(unsigned int given) const;
+    /// Shows the default arguments of the parameters behind those that are given.
+    void fillUp(zt::detail::LentArguments& arguments, unsigned int given) const;
+    [[nodiscard]] unsigned int infoCountOf(int part) const;
+    [[nodiscard]] std::string_view infoTextOf(int part, unsigned int index, bool isKey) const;
 };
 
 /// A class: its name, its super class, and its members, to be listed by index or found by name.
@@ -277,6 +338,9 @@ public:
     /// each class. The library neither reads nor frees it; null at first.
     [[nodiscard]] virtual void* userData() const;
     virtual void setUserData(void* data);
+    /// The same on a class as everybody sees it: the word is the bridge's, and not a part of what
+    /// the class tells.
+    void setUserData(void* data) const { const_cast<ZTMetaClass*>(this)->setUserData(data); }
 
     /// False when the class was given no name; an empty name counts as one.
     [[nodiscard]] explicit operator bool() const;

@@ -64,6 +64,9 @@ public:
     [[nodiscard]] std::string_view enumerator(unsigned int index) const override;
     [[nodiscard]] int value(unsigned int index) const override;
 
+    /// The record, as it was given.
+    [[nodiscard]] const zt::detail::ZTStaticMetaEnumData* record() const noexcept { return data; }
+
 private:
     const zt::detail::ZTStaticMetaEnumData* data;
 };
@@ -110,6 +113,12 @@ public:
     [[nodiscard]] int index() const override;
     ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const override;
     using ZTMetaInvokable::invoke;
+
+    /// The record, as it was given.
+    [[nodiscard]] const zt::detail::ZTStaticMetaInvokableData* record() const noexcept
+    {
+        return data;
+    }
 
 private:
     const zt::detail::ZTStaticMetaInvokableData* data;
@@ -162,6 +171,7 @@ public:
     [[nodiscard]] void* userData() const override;
     /// Writes into the table, where every descriptor on it finds the word.
     void setUserData(void* word) override;
+    using ZTMetaClass::setUserData;
 
     /// The table, as it was given.
     [[nodiscard]] const zt::detail::ZTStaticMetaClassData* table() const noexcept { return data; }

@@ -13,6 +13,7 @@
 #include <zintar/datastream.h>
 #include <zintar/declare.h>
 #include <zintar/dynamicbase.h>
+#include <zintar/enumeration.h>
 #include <zintar/eventblocker.h>
 #include <zintar/eventlistener.h>
 #include <zintar/fwd.h>

@@ -1,8 +1,13 @@
 #include <zintar/detail/declare/table.h>
 
+#include "../../types/metatypeprivate.h"
 #include "../membersbyname.h"
+#include "../ownorinherited.h"
 
+#include <algorithm>
 #include <cstring>
+#include <forward_list>
+#include <vector>
 
 namespace zt::detail
 {
@@ -97,6 +102,78 @@ int positionInList(const MemberRecord* members, std::size_t count, const void* v
     return found;
 }
 
+/// What few members have, behind their records.
+struct ClassTable::RareRecords {
+    void describe(ZTStaticMetaEnumData& enumeration, const InfoText* texts, unsigned int count)
+    {
+        const auto named = [](const InfoText& text) {
+            return text.kind == TextKind::EnumeratorName;
+        };
+        if (std::any_of(texts, texts + count, named)) {
+            auto& names = views.emplace_front(enumeration.enumerators,
+                                              enumeration.enumerators + enumeration.count);
+            for (const InfoText* text = texts; text != texts + count; ++text)
+                if (named(*text))
+                    names[static_cast<std::size_t>(text->part)] = text->key;
+            enumeration.enumerators = names.data();
+        }
+        const std::vector<ZTPartInfo>& infos = infosIn(texts, count);
+        enumeration.infoCount = static_cast<unsigned int>(infos.size());
+        enumeration.infos = infos.data();
+    }
+
+    const ZTStaticMetaInvokableDetails& detailsOf(const MemberRecord& member,
+                                                  const ClassDeclaration& declaration)
+    {
+        const ListedInvokable& listed = member.invokable;
+        const InfoText* texts = declaration.infos + member.firstInfo;
+        ZTStaticMetaInvokableDetails& made = details.emplace_front();
+        made.parameterNames = namesIn(texts, member.count, listed.signature->parameterCount);
+        const std::vector<ZTPartInfo>& infos = infosIn(texts, member.count);
+        made.infoCount = static_cast<unsigned int>(infos.size());
+        made.infos = infos.data();
+        if (listed.defaultCount > 0) {
+            auto& values = defaultArguments.emplace_front();
+            for (unsigned int i = 0; i < listed.defaultCount; ++i) {
+                const ListedDefault& value = declaration.defaults[listed.firstDefault + i];
+                values.push_back(value.make(value));
+            }
+            made.defaultCount = listed.defaultCount;
+            made.defaultArguments = values.data();
+        }
+        return made;
+    }
+
+private:
+    const std::string_view* namesIn(const InfoText* texts, unsigned int count,
+                                    unsigned int parameterCount)
+    {
+        std::vector<std::string_view>* names = nullptr;
+        for (const InfoText* text = texts; text != texts + count; ++text) {
+            if (text->kind != TextKind::ParameterName)
+                continue;
+            if (!names)
+                names = &views.emplace_front(parameterCount, emptyView);
+            (*names)[static_cast<std::size_t>(text->part)] = text->key;
+        }
+        return names ? names->data() : nullptr;
+    }
+    const std::vector<ZTPartInfo>& infosIn(const InfoText* texts, unsigned int count)
+    {
+        auto& infos = partInfos.emplace_front();
+        for (const InfoText* text = texts; text != texts + count; ++text)
+            if (text->kind == TextKind::Info)
+                infos.push_back({text->key, text->value, text->part});
+        return infos;
+    }
+
+    // Nothing moves any more once it is made.
+    std::forward_list<ZTStaticMetaInvokableDetails> details;
+    std::forward_list<std::vector<std::string_view>> views;
+    std::forward_list<std::vector<ZTPartInfo>> partInfos;
+    std::forward_list<std::vector<ZTVariant>> defaultArguments;
+};
+
 /// What the class data points to.
 struct ClassTable::Records {
     explicit Records(const ClassDeclaration& declaration)
@@ -109,6 +186,7 @@ struct ClassTable::Records {
     RecordList<ZTStaticMetaInvokableData> invokables;
     std::unique_ptr<ZTPropertyInfo[]> propertyInfos;
     std::unique_ptr<const ZTMetaType*[]> parameterTypes;
+    std::unique_ptr<RareRecords> rare; ///< null in most classes
 
 private:
     Records(const ClassDeclaration& declaration, const Counts& counts)
@@ -124,27 +202,45 @@ private:
                              : nullptr)
     {
         for (std::size_t i = 0; i < declaration.memberCount; ++i)
-            add(declaration.members[i], declaration.infos);
+            add(declaration.members[i], declaration);
     }
 
-    void add(const MemberRecord& member, const InfoText* texts)
+    void add(const MemberRecord& member, const ClassDeclaration& declaration)
     {
         switch (member.kind) {
         case MemberKind::Info:
             classInfos.add({member.name, member.info});
             break;
         case MemberKind::Enumeration:
-            enums.add({member.name, member.count, member.enumeration.enumerators,
-                       member.enumeration.values});
+            addEnumeration(member, declaration.infos);
             break;
         case MemberKind::Property:
-            addProperty(member, texts);
+            addProperty(member, declaration.infos);
             break;
         case MemberKind::Method:
         case MemberKind::Event:
-            addInvokable(member);
+            addInvokable(member, declaration);
             break;
         }
+    }
+
+    RareRecords& rareRecords()
+    {
+        if (!rare)
+            rare = std::make_unique<RareRecords>();
+        return *rare;
+    }
+
+    void addEnumeration(const MemberRecord& member, const InfoText* texts)
+    {
+        const ListedEnumeration& listed = member.enumeration;
+        ZTStaticMetaEnumData enumeration(member.name, member.count, listed.enumerators,
+                                         listed.values);
+        enumeration.metaType = &listed.type->type();
+        enumeration.isFlags = listed.type->isFlags;
+        if (listed.textCount > 0)
+            rareRecords().describe(enumeration, texts + member.firstInfo, listed.textCount);
+        enums.add(enumeration);
     }
 
     void addProperty(const MemberRecord& member, const InfoText* texts)
@@ -162,7 +258,7 @@ private:
         properties.add(property);
     }
 
-    void addInvokable(const MemberRecord& member)
+    void addInvokable(const MemberRecord& member, const ClassDeclaration& declaration)
     {
         const ListedInvokable& listed = member.invokable;
         const unsigned int count = listed.signature->parameterCount;
@@ -175,6 +271,8 @@ private:
         invokable.returnMetaType = &listed.signature->result();
         invokable.parameterMetaTypes = count ? types : nullptr;
         invokable.isEvent = member.kind == MemberKind::Event;
+        if (member.count > 0 || listed.defaultCount > 0)
+            invokable.details = &rareRecords().detailsOf(member, declaration);
         invokables.add(invokable);
     }
 
@@ -270,6 +368,38 @@ void ClassTable::indexInvokables()
     }
 }
 
+namespace
+{
+void convertByEnumeration(const ZTMetaType& type, const EnumerationType& listed)
+{
+    ZTMetaTypeRegistry& registry = ztMetaTypeRegistry();
+    const ZTMetaType& text = ::ztMetaType<std::string>();
+    const ZTMetaType& number = ::ztMetaType<int>();
+    const bool replace = false; // what the host has said for the pair
+    registry.setConverter(type, text, listed.toText, replace);
+    registry.setConverter(text, type, listed.fromText, replace);
+    registry.setConverter(type, number, listed.toInt, replace);
+    registry.setConverter(number, type, listed.fromInt, replace);
+}
+} // namespace
+
+void ClassTable::publishEnumerations() const
+{
+    unsigned int position = enumOffset;
+    for (std::size_t i = 0; i < m_declaration.memberCount; ++i) {
+        const MemberRecord& member = m_declaration.members[i];
+        if (member.kind != MemberKind::Enumeration)
+            continue;
+        const EnumerationType& listed = *member.enumeration.type;
+        const ZTMetaType& type = listed.type();
+        const ZTMetaEnum* none = nullptr;
+        const ZTMetaEnum* own = m_descriptor->metaEnum(position++);
+        if (ZTMetaTypePrivate::of(type).enumeration.compare_exchange_strong(
+                none, own, std::memory_order_acq_rel))
+            convertByEnumeration(type, listed);
+    }
+}
+
 int ClassTable::positionOf(const void* function) const
 {
     return function ? positionInList(m_declaration.members, m_declaration.memberCount, function)
@@ -291,6 +421,7 @@ ClassTable& tableOf(DeclaredClass& declared)
     auto made = std::make_unique<ClassTable>(declared.declaration);
     if (declared.table.compare_exchange_strong(table, made.get(), std::memory_order_acq_rel))
         table = made.release();
+    table->publishEnumerations();
     declared.descriptor.store(&table->metaClass(), std::memory_order_release);
     return *table;
 }

@@ -107,6 +107,7 @@ public:
         std::apply([&](const auto&... values) { (lend(position++, values), ...); }, m_values);
     }
     operator const ZTArgumentArray&() const { return m_lent; }
+    LentArguments& lent() { return m_lent; }
 
 private:
     template <class Value>

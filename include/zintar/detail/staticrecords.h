@@ -28,6 +28,16 @@ struct ZT_EXPORT ZTPropertyInfo {
     std::string_view value;
 };
 
+/// One key/value annotation of a method, an event or an enumeration, or of one of its parts: of a
+/// parameter or an enumerator.
+struct ZTPartInfo {
+    static constexpr int Whole = -1;
+
+    std::string_view key;
+    std::string_view value;
+    int part = Whole; ///< the position of the parameter or the enumerator
+};
+
 /// One key/value annotation of a class.
 struct ZT_EXPORT ZTStaticMetaClassInfoData {
     ZTStaticMetaClassInfoData() noexcept;
@@ -53,6 +63,10 @@ struct ZT_EXPORT ZTStaticMetaEnumData {
     unsigned int count = 0;
     const std::string_view* enumerators = nullptr;
     const int* values = nullptr;
+    const ZTMetaType* metaType = nullptr; ///< null stands for the invalid type
+    bool isFlags = false;
+    unsigned int infoCount = 0;
+    const ZTPartInfo* infos = nullptr;
 };
 
 /// A property. The constructor takes what is constant; the rest is set when its types and the event
@@ -79,6 +93,15 @@ struct ZT_EXPORT ZTStaticMetaPropertyData {
     const ZTMetaType* metaType = nullptr; ///< null stands for the invalid type
 };
 
+/// What few methods and events have.
+struct ZTStaticMetaInvokableDetails {
+    const std::string_view* parameterNames = nullptr; ///< as many as parameters, or null
+    unsigned int defaultCount = 0;
+    const ZTVariant* defaultArguments = nullptr; ///< of the last parameters
+    unsigned int infoCount = 0;
+    const ZTPartInfo* infos = nullptr;
+};
+
 /// A method or an event.
 struct ZT_EXPORT ZTStaticMetaInvokableData {
     /// Gets a variant that holds a pointer to the object, and the arguments as the caller gave them.
@@ -101,6 +124,7 @@ struct ZT_EXPORT ZTStaticMetaInvokableData {
     ZTAccessSpecifier accessSpecifier = ZTAccessSpecifier::Private;
     bool isEvent = false;
     int index = -1; ///< class-wide
+    const ZTStaticMetaInvokableDetails* details = nullptr;
 };
 
 /// The table of a class. Its counts are those of the class's own members, its offsets the counts of

@@ -83,7 +83,9 @@ enum class ClassFault {
     InheritedMembers,
     MemberCall,
     ListedTwice,
-    Notify
+    Notify,
+    Enumerator,
+    DefaultValue
 };
 
 template <class C>
@@ -97,8 +99,13 @@ constexpr ClassFault faultOfMembers()
         return ClassFault::MemberCall;
     else if constexpr (declaredList<C>.hasMemberListedTwice())
         return ClassFault::ListedTwice;
+    else if constexpr (!notifiesEventsOnly<C>())
+        return ClassFault::Notify;
+    else if constexpr (declaredList<C>.fault == WordFault::Enumerator)
+        return ClassFault::Enumerator;
     else
-        return notifiesEventsOnly<C>() ? ClassFault::None : ClassFault::Notify;
+        return declaredList<C>.fault == WordFault::DefaultValue ? ClassFault::DefaultValue
+                                                                : ClassFault::None;
 }
 
 template <class C>

@@ -37,6 +37,7 @@ constexpr ClassDeclaration declarationOf()
         declaration.members = declaredMembers<C>.data();
         declaration.memberCount = declaredMembers<C>.size();
         declaration.infos = declaredInfos<C>.data();
+        declaration.defaults = declaredDefaults<C>.data();
         using Super = typename Declared<C>::Super;
         if constexpr (!std::is_void_v<Super>)
             declaration.superClass = &classOf<Super>;

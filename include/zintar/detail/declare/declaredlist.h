@@ -118,6 +118,9 @@ template <class C>
 [[gnu::visibility("hidden")]] inline constexpr auto declaredMembers = declaredList<C>.members;
 template <class C>
 [[gnu::visibility("hidden")]] inline constexpr auto declaredInfos = declaredList<C>.infos;
+template <class C>
+[[gnu::visibility("hidden")]] inline constexpr auto declaredDefaults =
+    declaredList<C>.defaultArguments;
 
 template <class C>
 struct DeclaredHere {

@@ -2,11 +2,14 @@
 
 #include <zintar/detail/declare/list.h>
 #include <zintar/detail/declare/names.h>
+#include <zintar/enumeration.h>
+#include <zintar/metatypeof.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -94,6 +97,52 @@ struct Enumerators {
 template <auto... Values>
 inline constexpr std::array<int, sizeof...(Values) + 1> enumeratorNumbers{
     static_cast<int>(valueOfEnumerator<Values>())...};
+
+/// How values convert by the enumeration of the type, whichever class declared it first.
+template <class Enum>
+struct EnumerationConverters {
+    static bool toInt(const void* source, void* target)
+    {
+        if (!source)
+            return false;
+        const Enum value = *static_cast<const Enum*>(source);
+        const int number = static_cast<int>(value);
+        *static_cast<int*>(target) = number;
+        return static_cast<Enum>(number) == value;
+    }
+    static bool fromInt(const void* source, void* target)
+    {
+        const bool isValue =
+            source && isEnumerator(::ztMetaType<Enum>(), *static_cast<const int*>(source));
+        if (isValue)
+            *static_cast<Enum*>(target) = static_cast<Enum>(*static_cast<const int*>(source));
+        return isValue;
+    }
+    static bool toText(const void* source, void* target)
+    {
+        int number = 0;
+        return toInt(source, &number) &&
+               enumeratorToText(::ztMetaType<Enum>(), number, *static_cast<std::string*>(target));
+    }
+    static bool fromText(const void* source, void* target)
+    {
+        int number = 0;
+        const bool isName =
+            source && textToEnumerator(::ztMetaType<Enum>(),
+                                       *static_cast<const std::string*>(source), number);
+        if (isName)
+            *static_cast<Enum*>(target) = static_cast<Enum>(number);
+        return isName;
+    }
+};
+
+template <class Enum, bool IsFlags>
+inline constexpr EnumerationType enumerationType{&::ztMetaType<Enum>,
+                                                 IsFlags,
+                                                 &EnumerationConverters<Enum>::toText,
+                                                 &EnumerationConverters<Enum>::fromText,
+                                                 &EnumerationConverters<Enum>::toInt,
+                                                 &EnumerationConverters<Enum>::fromInt};
 
 template <class Enum>
 constexpr std::string_view bareName()

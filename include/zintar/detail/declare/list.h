@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/declare/entries.h>
 #include <zintar/detail/declare/names.h>
 #include <zintar/detail/declare/record.h>
 
@@ -33,25 +34,42 @@ constexpr bool areAllTrue(std::initializer_list<bool> answers)
 ///
 /// A list may be long. What is asked of all its members together goes by hashes, since each name
 /// against each is more than compilers are ready to compute.
-template <std::size_t MemberCount, std::size_t InfoCount>
+template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount = 0>
 struct MemberList {
     std::array<MemberRecord, MemberCount> members{};
     std::array<InfoText, InfoCount> infos{};
+    std::array<ListedDefault, DefaultCount> defaultArguments{};
     std::array<const MemberIdentity*, MemberCount> identities{};
     std::array<const MemberIdentity*, MemberCount> changeEvents{};
     bool notifies = false; ///< a property names its change event
+    WordFault fault = WordFault::None;
 
-    template <class Entry>
-    constexpr void add(const Entry& entry, std::size_t& member, std::size_t& info)
+    /// How far the list is filled.
+    struct Filled {
+        std::size_t members = 0;
+        std::size_t infos = 0;
+        std::size_t defaults = 0;
+    };
+
+    template <std::size_t Texts, std::size_t Defaults>
+    constexpr void add(const ListedMember<Texts, Defaults>& entry, Filled& filled)
     {
-        members[member] = entry.record;
-        members[member].firstInfo = static_cast<unsigned int>(info);
-        identities[member] = entry.identity;
-        changeEvents[member] = entry.changeEvent;
+        MemberRecord& record = members[filled.members];
+        record = entry.record;
+        record.firstInfo = static_cast<unsigned int>(filled.infos);
+        identities[filled.members] = entry.identity;
+        changeEvents[filled.members] = entry.changeEvent;
         notifies = notifies || entry.changeEvent->isSet();
-        ++member;
+        if (fault == WordFault::None)
+            fault = entry.fault;
+        ++filled.members;
         for (const InfoText& text : entry.infos)
-            infos[info++] = text;
+            infos[filled.infos++] = text;
+        if constexpr (Defaults > 0) {
+            record.invokable.firstDefault = static_cast<unsigned int>(filled.defaults);
+            for (const ListedDefault& listed : entry.defaultArguments)
+                defaultArguments[filled.defaults++] = listed;
+        }
     }
 
     static constexpr bool hasName(MemberKind kind)
@@ -119,6 +137,6 @@ struct MemberList {
 
 template <class T>
 inline constexpr bool isMemberList = false;
-template <std::size_t MemberCount, std::size_t InfoCount>
-inline constexpr bool isMemberList<MemberList<MemberCount, InfoCount>> = true;
+template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount>
+inline constexpr bool isMemberList<MemberList<MemberCount, InfoCount, DefaultCount>> = true;
 } // namespace zt::detail

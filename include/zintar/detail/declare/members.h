@@ -26,33 +26,32 @@ constexpr detail::ListedMember<0> info(std::string_view key, std::string_view va
     return entry;
 }
 
-/// An enumeration: `zt::enumeration<Mode>(zt::enumerators<Mode::Off, Mode::Heat>)`.
-template <class Enum, auto... Values>
-constexpr auto enumeration(detail::Enumerators<Values...>)
+namespace detail
 {
-    using List = detail::Enumerators<Values...>;
+template <class Enum, bool IsFlags, auto... Values>
+constexpr auto enumerationEntry(Enumerators<Values...>)
+{
+    using List = Enumerators<Values...>;
     constexpr bool isEnum = std::is_enum_v<Enum>;
     constexpr bool areOwn = !isEnum || List::template areAllOf<Enum>();
     static_assert(isEnum, "zt::enumeration<E>: E is no enumeration.");
     static_assert(areOwn, "zt::enumeration<E>: an enumerator belongs to another enumeration.");
-    detail::EnumerationEntry entry;
-    entry.record.kind = detail::MemberKind::Enumeration;
+    EnumerationEntry<Enum> entry;
+    entry.record.kind = MemberKind::Enumeration;
     if constexpr (isEnum && areOwn) {
         static_assert(List::fitInt(),
                       "zt::enumeration<E>: the value of an enumerator does not fit into an int.");
         static_assert(List::areNamed(),
                       "zt::enumerators: a value has no name, or two have one name; give it by "
                       "zt::enumerator(\"name\", value).");
-        entry.record.name = detail::bareName<Enum>();
-        entry.record.enumeration = {List::names.data(),
-                                    detail::enumeratorNumbers<Values...>.data()};
+        entry.record.name = bareName<Enum>();
+        entry.record.enumeration = {List::names.data(), enumeratorNumbers<Values...>.data(),
+                                    &enumerationType<Enum, IsFlags>, 0};
         entry.record.count = sizeof...(Values);
     }
     return entry;
 }
 
-namespace detail
-{
 template <class Result, class... P>
 inline constexpr Signature signatureOf{&resultType<Result>, Parameters<P...>::types,
                                        &Parameters<P...>::signature, sizeof...(P)};
@@ -64,16 +63,16 @@ constexpr const Signature* signatureFor(Parameters<P...>)
 }
 
 template <MemberKind kind, auto Member>
-constexpr InvokableEntry invokableEntry()
+constexpr auto invokableEntry()
 {
     using Traits = MemberTraits<decltype(Member)>;
-    InvokableEntry entry;
+    InvokableEntry<typename Traits::Params> entry;
     entry.identity = &memberIdentity<Member>;
     entry.record.kind = kind;
     entry.record.name = entry.identity->name;
     entry.record.isConst = Traits::isConst;
     entry.record.invokable = {signatureFor<typename Traits::Result>(typename Traits::Params()),
-                              &invokeMember<Member>, &memberVariable<Member>};
+                              &invokeMember<Member>, &memberVariable<Member>, 0, 0};
     return entry;
 }
 
@@ -142,7 +141,7 @@ struct EntryMaker {
                       "The type of a property that can be set needs a default value.");
         if constexpr (fault != MemberFault::None)
             return std::conditional_t<kind == MemberKind::Property, PropertyEntry<0>,
-                                      InvokableEntry>();
+                                      InvokableEntry<Parameters<>>>();
         else if constexpr (kind == MemberKind::Property)
             return propertyEntry<Member...>();
         else
@@ -150,6 +149,21 @@ struct EntryMaker {
     }
 };
 } // namespace detail
+
+/// An enumeration: `zt::enumeration<Mode>(zt::enumerators<Mode::Off, Mode::Heat>)`.
+template <class Enum, auto... Values>
+constexpr auto enumeration(detail::Enumerators<Values...> list)
+{
+    return detail::enumerationEntry<Enum, false>(list);
+}
+
+/// An enumeration of which a value may be several enumerators together:
+/// `zt::flags<Access>(zt::enumerators<Access::Read, Access::Write>)`.
+template <class Enum, auto... Values>
+constexpr auto flags(detail::Enumerators<Values...> list)
+{
+    return detail::enumerationEntry<Enum, true>(list);
+}
 
 /// An event, `zt::event<&Self::changed>()`: a member function that raises itself with
 /// `sendEvent<&Self::changed>(...)`.
@@ -183,11 +197,12 @@ constexpr auto members(const Entries&... entries)
     static_assert(areEntries, "zt::members takes what zt::info, zt::enumeration, zt::property, "
                               "zt::method and zt::event give.");
     if constexpr (areEntries) {
-        detail::MemberList<sizeof...(Entries), detail::sumOf({Entries::infoCount...})> list;
-        [[maybe_unused]] std::size_t member = 0;
-        [[maybe_unused]] std::size_t info = 0;
+        using List = detail::MemberList<sizeof...(Entries), detail::sumOf({Entries::infoCount...}),
+                                        detail::sumOf({Entries::defaultCount...})>;
+        List list;
+        [[maybe_unused]] typename List::Filled filled;
         // An array and no fold, which compilers nest.
-        [[maybe_unused]] const bool added[] = {true, (list.add(entries, member, info), true)...};
+        [[maybe_unused]] const bool added[] = {true, (list.add(entries, filled), true)...};
         return list;
     } else {
         return detail::MemberList<0, 0>();

@@ -15,10 +15,34 @@ namespace zt::detail
 {
 enum class MemberKind : unsigned char { Info, Enumeration, Property, Method, Event };
 
-/// A key and a value, as constant data.
+/// What a text behind a member says.
+enum class TextKind : unsigned char { Info, ParameterName, EnumeratorName };
+
+/// A key and a value, as constant data; or a name alone, which is the key.
 struct InfoText {
     std::string_view key;
     std::string_view value;
+    TextKind kind = TextKind::Info;
+    int part = ZTPartInfo::Whole; ///< the position of the parameter or enumerator that it is of
+};
+
+/// The default argument of a parameter: what was written, and the function that makes a variant of
+/// the parameter's type of it.
+struct ListedDefault {
+    ZTVariant (*make)(const ListedDefault& listed) = nullptr;
+    long long integer = 0; ///< also of an enumerator
+    double number = 0;
+    std::string_view text;
+};
+
+/// The type of an enumeration, and how its values convert. Made once for each.
+struct EnumerationType {
+    TypeGetter type;
+    bool isFlags;
+    ConverterFunction toText;
+    ConverterFunction fromText;
+    ConverterFunction toInt;
+    ConverterFunction fromInt;
 };
 
 /// What methods and events of one signature have in common.
@@ -34,6 +58,8 @@ struct Signature {
 struct ListedEnumeration {
     const std::string_view* enumerators;
     const int* values;
+    const EnumerationType* type;
+    unsigned int textCount;
 };
 
 struct ListedProperty {
@@ -47,6 +73,8 @@ struct ListedInvokable {
     const Signature* signature;
     ZTStaticMetaInvokableData::Function function;
     const void* key; ///< the variable that holds the pointer to the member
+    unsigned int defaultCount;
+    unsigned int firstDefault; ///< where those begin in the list's default arguments
 };
 
 /// One member as the class declares it.
@@ -63,8 +91,8 @@ struct MemberRecord {
     MemberKind kind = MemberKind::Info;
     bool isConst = false; ///< of a method or an event
     ZTAccessSpecifier access = ZTAccessSpecifier::Public;
-    unsigned int count = 0;     ///< of enumerators, or of the annotations of a property
-    unsigned int firstInfo = 0; ///< where those begin in the list's texts
+    unsigned int count = 0;     ///< of enumerators, or of the texts of another member
+    unsigned int firstInfo = 0; ///< where its texts begin among those of the list
 
     [[nodiscard]] constexpr bool isInvokable() const
     {

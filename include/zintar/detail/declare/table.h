@@ -27,6 +27,7 @@ struct ClassDeclaration {
     const MemberRecord* members = nullptr;
     std::size_t memberCount = 0;
     const InfoText* infos = nullptr;
+    const ListedDefault* defaults = nullptr;
     /// Gives the super class, complete; null for the root.
     ClassFunction superClass = nullptr;
     /// What the table's callbacks are: they ask the class, since a host may have a copy of its
@@ -54,6 +55,10 @@ public:
 
     [[nodiscard]] const ZTMetaClass& metaClass() const { return *m_descriptor; }
 
+    /// Makes the enumerations those of their types, where these have none yet, and their values
+    /// convert. To be called on the one table of a class.
+    void publishEnumerations() const;
+
     // Among the own invokables, of the last one that fits; -1 when there is none.
     [[nodiscard]] int positionOf(const void* function) const;
     [[nodiscard]] int positionOf(std::string_view name, bool isConst,
@@ -61,6 +66,7 @@ public:
 
 private:
     struct Records;
+    struct RareRecords;
 
     void joinSuperClass();
     void linkChangeEvents();
