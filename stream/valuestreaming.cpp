@@ -1,5 +1,6 @@
-#include "../types/metatypeprivate.h"
+#include "../types/shapes.h"
 #include "datastreamprivate.h"
+#include "nestingdepth.h"
 
 #include <zintar/datastream.h>
 #include <zintar/log.h>
@@ -40,22 +41,6 @@ const ZTMetaType& typeOnStream(std::string_view name)
     ztLog("Zintar: ZTVariant " + std::string(operation) + " failed for type " + typeName + ".",
           ZTLogType::Warning);
 }
-
-/// How deep variants are nested in the one that is being read. A damaged stream can nest them as
-/// often as it has bytes for, which the call stack must not have to bear.
-class NestingDepth
-{
-public:
-    NestingDepth() { ++depth; }
-    NestingDepth(const NestingDepth&) = delete;
-    NestingDepth& operator=(const NestingDepth&) = delete;
-    ~NestingDepth() { --depth; }
-    [[nodiscard]] static bool isTooDeep() { return depth > limit; }
-
-private:
-    static constexpr int limit = 500;
-    [[gnu::tls_model("initial-exec")]] inline static thread_local int depth = 0;
-};
 } // namespace
 
 ZTDataStream& operator>>(ZTDataStream& stream, const ZTMetaType*& type)
@@ -86,6 +71,8 @@ ZTDataStream& operator<<(ZTDataStream& stream, const ZTVariant& variant)
         target << std::string_view(type.name);
         if (type.serialize)
             type.serialize(target, variant.data());
+        else if (zt::detail::canWriteParts(type))
+            zt::detail::writeParts(target, type, variant.data());
         else if (variant.isValid())
             warnOfValue("serialization", type.name);
     });
@@ -100,14 +87,18 @@ ZTVariant readVariant(ZTDataStream& stream)
     stream >> type;
     if (!*type)
         return {};
-    NestingDepth nesting;
+    const zt::detail::NestingDepth nesting;
     const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(*type);
-    if (NestingDepth::isTooDeep() || !record.deserialize) {
+    const bool isReadable = record.deserialize || zt::detail::canReadParts(record);
+    if (zt::detail::NestingDepth::isTooDeep() || !isReadable) {
         warnOfValue("deserialization", record.name);
         return {};
     }
     ZTVariant variant(*type, nullptr);
-    record.deserialize(stream, variant.data());
+    if (record.deserialize)
+        record.deserialize(stream, variant.data());
+    else
+        zt::detail::readParts(stream, *type, variant.data());
     return variant;
 }
 } // namespace

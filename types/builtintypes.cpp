@@ -35,16 +35,18 @@ public:
             Functions::print(), nullptr);
         record->isBuiltIn = true;
         record->setStorage(sizeof(BlockOf<T>), Functions::assign());
+        record->shape = shapeOf<T>();
         m_registry.add(std::move(record), alias);
     }
     /// A type without any function: no variant of it holds a block.
     template <class T>
     void addNameOnly()
     {
-        m_registry.add(std::make_unique<ZTMetaTypePrivate>(ztTypeName<T>(), typeid(T), nullptr,
-                                                           nullptr, nullptr, nullptr, nullptr,
-                                                           nullptr, nullptr, nullptr),
-                       {});
+        auto record = std::make_unique<ZTMetaTypePrivate>(ztTypeName<T>(), typeid(T), nullptr,
+                                                          nullptr, nullptr, nullptr, nullptr,
+                                                          nullptr, nullptr, nullptr);
+        record->shape = shapeOf<T>();
+        m_registry.add(std::move(record), {});
     }
 
 private:

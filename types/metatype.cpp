@@ -1,4 +1,4 @@
-#include "metatypeprivate.h"
+#include "shapes.h"
 
 #include <zintar/log.h>
 
@@ -170,28 +170,37 @@ void ZTMetaType::destroy(void* block) const
 
 ZTPartialOrdering ZTMetaType::compare(const void* a, const void* b) const
 {
-    return priv->compare ? priv->compare(a, b) : ZTPartialOrdering::Unordered;
+    return priv->compare ? priv->compare(a, b) : zt::detail::compareParts(*priv, a, b);
 }
 
 bool ZTMetaType::serialize(ZTDataStream& stream, const void* value) const
 {
+    const bool byParts = !priv->serialize && zt::detail::canWriteParts(*priv);
     if (priv->serialize)
         priv->serialize(stream, value);
-    return priv->serialize != nullptr;
+    else if (byParts)
+        zt::detail::writeParts(stream, *priv, value);
+    return priv->serialize || byParts;
 }
 
 bool ZTMetaType::deserialize(ZTDataStream& stream, void* value) const
 {
+    const bool byParts = !priv->deserialize && zt::detail::canReadParts(*priv);
     if (priv->deserialize)
         priv->deserialize(stream, value);
-    return priv->deserialize != nullptr;
+    else if (byParts)
+        zt::detail::readParts(stream, *this, value);
+    return priv->deserialize || byParts;
 }
 
 bool ZTMetaType::print(std::ostream& stream, const void* value) const
 {
+    const bool byParts = !priv->print && zt::detail::canPrintParts(*priv);
     if (priv->print)
         priv->print(stream, value);
-    return priv->print != nullptr;
+    else if (byParts)
+        zt::detail::printParts(stream, *priv, value);
+    return priv->print || byParts;
 }
 
 const ZTMetaType& ztMetaType(const std::string& name)
@@ -236,7 +245,8 @@ const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_vie
                                      CompareFunction compare, SerializeFunction serialize,
                                      DeserializeFunction deserialize, PrintFunction print,
                                      const ZTMetaClass* metaClass, unsigned int blockSize,
-                                     AssignFunction assign, ClassFunction findClass)
+                                     AssignFunction assign, ClassFunction findClass,
+                                     const Shape* shape)
 {
     ZTMetaTypeRegistry& registry = ztMetaTypeRegistry();
     if (const ZTMetaType* known = registry.find(type)) {
@@ -248,6 +258,7 @@ const ZTMetaType& ztRegisterMetaType(const std::type_info& type, std::string_vie
                                             serialize, deserialize, print, metaClass);
     record->setStorage(blockSize, assign);
     record->findClass = findClass;
+    record->shape = shape;
     return registry.add(std::move(record), alias);
 }
 } // namespace zt::detail

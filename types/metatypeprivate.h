@@ -104,6 +104,8 @@ struct ZTMetaTypePrivate {
     /// Null until somebody asks, where `findClass` is set.
     std::atomic<const ZTMetaClass*> metaClass;
     zt::detail::ClassFunction findClass = nullptr;
+    /// What values consist of; null for a type that keeps it to itself.
+    const zt::detail::Shape* shape = nullptr;
     zt::detail::CreateFunction create;
     zt::detail::DestroyFunction destroy;
     zt::detail::CreateDefaultFunction createDefault;

@@ -1,6 +1,6 @@
 #include <zintar/variant.h>
 
-#include "metatypeprivate.h"
+#include "shapes.h"
 
 #include <zintar/log.h>
 
@@ -44,8 +44,7 @@ void ZTVariant::reset() noexcept { ZTVariant old(std::move(*this)); }
 
 ZTPartialOrdering ZTVariant::compare(const ZTVariant& other) const
 {
-    auto function = ZTMetaTypePrivate::of(*m_type).compare;
-    return function ? function(m_data, other.m_data) : ZTPartialOrdering::Unordered;
+    return m_type->compare(m_data, other.m_data);
 }
 
 bool ZTVariant::operator==(const ZTVariant& other) const
@@ -103,11 +102,14 @@ std::ostream& operator<<(std::ostream& stream, const ZTVariant& variant)
     const ZTMetaTypePrivate& type = ZTMetaTypePrivate::of(variant.type());
     // Made before anything is printed, since memory may fail.
     std::string failure;
-    if (variant.isValid() && !type.print)
+    const bool byParts = !type.print && variant.isValid() && zt::detail::canPrintParts(type);
+    if (variant.isValid() && !type.print && !byParts)
         failure = "Zintar: ZTVariant print failed for type " + type.name + ".";
     stream << "ZTVariant(" << type.name << ", ";
     if (type.print && variant.isValid())
         type.print(stream, variant.data());
+    else if (byParts)
+        zt::detail::printParts(stream, type, variant.data());
     stream << ")";
     if (!failure.empty())
         ztLog(failure, ZTLogType::Warning);

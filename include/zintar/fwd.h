@@ -12,6 +12,11 @@ struct ZTNone;
 struct ZTMetaType;
 struct ZTVariant;
 class ZTDataStream;
+struct ZTKind;
+class ZTSequenceView;
+class ZTAssociationView;
+class ZTOptionalView;
+class ZTRecordView;
 
 struct ZTMetaClass;
 struct ZTMetaClassInfo;

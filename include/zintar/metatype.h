@@ -109,6 +109,7 @@ namespace zt::detail
 ///                  a new block, since a value is no more than its bytes; or null
 /// @param findClass in place of `metaClass`, for a class that may not be complete yet; asked once
 ///                  somebody wants to know the class
+/// @param shape     what values consist of, as a constant; null for a type that keeps it to itself
 /// Threads: safe beside any other use of types. No code of the host runs meanwhile.
 ZT_EXPORT const ZTMetaType&
 ztRegisterMetaType(const std::type_info& type, std::string_view name, const std::string& alias,
@@ -116,7 +117,10 @@ ztRegisterMetaType(const std::type_info& type, std::string_view name, const std:
                    CreateDefaultFunction createDefault, CompareFunction compare,
                    SerializeFunction serialize, DeserializeFunction deserialize,
                    PrintFunction print, const ZTMetaClass* metaClass, unsigned int blockSize = 0,
-                   AssignFunction assign = nullptr, ClassFunction findClass = nullptr);
+                   AssignFunction assign = nullptr, ClassFunction findClass = nullptr,
+                   const Shape* shape = nullptr);
+/// What values of the type consist of; null where it keeps that to itself.
+[[nodiscard]] ZT_EXPORT const Shape* shapeOfType(const ZTMetaType& type);
 [[nodiscard]] ZT_EXPORT bool isInBlocks(const ZTMetaType& type);
 
 /// Tells in the log that the type cannot be found by its name, since another one has it.

@@ -1,7 +1,8 @@
 #pragma once
 
 /// @file
-/// The whole library. `fwd.h` is enough for a header that only names its types.
+/// The whole library but for `containers.h`, which gives forms to the containers of all files.
+/// `fwd.h` is enough for a header that only names the types of the library.
 
 // In front, so that a mistake in a subscription is few includes away.
 #include <zintar/detail/makehandler.h>
@@ -18,6 +19,7 @@
 #include <zintar/eventlistener.h>
 #include <zintar/fwd.h>
 #include <zintar/integers.h>
+#include <zintar/kind.h>
 #include <zintar/log.h>
 #include <zintar/logcapture.h>
 #include <zintar/loghandler.h>
@@ -25,6 +27,7 @@
 #include <zintar/metaclassbuilder.h>
 #include <zintar/metatype.h>
 #include <zintar/metatypeof.h>
+#include <zintar/record.h>
 #include <zintar/reference.h>
 #include <zintar/shortname.h>
 #include <zintar/staticmetaclass.h>
@@ -33,3 +36,4 @@
 #include <zintar/typename.h>
 #include <zintar/variant.h>
 #include <zintar/version.h>
+#include <zintar/view.h>

@@ -14,8 +14,6 @@
 
 namespace zt::detail
 {
-using TypeGetter = const ZTMetaType& (*)();
-
 /// The type as which an argument for a parameter `P` travels.
 template <class P>
 using Held = ValueType<P>;

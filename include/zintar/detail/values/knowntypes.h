@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/values/shapes.h>
 #include <zintar/detail/values/typefunctions.h>
 #include <zintar/metatype.h>
 #include <zintar/typename.h>
@@ -27,7 +28,7 @@ const ZTMetaType& registerType(const std::string& alias = {})
             typeid(T), ztTypeName<T>(), alias, Functions::create(), Functions::destroy(),
             Functions::createDefault(), Functions::compare(), Functions::serialize(),
             Functions::deserialize(), Functions::print(), nullptr, sizeof(BlockOf<T>),
-            Functions::assign(), findClassOfPointer<T>());
+            Functions::assign(), findClassOfPointer<T>(), shapeOf<T>());
         warnOfTakenName(type);
         return type;
     }

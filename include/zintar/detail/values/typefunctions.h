@@ -4,6 +4,7 @@
 #include <zintar/detail/blocks.h>
 #include <zintar/detail/values/abilities.h>
 #include <zintar/detail/values/objectpointers.h>
+#include <zintar/detail/values/shapes.h>
 #include <zintar/metatype.h>
 
 #include <concepts>
@@ -32,15 +33,25 @@ using StreamInteger = std::conditional_t<
             sizeof(T) == 4, std::conditional_t<std::is_signed_v<T>, int, unsigned int>,
             std::conditional_t<std::is_signed_v<T>, long long, unsigned long long>>>>;
 
+/// Passes as a stream to the operators that a host writes, and not to those of `containers.h`:
+/// otherwise what a type can do would hang on whether a file includes that.
+template <class Stream>
+struct HostStream {
+    operator Stream&() const;
+};
 template <class T>
-concept OwnInsertion = requires(ZTDataStream& stream, const T& value)
+using StreamOfOperators =
+    std::conditional_t<ContainerLike<T>, HostStream<ZTDataStream>, ZTDataStream>;
+
+template <class T>
+concept OwnInsertion = requires(StreamOfOperators<T>& stream, const T& value)
 {
     {
         stream << value
         } -> std::convertible_to<ZTDataStream&>;
 };
 template <class T>
-concept Extraction = requires(ZTDataStream& stream, T& value)
+concept Extraction = requires(StreamOfOperators<T>& stream, T& value)
 {
     {
         stream >> value
@@ -64,8 +75,8 @@ struct OnlyOthers {
 /// nobody would notice. (A template that deduces takes neither of the two that stand for it.)
 template <class T>
 concept OwnExtraction = Extraction<T> &&(
-    requires(ZTDataStream& stream) { stream >> OnlyThis<T>(); } ||
-    !requires(ZTDataStream & stream) { stream >> OnlyOthers<T>(); });
+    requires(StreamOfOperators<T>& stream) { stream >> OnlyThis<T>(); } ||
+    !requires(StreamOfOperators<T> & stream) { stream >> OnlyOthers<T>(); });
 template <class T>
 concept Printable = requires(std::ostream& stream, const T& value)
 {

@@ -18,4 +18,7 @@ using AssignFunction = void (*)(void* target, const void* source);
 using ConverterFunction = bool (*)(const void* source, void* target);
 /// Gives the class that a pointer type points to, complete.
 using ClassFunction = const ZTMetaClass& (*)();
+/// Gives a type, which may be registered only then.
+using TypeGetter = const ZTMetaType& (*)();
+struct Shape;
 } // namespace zt::detail
