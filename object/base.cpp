@@ -52,6 +52,8 @@ void ZTBase::setParent(ZTBase* parent)
         priv->setParent(parent);
 }
 
+ZTBase* ZTBase::parent() const { return priv && priv->parent ? priv->parent->object : nullptr; }
+
 const std::vector<ZTBase*>& ZTBase::children() const
 {
     static const auto& none = *new std::vector<ZTBase*>(); // for objects that die at exit

@@ -56,14 +56,34 @@ void ZTDynamicProperties::add(std::string_view name, ZTVariant&& value)
     if (m_index) {
         m_index->add(added->name, added.get());
     } else if (!areFew()) {
-        auto index = std::make_unique<Index>();
+        auto index = indexWithout(nullptr);
         index->add(added->name, added.get());
-        for (ZTDynamicProperty* one = m_first.get(); one; one = one->next.get())
-            index->add(one->name, one);
         m_index = std::move(index);
     }
     added->next = std::move(m_first);
     m_first = std::move(added);
+}
+
+std::unique_ptr<ZTDynamicProperties::Index>
+ZTDynamicProperties::indexWithout(const ZTDynamicProperty* left) const
+{
+    auto index = std::make_unique<Index>();
+    for (ZTDynamicProperty* one = m_first.get(); one; one = one->next.get())
+        if (one != left)
+            index->add(one->name, one);
+    return index;
+}
+
+std::unique_ptr<ZTDynamicProperty> ZTDynamicProperties::remove(const ZTDynamicProperty& property)
+{
+    if (m_index)
+        m_index = indexWithout(&property);
+    std::unique_ptr<ZTDynamicProperty>* place = &m_first;
+    while (place->get() != &property)
+        place = &(*place)->next;
+    std::unique_ptr<ZTDynamicProperty> removed = std::move(*place);
+    *place = std::move(removed->next);
+    return removed;
 }
 
 std::vector<std::string_view> ZTDynamicProperties::names() const

@@ -31,7 +31,7 @@ struct ZTDynamicProperty : zt::detail::InBlocks {
 
 /// The dynamic properties of an object: a list, and an index as soon as that is too long to walk.
 ///
-/// They do not move and none leaves as long as the object lives, so views of their names stay good.
+/// They do not move, so the view of a name stays good until its property is removed.
 class ZTDynamicProperties
 {
 public:
@@ -54,6 +54,8 @@ public:
     }
     /// There is none with that name. May throw, and changes nothing then.
     void add(std::string_view name, ZTVariant&& value);
+    /// Takes out one that is in the list. May throw, and changes nothing then.
+    [[nodiscard]] std::unique_ptr<ZTDynamicProperty> remove(const ZTDynamicProperty& property);
     [[nodiscard]] std::vector<std::string_view> names() const;
 
 private:
@@ -62,6 +64,8 @@ private:
     /// To walk as many is as fast as to use an index.
     static constexpr int few = 8;
     [[nodiscard]] bool areFew() const;
+    /// Of all but one.
+    [[nodiscard]] std::unique_ptr<Index> indexWithout(const ZTDynamicProperty* left) const;
 
     std::unique_ptr<ZTDynamicProperty> m_first;
     std::unique_ptr<Index> m_index;

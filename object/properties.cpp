@@ -24,21 +24,28 @@ bool isDifferent(ZTDynamicProperty& property, const ZTVariant& value)
     return reading.value() != value;
 }
 
-/// @param property  the one with that name, or null
-void changeDynamicProperty(ZTBasePrivate& record, ZTDynamicProperty* property,
-                           std::string_view name, const ZTVariant& value)
+void tellChange(const ZTLifeWatch& self, const std::string& name, ZTVariant& value)
 {
     using Changed =
         zt::detail::TypedEvent<&ZTBase::dynamicPropertyChanged,
                                zt::detail::Parameters<const std::string&, const ZTVariant&>>;
-    ZTVariant old; // the last to go
+    void* values[] = {const_cast<std::string*>(&name), &value};
+    zt::detail::EventRaiser::raise(self, Changed::declared(), values);
+}
+
+/// @param property  the one with that name, or null
+void changeDynamicProperty(ZTBasePrivate& record, ZTDynamicProperty* property,
+                           std::string_view name, const ZTVariant& value)
+{
+    ZTVariant old;               // the last to go
+    const std::string key(name); // code of the host below may end what the name is in
     ZTLifeWatch self(&record);
     if (property && (!isDifferent(*property, value) || !self))
         return;
+    property = record.findDynamicProperty(key);               // which it may have removed as well
     const bool isHeard = !record.events.eventSlots.areNone(); // or somebody may listen, at least
     if (!isHeard && property && zt::detail::assignInPlace(property->value, value))
         return;
-    const std::string key(name); // the copies below may end what the name is in
     std::optional<ZTVariant> told;
     if (isHeard)
         told.emplace(value);
@@ -52,10 +59,8 @@ void changeDynamicProperty(ZTBasePrivate& record, ZTDynamicProperty* property,
         property->leaveToReaders();
         old = std::exchange(property->value, std::move(copy));
     }
-    if (told) {
-        void* values[] = {const_cast<std::string*>(&key), &*told};
-        zt::detail::EventRaiser::raise(self, Changed::declared(), values);
-    }
+    if (told)
+        tellChange(self, key, *told);
 }
 
 void setDynamicProperty(ZTBasePrivate& record, std::string_view name, const ZTVariant& value)
@@ -106,4 +111,17 @@ std::vector<std::string_view> ZTBase::dynamicProperties() const
 {
     const ZTExtras::Parts* parts = priv ? priv->extras.parts() : nullptr;
     return parts ? parts->dynamicProperties.names() : std::vector<std::string_view>();
+}
+
+bool ZTBase::removeDynamicProperty(std::string_view name)
+{
+    ZTDynamicProperty* property = priv ? priv->findDynamicProperty(name) : nullptr;
+    if (!property)
+        return false;
+    // The value is the last to go, with the name that subscribers are told.
+    const auto removed = priv->extras.parts()->dynamicProperties.remove(*property);
+    ZTVariant none;
+    if (!priv->events.eventSlots.areNone())
+        tellChange(ZTLifeWatch(priv), removed->name, none);
+    return true;
 }

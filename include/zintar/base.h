@@ -67,6 +67,8 @@ public:
     /// the same object from a handler of that `childRemoved` does nothing: the outer call's
     /// parent stands. An object as its own parent is refused with an error line.
     void setParent(ZTBase* parent);
+    /// Null for a root object.
+    [[nodiscard]] ZTBase* parent() const;
     /// The children in the order of their joining. Good as long as the object; shows later
     /// changes. While the object is being destroyed, a child that is gone reads null.
     [[nodiscard]] const std::vector<ZTBase*>& children() const;
@@ -107,8 +109,13 @@ public:
         const ZTVariant& variant = copy;
         return setProperty(name, variant, createDynamic);
     }
-    /// The names of the dynamic properties, in no order. The views stay good as long as the object.
+    /// The names of the dynamic properties, in no order. A view stays good as long as the object
+    /// has the property.
     [[nodiscard]] std::vector<std::string_view> dynamicProperties() const;
+    /// Takes a dynamic property away. `dynamicPropertyChanged` is sent with an invalid variant.
+    /// @return false when the object has none of that name; one of its class stays
+    /// Cost: a step for each dynamic property of the object.
+    bool removeDynamicProperty(std::string_view name);
 
     // Events. Each of these raises the event of its name on this object.
     /// Sent by the destructor, when the object is a plain `ZTBase` already.

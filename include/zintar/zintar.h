@@ -9,6 +9,7 @@
 #include <zintar/detail/typedevent.h>
 
 #include <zintar/base.h>
+#include <zintar/checked.h>
 #include <zintar/classrecord.h>
 #include <zintar/converter.h>
 #include <zintar/datastream.h>
@@ -17,6 +18,7 @@
 #include <zintar/enumeration.h>
 #include <zintar/eventblocker.h>
 #include <zintar/eventlistener.h>
+#include <zintar/find.h>
 #include <zintar/fwd.h>
 #include <zintar/integers.h>
 #include <zintar/kind.h>
@@ -27,6 +29,7 @@
 #include <zintar/metaclassbuilder.h>
 #include <zintar/metatype.h>
 #include <zintar/metatypeof.h>
+#include <zintar/outcome.h>
 #include <zintar/record.h>
 #include <zintar/reference.h>
 #include <zintar/shortname.h>

@@ -1,0 +1,63 @@
+#include "fit.h"
+
+#include <zintar/base.h>
+#include <zintar/typedvalue.h>
+
+#include <cstddef>
+#include <optional>
+
+namespace zt::detail
+{
+namespace
+{
+/// How many steps up the class tree the one is from the other. `isDerivedFrom` would complain of
+/// classes made at run time.
+std::optional<unsigned int> stepsUp(const ZTMetaClass* from, const ZTMetaClass* to)
+{
+    unsigned int steps = 0;
+    for (; from && from != to; from = from->superClass())
+        ++steps;
+    return from ? std::optional(steps) : std::nullopt;
+}
+
+Fit atLeast(Fit least, unsigned int steps)
+{
+    return static_cast<Fit>(static_cast<unsigned int>(least) + steps);
+}
+
+Fit fitOfPointer(const ZTVariant& value, const ZTMetaClass& target)
+{
+    if (auto steps = stepsUp(value.type().metaClass(), &target))
+        return atLeast(Fit::Derived, *steps);
+    // The pointer says less than the object does.
+    const auto* object = ztVariantValue<const ZTBase*>(value);
+    if (!object)
+        return stepsUp(&target, value.type().metaClass()) ? Fit::ByObject : Fit::None;
+    auto steps = stepsUp(object->metaClass(), &target);
+    return steps ? atLeast(Fit::ByObject, *steps) : Fit::None;
+}
+} // namespace
+
+Fit fitOf(const ZTVariant& value, const ZTMetaType& type, ZTVariant& converted)
+{
+    // A function made at run time may leave its types open.
+    if (&value.type() == &type || !type)
+        return Fit::Exact;
+    if (&type == &::ztMetaType<ZTVariant>())
+        return Fit::AsVariant;
+    if (!value)
+        return Fit::None;
+    if (const ZTMetaClass* target = type.metaClass()) {
+        if (value.type().metaClass())
+            return fitOfPointer(value, *target);
+        if (&value.type() == &::ztMetaType<std::nullptr_t>()) {
+            converted = ZTVariant(type, nullptr);
+            return Fit::Converted;
+        }
+    }
+    converted = ZTVariant(type, nullptr);
+    const bool fits = value.data() && converted.data() &&
+                      value.type().convert(value.data(), type, converted.data());
+    return fits ? Fit::Converted : Fit::None;
+}
+} // namespace zt::detail
