@@ -41,6 +41,10 @@
 /// Names come from the members; `.as("name")` gives another, for overloads or where stored data
 /// must survive a rename. Private members may be listed, and data members may be properties.
 /// Overloads are told apart by a cast. A class that lists nothing returns `zt::members()`.
+///
+/// `ztCreate` (create.h) makes objects of a declared class by a public constructor `Thermostat()`
+/// or `Thermostat(ZTBase* parent)`; `zt::constructor<double>()` in the list adds
+/// `Thermostat(double)`.
 
 // How a declaration becomes a class; all of it is in detail/declare/.
 //
@@ -50,7 +54,7 @@
 //   the checks          memberchecks.h and classchecks.h find the mistakes; members.h and
 //                       ZT_DETAIL_CHECK_CLASS tell them.
 //   the functions       functions.h has those behind the records, which take an object and
-//                       arguments as variants.
+//                       arguments as variants; constructors.h has those that make an object.
 //   the table           declaredclass.h hands the list to table.h, which is compiled in the
 //                       library and makes the tables of staticmetaclass.h from the records.
 
@@ -124,7 +128,10 @@ private:                                                                        
                   "zt::members: what is said of an enumerator names none of the enumeration, "     \
                   "or gives it the name of another.");                                             \
     static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::DefaultValue>,              \
-                  "zt::members: a default value is outside of what its parameter can hold.");
+                  "zt::members: a default value is outside of what its parameter can hold.");      \
+    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Constructor>,               \
+                  "zt::constructor: the class is abstract, or has no public constructor "          \
+                  "with these parameters.");
 
 /// Defines the descriptor of a class, once, in the file that implements the class: in the namespace
 /// of the class, or outside with the qualified name. The class and its pointer types are registered

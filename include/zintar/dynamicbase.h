@@ -37,6 +37,7 @@ protected:
 
 private:
     friend struct zt::detail::ClassAccess;
+    friend struct zt::detail::ClassGiving;
     /// @param record  made before the parent hears of the object
     ZTDynamicBase(ZTBase* parent, std::unique_ptr<ZTDynamicBasePrivate> record);
     static zt::detail::ClassTable& ztTable();

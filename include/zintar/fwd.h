@@ -41,6 +41,7 @@ class ZTRef;
 template <class T>
 class ZTStrongRef;
 
+class ZTClassStore;
 class ZTMetaClassBuilder;
 class ZTMetaClassInfoBuilder;
 class ZTMetaEnumBuilder;
@@ -59,6 +60,7 @@ class ZTLifeWatch;
 
 namespace zt::detail
 {
+struct ClassGiving;
 struct ZTHandlerBase;
 struct Handler;
 struct HandlerKey;

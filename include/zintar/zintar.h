@@ -10,8 +10,10 @@
 
 #include <zintar/base.h>
 #include <zintar/checked.h>
+#include <zintar/classes.h>
 #include <zintar/classrecord.h>
 #include <zintar/converter.h>
+#include <zintar/create.h>
 #include <zintar/datastream.h>
 #include <zintar/declare.h>
 #include <zintar/dynamicbase.h>

@@ -1,6 +1,7 @@
 #include <zintar/detail/declare/table.h>
 
 #include "../../types/metatypeprivate.h"
+#include "../classlist.h"
 #include "../membersbyname.h"
 #include "../ownorinherited.h"
 
@@ -290,6 +291,7 @@ ClassTable::ClassTable(const ClassDeclaration& declaration)
                               m_records->invokables.count(), m_records->invokables.addresses(),
                               m_declaration.positionByFunction, m_declaration.positionBySignature);
     const ZTStaticMetaClassData* table = this;
+    constructors = m_declaration.constructors;
     m_descriptor = std::make_unique<ZTStaticMetaClass>(table);
     joinSuperClass();
     typeName = m_declaration.pointer->className;
@@ -419,10 +421,17 @@ ClassTable& tableOf(DeclaredClass& declared)
     if (table)
         return *table;
     auto made = std::make_unique<ClassTable>(declared.declaration);
-    if (declared.table.compare_exchange_strong(table, made.get(), std::memory_order_acq_rel))
+    ClassListing listing(made->metaClass());
+    const bool isFirst =
+        declared.table.compare_exchange_strong(table, made.get(), std::memory_order_acq_rel);
+    if (isFirst)
         table = made.release();
     table->publishEnumerations();
     declared.descriptor.store(&table->metaClass(), std::memory_order_release);
+    if (isFirst) {
+        listing.enter();
+        listing.tell();
+    }
     return *table;
 }
 } // namespace zt::detail

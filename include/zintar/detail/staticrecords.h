@@ -15,6 +15,8 @@
 
 namespace zt::detail
 {
+struct ConstructorList;
+
 // clang-format off
 /// One key/value annotation of a property.
 struct ZT_EXPORT ZTPropertyInfo {
@@ -171,6 +173,8 @@ struct ZT_EXPORT ZTStaticMetaClassData {
     IndexByFunction indexOfInvokableByFunction = nullptr;
     IndexBySignature indexOfInvokableBySignature = nullptr;
     void* userData = nullptr; ///< of the host; shared by all descriptors on the table
+    /// How `ztCreate` makes objects of the class; null where it cannot.
+    const ConstructorList* constructors = nullptr;
 };
 // clang-format on
 } // namespace zt::detail

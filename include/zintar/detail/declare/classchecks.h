@@ -1,11 +1,13 @@
 #pragma once
 
 #include <zintar/base.h>
+#include <zintar/detail/constructors.h>
 #include <zintar/detail/declare/declaredlist.h>
 #include <zintar/dynamicbase.h>
 
 #include <concepts>
 #include <type_traits>
+#include <utility>
 
 /// @file
 /// The mistakes that the compiler can see in the declaration of a class.
@@ -36,6 +38,22 @@ constexpr bool notifiesEventsOnly()
             if (event->isSet() && !listsEvent<C>(*event))
                 return false;
     return true;
+}
+
+template <class C>
+using ListedConstructors = typename std::remove_cvref_t<decltype(declaredList<C>)>::Constructors;
+
+template <class C, class... P>
+constexpr bool isConstructible(Parameters<P...>)
+{
+    return canMake<C, decltype(passAs<P>(std::declval<const Held<P>&>()))...>;
+}
+
+/// Whether the class has the constructors that it lists, and others may call them.
+template <class C, class... Params>
+constexpr bool listsConstructorsOnly(ConstructorParameters<Params...>)
+{
+    return (isConstructible<C>(Params()) && ...);
 }
 
 // The classes that an object class derives from cannot be listed, but each of those that begin with
@@ -85,7 +103,8 @@ enum class ClassFault {
     ListedTwice,
     Notify,
     Enumerator,
-    DefaultValue
+    DefaultValue,
+    Constructor
 };
 
 template <class C>
@@ -103,9 +122,11 @@ constexpr ClassFault faultOfMembers()
         return ClassFault::Notify;
     else if constexpr (declaredList<C>.fault == WordFault::Enumerator)
         return ClassFault::Enumerator;
+    else if constexpr (declaredList<C>.fault == WordFault::DefaultValue)
+        return ClassFault::DefaultValue;
     else
-        return declaredList<C>.fault == WordFault::DefaultValue ? ClassFault::DefaultValue
-                                                                : ClassFault::None;
+        return listsConstructorsOnly<C>(ListedConstructors<C>()) ? ClassFault::None
+                                                                 : ClassFault::Constructor;
 }
 
 template <class C>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zintar/detail/declare/classchecks.h>
+#include <zintar/detail/declare/constructors.h>
 #include <zintar/detail/declare/declaredlist.h>
 #include <zintar/detail/declare/table.h>
 #include <zintar/dynamicbase.h>
@@ -43,26 +44,29 @@ constexpr ClassDeclaration declarationOf()
             declaration.superClass = &classOf<Super>;
         declaration.positionByFunction = &positionByFunction<C>;
         declaration.positionBySignature = &positionBySignature<C>;
+        declaration.constructors = &constructorsOf<C>;
     }
     return declaration;
 }
 
-template <class C>
-inline constexpr ClassDeclaration declaration = declarationOf<C>();
-
-/// Instantiated in the file of its `ZT_CLASS` alone.
-template <class C>
-inline constinit DeclaredClass classDeclared{declaration<C>};
+// What follows is instantiated in the file of its `ZT_CLASS` alone. It is hidden, so that two
+// plugins that both have a class of that name have two classes, each with the functions of its own.
 
 template <class C>
-ClassTable& declaredTable()
+[[gnu::visibility("hidden")]] inline constexpr ClassDeclaration declaration = declarationOf<C>();
+
+template <class C>
+[[gnu::visibility("hidden")]] inline constinit DeclaredClass classDeclared{declaration<C>};
+
+template <class C>
+[[gnu::visibility("hidden")]] ClassTable& declaredTable()
 {
     return tableOf(classDeclared<C>);
 }
 
 /// The descriptor of a declared class, complete.
 template <class C>
-const ZTMetaClass& declaredClass()
+[[gnu::visibility("hidden")]] const ZTMetaClass& declaredClass()
 {
     return classIn(classDeclared<C>);
 }

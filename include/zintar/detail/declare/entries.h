@@ -31,6 +31,7 @@ struct ListedMember {
     std::array<InfoText, TextCount> infos{};
     std::array<ListedDefault, DefaultCount> defaultArguments{};
 
+    static constexpr std::size_t memberCount = 1;
     static constexpr std::size_t infoCount = TextCount;
     static constexpr std::size_t defaultCount = DefaultCount;
 

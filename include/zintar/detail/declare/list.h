@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/declare/constructorentry.h>
 #include <zintar/detail/declare/entries.h>
 #include <zintar/detail/declare/names.h>
 #include <zintar/detail/declare/record.h>
@@ -34,8 +35,13 @@ constexpr bool areAllTrue(std::initializer_list<bool> answers)
 ///
 /// A list may be long. What is asked of all its members together goes by hashes, since each name
 /// against each is more than compilers are ready to compute.
-template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount = 0>
+///
+/// Constructors are no members: no descriptor shows them. So they are types of the list.
+template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount = 0,
+          class ListedConstructors = ConstructorParameters<>>
 struct MemberList {
+    using Constructors = ListedConstructors;
+
     std::array<MemberRecord, MemberCount> members{};
     std::array<InfoText, InfoCount> infos{};
     std::array<ListedDefault, DefaultCount> defaultArguments{};
@@ -71,6 +77,10 @@ struct MemberList {
                 defaultArguments[filled.defaults++] = listed;
         }
     }
+    template <class... P>
+    constexpr void add(const ConstructorEntry<P...>&, Filled&)
+    {}
+    constexpr void add(const FaultyConstructor&, Filled&) {}
 
     static constexpr bool hasName(MemberKind kind)
     {
@@ -137,6 +147,8 @@ struct MemberList {
 
 template <class T>
 inline constexpr bool isMemberList = false;
-template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount>
-inline constexpr bool isMemberList<MemberList<MemberCount, InfoCount, DefaultCount>> = true;
+template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount,
+          class Constructors>
+inline constexpr bool isMemberList<MemberList<MemberCount, InfoCount, DefaultCount, Constructors>> =
+    true;
 } // namespace zt::detail

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/declare/constructorentry.h>
 #include <zintar/detail/declare/entries.h>
 #include <zintar/detail/declare/enumerators.h>
 #include <zintar/detail/declare/functions.h>
@@ -181,12 +182,43 @@ inline constexpr detail::EntryMaker<detail::MemberKind::Property, Getter, Setter
 
 namespace detail
 {
+template <class... P>
+struct ConstructorMaker {
+    constexpr auto operator()() const
+    {
+        constexpr bool isShort = sizeof...(P) <= maxParamCount;
+        constexpr bool isCarried =
+            Parameters<P...>::plain && faultOfValues(Parameters<P...>{}) == MemberFault::None;
+        static_assert(isShort, "A constructor that is listed has at most "
+                               "ZTMetaInvokable::MaxParamCount parameters.");
+        static_assert(isCarried, "The parameters of a constructor that is listed are complete "
+                                 "types that can be copied: values or references to const.");
+        if constexpr (isShort && isCarried)
+            return ConstructorEntry<P...>();
+        else
+            return FaultyConstructor();
+    }
+};
+} // namespace detail
+
+/// A constructor that `ztCreate` can call with arguments, `zt::constructor<double, std::string>()`.
+/// It is no member: no descriptor shows it. One without parameters, or with a parent alone, need
+/// not be listed.
+template <class... P>
+inline constexpr detail::ConstructorMaker<P...> constructor{};
+
+namespace detail
+{
 template <class T>
 inline constexpr bool isEntry = requires(const T& entry)
 {
     entry.record.kind;
     T::infoCount;
 };
+template <class... P>
+inline constexpr bool isEntry<ConstructorEntry<P...>> = true;
+template <>
+inline constexpr bool isEntry<FaultyConstructor> = true;
 } // namespace detail
 
 /// The members of a class, in the order in which they are listed.
@@ -195,10 +227,11 @@ constexpr auto members(const Entries&... entries)
 {
     constexpr bool areEntries = detail::areAllTrue({detail::isEntry<Entries>...});
     static_assert(areEntries, "zt::members takes what zt::info, zt::enumeration, zt::property, "
-                              "zt::method and zt::event give.");
+                              "zt::method, zt::event and zt::constructor give.");
     if constexpr (areEntries) {
-        using List = detail::MemberList<sizeof...(Entries), detail::sumOf({Entries::infoCount...}),
-                                        detail::sumOf({Entries::defaultCount...})>;
+        using List = detail::MemberList<
+            detail::sumOf({Entries::memberCount...}), detail::sumOf({Entries::infoCount...}),
+            detail::sumOf({Entries::defaultCount...}), detail::ConstructorsAmong<Entries...>>;
         List list;
         [[maybe_unused]] typename List::Filled filled;
         // An array and no fold, which compilers nest.

@@ -35,6 +35,7 @@ struct ClassDeclaration {
     int (*positionByFunction)(const ZTMetaClass* self, void* function) = nullptr;
     int (*positionBySignature)(const ZTMetaClass* self, std::string_view name, bool isConst,
                                const std::type_index& signature) = nullptr;
+    const ConstructorList* constructors = nullptr;
 };
 
 /// The table of a declared class and its descriptor, complete when it is made.
