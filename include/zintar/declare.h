@@ -93,55 +93,102 @@ private:                                                                        
 #define ZT_DETAIL_UNIQUE(name, number) ZT_DETAIL_JOIN(name, number)
 
 // Here, and not in a template, so that the message begins with the line of the host.
-#define ZT_DETAIL_CHECK_CLASS(Class)                                                               \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::NoObjectLine>,              \
+#define ZT_DETAIL_CHECK_CLASS(...)                                                                 \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::NoObjectLine>,        \
                   "ZT_CLASS: the class has no ZT_OBJECT of its own.");                             \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::NoSuperClass>,              \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::NoSuperClass>,        \
                   "ZT_OBJECT names a class as super class that the class does not derive "         \
                   "from.");                                                                        \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Inheritance>,               \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::Inheritance>,         \
                   "An object class derives from its super class publicly, once and not "           \
                   "virtually.");                                                                   \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::ClassBetween>,              \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::ClassBetween>,        \
                   "ZT_OBJECT: the class derives from an object class nearer than the one "         \
                   "it names.");                                                                    \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::FirstBase>,                 \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::FirstBase>,           \
                   "ZTBase must be the first base of an object class that has virtual "             \
                   "functions.");                                                                   \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::NoMembers>,                 \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::NoMembers>,           \
                   "The class lists its members in `static constexpr auto members()`; one "         \
                   "that lists none returns zt::members().");                                       \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::InheritedMembers>,          \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::InheritedMembers>,    \
                   "The class has no members() of its own and would list those of its "             \
                   "super class again; one that lists none returns zt::members().");                \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::MemberCall>,                \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::MemberCall>,          \
                   "members() must be static and constexpr, and return what zt::members "           \
                   "gives.");                                                                       \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::ListedTwice>,               \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::ListedTwice>,         \
                   "zt::members: a member is listed twice, or two properties or "                   \
                   "enumerations have one name. Instances of one template need names of "           \
                   "their own, by .as(\"name\").");                                                 \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Notify>,                    \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::Notify>,              \
                   "zt::members: a property's notify<...>() names no event of the class or"         \
                   " its super classes.");                                                          \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Enumerator>,                \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::Foreign>,             \
+                  "zt::members: a member belongs to a class that is neither an object class nor "  \
+                  "a public base of this one.");                                                   \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::Enumerator>,          \
                   "zt::members: what is said of an enumerator names none of the enumeration, "     \
                   "or gives it the name of another.");                                             \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::DefaultValue>,              \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::DefaultValue>,        \
                   "zt::members: a default value is outside of what its parameter can hold.");      \
-    static_assert(::zt::detail::lacks<Class, ::zt::detail::ClassFault::Constructor>,               \
+    static_assert(::zt::detail::lacks<__VA_ARGS__, ::zt::detail::ClassFault::Constructor>,         \
                   "zt::constructor: the class is abstract, or has no public constructor "          \
                   "with these parameters.");
+
+// The class of which `ZT_CLASS` is: `Lamp` as it stands, and of `Box, int` an instance.
+#define ZT_DETAIL_CLASS(Class, ...) Class __VA_OPT__(<__VA_ARGS__>)
+#define ZT_DETAIL_CLASS_HEAD(Class, ...) __VA_OPT__(template <>)
+// An instance is told to be special before anything asks for its functions.
+#define ZT_DETAIL_DECLARE_INSTANCE(Class, ...)                                                     \
+    __VA_OPT__(template <>::zt::detail::ClassTable& Class<__VA_ARGS__>::ztTable();                 \
+               template <> const ZTMetaClass& Class<__VA_ARGS__>::typeMetaClass();                 \
+               template <> const ZTMetaClass* Class<__VA_ARGS__>::metaClass() const;               \
+               template <> const ZTMetaClass* Class<__VA_ARGS__>::baseMetaClass() const;)
 
 /// Defines the descriptor of a class, once, in the file that implements the class: in the namespace
 /// of the class, or outside with the qualified name. The class and its pointer types are registered
 /// when that file's program or plugin is loaded. A plugin that declares classes stays loaded for
 /// the life of the process.
-#define ZT_CLASS(Class)                                                                            \
-    ZT_DETAIL_CHECK_CLASS(Class)                                                                   \
-    ::zt::detail::ClassTable& Class::ztTable() { return ::zt::detail::declaredTable<Class>(); }    \
-    const ZTMetaClass& Class::typeMetaClass() { return ::zt::detail::declaredClass<Class>(); }     \
-    const ZTMetaClass* Class::metaClass() const { return ::zt::detail::classOfObject(*this); }     \
-    const ZTMetaClass* Class::baseMetaClass() const { return &typeMetaClass(); }                   \
+///
+/// An instance of a class template is given as the template and its arguments, before anything uses
+/// its class: `ZT_CLASS(Box, int)` for `Box<int>`.
+#define ZT_CLASS(...)                                                                              \
+    ZT_DETAIL_DECLARE_INSTANCE(__VA_ARGS__)                                                        \
+    ZT_DETAIL_CHECK_CLASS(ZT_DETAIL_CLASS(__VA_ARGS__))                                            \
+    ZT_DETAIL_CLASS_HEAD(__VA_ARGS__)                                                              \
+    ::zt::detail::ClassTable& ZT_DETAIL_CLASS(__VA_ARGS__)::ztTable()                              \
+    {                                                                                              \
+        return ::zt::detail::declaredTable<ZT_DETAIL_CLASS(__VA_ARGS__)>();                        \
+    }                                                                                              \
+    ZT_DETAIL_CLASS_HEAD(__VA_ARGS__)                                                              \
+    const ZTMetaClass& ZT_DETAIL_CLASS(__VA_ARGS__)::typeMetaClass()                               \
+    {                                                                                              \
+        return ::zt::detail::declaredClass<ZT_DETAIL_CLASS(__VA_ARGS__)>();                        \
+    }                                                                                              \
+    ZT_DETAIL_CLASS_HEAD(__VA_ARGS__)                                                              \
+    const ZTMetaClass* ZT_DETAIL_CLASS(__VA_ARGS__)::metaClass() const                             \
+    {                                                                                              \
+        return ::zt::detail::classOfObject(*this);                                                 \
+    }                                                                                              \
+    ZT_DETAIL_CLASS_HEAD(__VA_ARGS__)                                                              \
+    const ZTMetaClass* ZT_DETAIL_CLASS(__VA_ARGS__)::baseMetaClass() const                         \
+    {                                                                                              \
+        return &typeMetaClass();                                                                   \
+    }                                                                                              \
     [[maybe_unused]] static const bool ZT_DETAIL_UNIQUE(ztClassIsReady, __COUNTER__) =             \
-        Class::typeMetaClass().isDynamic();
+        ZT_DETAIL_CLASS(__VA_ARGS__)::typeMetaClass().isDynamic();
+
+// `using enum`, so that the enumerators are written without their enumeration.
+#define ZT_DETAIL_ENUM(kind, Enum, ...)                                                            \
+    [[maybe_unused]] constexpr auto ztDeclaredEnumeration(::zt::detail::EnumerationTag<Enum>)      \
+    {                                                                                              \
+        using enum Enum;                                                                           \
+        return ::zt::kind<Enum>(::zt::enumerators<__VA_ARGS__>);                                   \
+    }
+
+/// Declares an enumeration of a namespace, in that namespace: `ZT_ENUM(Mode, Off, Heat, Cool)`. Any
+/// number of classes list it then by `zt::enumeration<Mode>()`.
+#define ZT_ENUM(Enum, ...) ZT_DETAIL_ENUM(enumeration, Enum, __VA_ARGS__)
+/// The same of one whose values may be several enumerators together.
+#define ZT_FLAGS(Enum, ...) ZT_DETAIL_ENUM(flags, Enum, __VA_ARGS__)

@@ -102,6 +102,7 @@ enum class ClassFault {
     MemberCall,
     ListedTwice,
     Notify,
+    Foreign,
     Enumerator,
     DefaultValue,
     Constructor
@@ -120,6 +121,8 @@ constexpr ClassFault faultOfMembers()
         return ClassFault::ListedTwice;
     else if constexpr (!notifiesEventsOnly<C>())
         return ClassFault::Notify;
+    else if constexpr (!canBindAll<C>(typename decltype(declaredList<C>)::Bindings()))
+        return ClassFault::Foreign;
     else if constexpr (declaredList<C>.fault == WordFault::Enumerator)
         return ClassFault::Enumerator;
     else if constexpr (declaredList<C>.fault == WordFault::DefaultValue)

@@ -15,6 +15,8 @@ namespace zt::detail
 /// A constructor in the list.
 template <class... P>
 struct ConstructorEntry {
+    using Binding = void;
+
     static constexpr std::size_t memberCount = 0;
     static constexpr std::size_t infoCount = 0;
     static constexpr std::size_t defaultCount = 0;
@@ -22,6 +24,8 @@ struct ConstructorEntry {
 
 /// One with a mistake that was told.
 struct FaultyConstructor {
+    using Binding = void;
+
     static constexpr std::size_t memberCount = 0;
     static constexpr std::size_t infoCount = 0;
     static constexpr std::size_t defaultCount = 0;

@@ -115,7 +115,8 @@ inline constexpr auto declaredList = Declared<C>::members();
 
 /// What gets into the program of it. Each program and plugin has its own.
 template <class C>
-[[gnu::visibility("hidden")]] inline constexpr auto declaredMembers = declaredList<C>.members;
+[[gnu::visibility("hidden")]] inline constexpr auto declaredMembers =
+    bound<C>(declaredList<C>.members, typename decltype(declaredList<C>)::Bindings());
 template <class C>
 [[gnu::visibility("hidden")]] inline constexpr auto declaredInfos = declaredList<C>.infos;
 template <class C>

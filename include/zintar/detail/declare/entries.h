@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/declare/bindings.h>
 #include <zintar/detail/declare/defaults.h>
 #include <zintar/detail/declare/record.h>
 
@@ -30,6 +31,10 @@ struct ListedMember {
     WordFault fault = WordFault::None;
     std::array<InfoText, TextCount> infos{};
     std::array<ListedDefault, DefaultCount> defaultArguments{};
+
+    /// What makes the functions of the member once the class is known that lists it; `void` where
+    /// they are there already.
+    using Binding = void;
 
     static constexpr std::size_t memberCount = 1;
     static constexpr std::size_t infoCount = TextCount;
@@ -79,8 +84,11 @@ template <class Parameter>
 using ParameterEntryOf = std::remove_cvref_t<decltype(asParameter(std::declval<Parameter>()))>;
 
 /// A method or an event in the list.
-template <class Params, std::size_t TextCount = 0, std::size_t DefaultCount = 0>
+template <class Params, class BindingOf = void, std::size_t TextCount = 0,
+          std::size_t DefaultCount = 0>
 struct InvokableEntry : ListedMember<TextCount, DefaultCount> {
+    using Binding = BindingOf;
+
     /// Gives the member another name than its own.
     constexpr InvokableEntry as(std::string_view name) const
     {
@@ -128,7 +136,7 @@ struct InvokableEntry : ListedMember<TextCount, DefaultCount> {
             constexpr bool fit = doDefaultsFit<Params, Values...>(positions);
             static_assert(fit,
                           "defaults(...) gives the last parameters values of their own types.");
-            InvokableEntry<Params, TextCount, sizeof...(Values)> longer;
+            InvokableEntry<Params, Binding, TextCount, sizeof...(Values)> longer;
             longer.extend(*this);
             if constexpr (fit)
                 longer.setDefaults(positions, values...);
@@ -147,13 +155,13 @@ struct InvokableEntry : ListedMember<TextCount, DefaultCount> {
     }
 
 private:
-    template <class, std::size_t, std::size_t>
+    template <class, class, std::size_t, std::size_t>
     friend struct InvokableEntry;
 
     template <std::size_t More>
     constexpr auto withTexts() const
     {
-        InvokableEntry<Params, TextCount + More, DefaultCount> longer;
+        InvokableEntry<Params, Binding, TextCount + More, DefaultCount> longer;
         longer.extend(*this);
         longer.record.count = TextCount + More;
         return longer;
@@ -240,8 +248,12 @@ private:
     }
 };
 
-template <std::size_t InfoCount>
+/// A property in the list.
+/// @tparam Field  the data member, where the property is one that can be set
+template <std::size_t InfoCount, auto Field = nullptr, class BindingOf = void>
 struct PropertyEntry : ListedMember<InfoCount> {
+    using Binding = BindingOf;
+
     constexpr PropertyEntry as(std::string_view name) const
     {
         PropertyEntry named = *this;
@@ -249,24 +261,44 @@ struct PropertyEntry : ListedMember<InfoCount> {
         return named;
     }
 
-    /// Names the event that announces a change of the property. Raising it is the setter's part.
+    /// Names the event that announces a change of the property. Raising it is the setter's part; a
+    /// data member raises it when it is set to another value.
     template <auto Event>
-    constexpr PropertyEntry notify() const
+    constexpr auto notify() const
     {
-        PropertyEntry linked = *this;
-        linked.changeEvent = &memberIdentity<Event>;
-        linked.record.property.changeEventKey = &memberVariable<Event>;
-        return linked;
+        constexpr bool isAnnounced = canAnnounce<Field, Event>();
+        static_assert(isAnnounced, "notify<...>(): the change event of a data member takes its "
+                                   "value, or nothing.");
+        if constexpr (!isAnnounced || std::is_null_pointer_v<decltype(Field)>) {
+            return linkedTo<Event>(*this);
+        } else if constexpr (std::is_void_v<Binding>) {
+            PropertyEntry linked = linkedTo<Event>(*this);
+            linked.record.property.setter = &setAndNotify<ObjectOf<Field, Event>, Field, Event>;
+            return linked;
+        } else {
+            PropertyEntry<InfoCount, Field, typename Binding::template Notifying<Event>> linked;
+            linked.extend(*this);
+            return linkedTo<Event>(linked);
+        }
     }
 
     /// Adds an annotation. Keys may repeat.
-    constexpr PropertyEntry<InfoCount + 1> info(std::string_view key, std::string_view value) const
+    constexpr auto info(std::string_view key, std::string_view value) const
     {
-        PropertyEntry<InfoCount + 1> longer;
+        PropertyEntry<InfoCount + 1, Field, Binding> longer;
         longer.extend(*this);
         longer.record.count = InfoCount + 1;
         longer.infos[InfoCount] = {key, value};
         return longer;
+    }
+
+private:
+    template <auto Event, class Entry>
+    static constexpr Entry linkedTo(Entry entry)
+    {
+        entry.changeEvent = &memberIdentity<Event>;
+        entry.record.property.changeEventKey = &memberVariable<Event>;
+        return entry;
     }
 };
 } // namespace detail

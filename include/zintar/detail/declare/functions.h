@@ -2,6 +2,7 @@
 
 #include <zintar/base.h>
 #include <zintar/detail/calls.h>
+#include <zintar/detail/lifewatch.h>
 
 #include <type_traits>
 #include <utility>
@@ -106,5 +107,64 @@ ZTVariant setProperty(const ZTVariant& object, const ZTVariant& value)
                            typename Traits::Params());
     else
         return setField(object, value, source, asRootMember<Setter>());
+}
+
+/// Whether a change of the data member can be announced by the event, which takes the value or
+/// nothing. What is no event is left to the check that finds it.
+template <auto Field, auto Event>
+constexpr bool canAnnounce()
+{
+    if constexpr (std::is_null_pointer_v<decltype(Field)>) {
+        return true;
+    } else if constexpr (!HasTraits<std::remove_cv_t<decltype(Event)>>) {
+        return true;
+    } else {
+        using Traits = MemberTraits<std::remove_cv_t<decltype(Event)>>;
+        using Value = typename MemberTraits<std::remove_cv_t<decltype(Field)>>::Result;
+        if constexpr (!Traits::isFunction)
+            return true;
+        else
+            return Traits::Params::count <= 1 && Traits::Params::lead(Parameters<Value>());
+    }
+}
+
+/// The class of which an object is that has both: the one derives from the other.
+template <auto Field, auto Event>
+using ObjectOf = std::conditional_t<
+    std::is_base_of_v<typename MemberTraits<std::remove_cv_t<decltype(Field)>>::Class,
+                      typename MemberTraits<std::remove_cv_t<decltype(Event)>>::Class>,
+    typename MemberTraits<std::remove_cv_t<decltype(Event)>>::Class,
+    typename MemberTraits<std::remove_cv_t<decltype(Field)>>::Class>;
+
+template <auto Event, class Object, class... P, class Value>
+void announce(Object& self, Parameters<P...>, [[maybe_unused]] const Value& value)
+{
+    (self.*Event)(passAs<P>(value)...);
+}
+
+/// Sets a data member and raises its change event, if the value is another one.
+template <class Object, auto Field, auto Event>
+ZTVariant setAndNotify(const ZTVariant& object, const ZTVariant& value)
+{
+    using Value = typename MemberTraits<decltype(Field)>::Result;
+    using Traits = MemberTraits<decltype(Event)>;
+    if constexpr (!Traits::isFunction) {
+        return {}; // which the checks refuse
+    } else {
+        return storeUnboxed<Value>(object, value, objectSource<Object>,
+                                   [](ZTBase& base, const Held<Value>& held) {
+                                       auto& self = static_cast<Object&>(base);
+                                       auto given = static_cast<Value>(held);
+                                       // What compares and assigns may be code of the host that
+                                       // ends the object.
+                                       const ZTLifeWatch watch(&base);
+                                       if constexpr (hasEquality<Value>)
+                                           if (self.*Field == given || !watch.isStill(&base))
+                                               return;
+                                       self.*Field = std::move(given);
+                                       if (watch.isStill(&base))
+                                           announce<Event>(self, typename Traits::Params(), held);
+                                   });
+    }
 }
 } // namespace zt::detail

@@ -37,9 +37,11 @@ constexpr bool areAllTrue(std::initializer_list<bool> answers)
 /// against each is more than compilers are ready to compute.
 ///
 /// Constructors are no members: no descriptor shows them. So they are types of the list.
+/// @tparam BindingsOf  a `BindingList` of all members, or an empty one where none has a binding
 template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount = 0,
-          class ListedConstructors = ConstructorParameters<>>
+          class BindingsOf = BindingList<>, class ListedConstructors = ConstructorParameters<>>
 struct MemberList {
+    using Bindings = BindingsOf;
     using Constructors = ListedConstructors;
 
     std::array<MemberRecord, MemberCount> members{};
@@ -147,8 +149,8 @@ struct MemberList {
 
 template <class T>
 inline constexpr bool isMemberList = false;
-template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount,
+template <std::size_t MemberCount, std::size_t InfoCount, std::size_t DefaultCount, class Bindings,
           class Constructors>
-inline constexpr bool isMemberList<MemberList<MemberCount, InfoCount, DefaultCount, Constructors>> =
-    true;
+inline constexpr bool
+    isMemberList<MemberList<MemberCount, InfoCount, DefaultCount, Bindings, Constructors>> = true;
 } // namespace zt::detail

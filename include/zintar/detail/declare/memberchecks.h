@@ -2,6 +2,7 @@
 
 #include <zintar/base.h>
 #include <zintar/detail/calls.h>
+#include <zintar/detail/declare/bindings.h>
 #include <zintar/detail/declare/record.h>
 #include <zintar/detail/signature.h>
 
@@ -58,7 +59,7 @@ constexpr MemberFault faultOfValues(Parameters<P...>)
 }
 
 /// What is wrong with a member of any kind.
-template <class Member>
+template <MemberKind kind, class Member>
 constexpr MemberFault faultOfMember()
 {
     if constexpr (!std::is_member_pointer_v<Member>)
@@ -66,14 +67,14 @@ constexpr MemberFault faultOfMember()
     else if constexpr (!HasTraits<Member>)
         return MemberFault::Qualified;
     else
-        return isObjectClass<typename MemberTraits<Member>::Class> ? MemberFault::None
-                                                                   : MemberFault::Foreign;
+        return kind == MemberKind::Event && isForeign<Member> ? MemberFault::Foreign
+                                                              : MemberFault::None;
 }
 
 template <MemberKind kind, class Member>
 constexpr MemberFault faultOfInvokable()
 {
-    constexpr MemberFault fault = faultOfMember<Member>();
+    constexpr MemberFault fault = faultOfMember<kind, Member>();
     if constexpr (fault != MemberFault::None) {
         return fault;
     } else if constexpr (!MemberTraits<Member>::isFunction) {
@@ -97,7 +98,7 @@ constexpr MemberFault faultOfInvokable()
 template <class Member>
 constexpr MemberFault faultOfGetter()
 {
-    constexpr MemberFault fault = faultOfMember<Member>();
+    constexpr MemberFault fault = faultOfMember<MemberKind::Property, Member>();
     if constexpr (fault != MemberFault::None) {
         return fault;
     } else {

@@ -67,32 +67,52 @@ template <MemberKind kind, auto Member>
 constexpr auto invokableEntry()
 {
     using Traits = MemberTraits<decltype(Member)>;
-    InvokableEntry<typename Traits::Params> entry;
+    constexpr bool isBound = isForeign<std::remove_cv_t<decltype(Member)>>;
+    using Binding = std::conditional_t<isBound, MethodBinding<Member>, void>;
+    InvokableEntry<typename Traits::Params, Binding> entry;
     entry.identity = &memberIdentity<Member>;
     entry.record.kind = kind;
     entry.record.name = entry.identity->name;
     entry.record.isConst = Traits::isConst;
     entry.record.invokable = {signatureFor<typename Traits::Result>(typename Traits::Params()),
-                              &invokeMember<Member>, &memberVariable<Member>, 0, 0};
+                              nullptr, &memberVariable<Member>, 0, 0};
+    if constexpr (!isBound)
+        entry.record.invokable.function = &invokeMember<Member>;
+    return entry;
+}
+
+/// @tparam Setter  the data member itself where that can be set, or null
+/// @tparam Field   that data member, or null
+template <auto Getter, auto Setter, auto Field>
+constexpr auto entryOfProperty()
+{
+    constexpr bool isBound = isForeign<std::remove_cv_t<decltype(Getter)>> ||
+                             isForeign<std::remove_cv_t<decltype(Setter)>>;
+    using Binding = std::conditional_t<isBound, PropertyBinding<Getter, Setter>, void>;
+    PropertyEntry<0, Field, Binding> entry;
+    entry.identity = &memberIdentity<Getter>;
+    entry.record.kind = MemberKind::Property;
+    entry.record.name = entry.identity->name;
+    entry.record.property = {&resultType<typename MemberTraits<decltype(Getter)>::Result>, nullptr,
+                             nullptr, nullptr};
+    if constexpr (!isBound)
+        entry.record.property.getter = &getProperty<Getter>;
+    if constexpr (!isBound && !std::is_null_pointer_v<decltype(Setter)>)
+        entry.record.property.setter = &setProperty<Setter>;
     return entry;
 }
 
 template <auto Getter, auto Setter>
-constexpr PropertyEntry<0> propertyEntry()
+constexpr auto propertyEntry()
 {
     using Traits = MemberTraits<decltype(Getter)>;
     using Result = typename Traits::Result;
-    PropertyEntry<0> entry;
-    entry.identity = &memberIdentity<Getter>;
-    entry.record.kind = MemberKind::Property;
-    entry.record.name = entry.identity->name;
-    ListedProperty property{&resultType<Result>, &getProperty<Getter>, nullptr, nullptr};
-    if constexpr (!std::is_null_pointer_v<decltype(Setter)>)
-        property.setter = &setProperty<Setter>;
-    else if constexpr (!Traits::isFunction && !std::is_const_v<Result>)
-        property.setter = &setProperty<Getter>;
-    entry.record.property = property;
-    return entry;
+    if constexpr (!Traits::isFunction && !std::is_const_v<Result> &&
+                  std::is_null_pointer_v<decltype(Setter)>) {
+        return entryOfProperty<Getter, Getter, Getter>();
+    } else {
+        return entryOfProperty<Getter, Setter, nullptr>();
+    }
 }
 
 /// Makes the entry of a member, or tells in one sentence what is wrong with it. The sentences stand
@@ -158,6 +178,33 @@ constexpr auto enumeration(detail::Enumerators<Values...> list)
     return detail::enumerationEntry<Enum, false>(list);
 }
 
+namespace detail
+{
+/// Finds what `ZT_ENUM` says of an enumeration.
+template <class Enum>
+struct EnumerationTag {};
+
+template <class Enum>
+concept DeclaredEnumeration = requires
+{
+    ztDeclaredEnumeration(EnumerationTag<Enum>());
+};
+} // namespace detail
+
+/// An enumeration that `ZT_ENUM` or `ZT_FLAGS` declares beside it, for as many classes as list it:
+/// `zt::enumeration<Mode>()`.
+template <class Enum>
+constexpr auto enumeration()
+{
+    constexpr bool isDeclared = detail::DeclaredEnumeration<Enum>;
+    static_assert(isDeclared, "zt::enumeration<E>(): E has no ZT_ENUM or ZT_FLAGS beside it; or "
+                              "give its enumerators, zt::enumerators<E::A, E::B>.");
+    if constexpr (isDeclared)
+        return ztDeclaredEnumeration(detail::EnumerationTag<Enum>());
+    else
+        return detail::EnumerationEntry<Enum>();
+}
+
 /// An enumeration of which a value may be several enumerators together:
 /// `zt::flags<Access>(zt::enumerators<Access::Read, Access::Write>)`.
 template <class Enum, auto... Values>
@@ -209,6 +256,28 @@ inline constexpr detail::ConstructorMaker<P...> constructor{};
 
 namespace detail
 {
+/// Of one entry; a constructor is no member and has none.
+template <class Entry>
+using BindingOf = std::conditional_t<Entry::memberCount == 0, BindingList<>,
+                                     BindingList<typename Entry::Binding>>;
+
+template <class... A, class... B>
+BindingList<A..., B...> operator+(BindingList<A...>, BindingList<B...>);
+
+template <bool isAny, class... Entries>
+struct Bindings {
+    using type = BindingList<>;
+};
+template <class... Entries>
+struct Bindings<true, Entries...> {
+    using type = decltype((BindingList<>() + ... + BindingOf<Entries>()));
+};
+
+/// Of all members, so that they keep their positions; empty where none has one.
+template <class... Entries>
+using BindingsAmong = typename Bindings<!areAllTrue({std::is_void_v<typename Entries::Binding>...}),
+                                        Entries...>::type;
+
 template <class T>
 inline constexpr bool isEntry = requires(const T& entry)
 {
@@ -231,7 +300,8 @@ constexpr auto members(const Entries&... entries)
     if constexpr (areEntries) {
         using List = detail::MemberList<
             detail::sumOf({Entries::memberCount...}), detail::sumOf({Entries::infoCount...}),
-            detail::sumOf({Entries::defaultCount...}), detail::ConstructorsAmong<Entries...>>;
+            detail::sumOf({Entries::defaultCount...}), detail::BindingsAmong<Entries...>,
+            detail::ConstructorsAmong<Entries...>>;
         List list;
         [[maybe_unused]] typename List::Filled filled;
         // An array and no fold, which compilers nest.
