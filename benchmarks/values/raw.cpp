@@ -24,4 +24,18 @@ void takeInt(benchmark::State& state)
     take(state, &held, [](const int* value) { return *value; });
 }
 BENCHMARK(takeInt)->Name("value_get/raw");
+
+void walkVector(benchmark::State& state)
+{
+    measure(state, [] {
+        int sum = 0;
+        for (const int& element : thousandInts) {
+            int number = element;
+            benchmark::DoNotOptimize(number); // one by one, as the others have to
+            sum += number;
+        }
+        benchmark::DoNotOptimize(sum);
+    });
+}
+BENCHMARK(walkVector)->Name("view_walk_1000/raw");
 } // namespace

@@ -3,6 +3,7 @@
 #include "measure.h"
 
 #include <string>
+#include <vector>
 
 /// 64 characters, which no small-string buffer takes.
 inline const std::string longText =
@@ -19,6 +20,9 @@ void makeAndCopy(benchmark::State& state, const Source& source)
         benchmark::DoNotOptimize(copy);
     });
 }
+
+/// What is walked.
+inline const std::vector<int> thousandInts(1000, 3);
 
 /// Takes an int out of `value` by `get`.
 template <class Value, class Get>

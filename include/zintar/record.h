@@ -19,7 +19,7 @@
 ///
 /// The line stands in the namespace of the struct or outside of all namespaces, so that it serves
 /// structs of somebody else as well; and it is seen wherever a value of the type is used, like an
-/// operator. The fields are public, in the order in which they are to be streamed: 1 to 128 of
+/// operator. The fields are public, in the order in which they are to be streamed: 1 to 64 of
 /// them, inherited ones included. One that is const is shown, but not written.
 #define ZT_RECORD(Type, ...)                                                                       \
     [[maybe_unused]] constexpr auto ztRecordFields(::zt::detail::RecordOf<Type>)                   \
@@ -28,10 +28,10 @@
         struct Names {                                                                             \
             static constexpr std::string_view text() { return #__VA_ARGS__; }                      \
         };                                                                                         \
-        return ::zt::detail::RecordFields<Self, Names __VA_OPT__(, ) __VA_OPT__(ZT_DETAIL_EXPAND(  \
-                                                    ZT_DETAIL_FIELD(__VA_ARGS__)))>();             \
+        return ::zt::detail::checkedFields<::zt::detail::RecordFields<                             \
+            Self, Names __VA_OPT__(, ZT_DETAIL_EXPAND(ZT_DETAIL_FIELD(__VA_ARGS__)))>>();          \
     }                                                                                              \
-    static_assert(::zt::detail::DeclaredRecord<Type>,                                              \
+    static_assert(::zt::detail::isDeclaredRecord<Type>,                                            \
                   "ZT_RECORD(" #Type ", ...) stands in front of the first use of the type as a "   \
                   "value, in the namespace of the type or outside of all namespaces.");
 

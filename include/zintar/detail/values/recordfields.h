@@ -70,12 +70,6 @@ struct RecordFields {
     static constexpr bool areFields = (std::is_member_object_pointer_v<decltype(Members)> && ...);
     static constexpr bool hasArray = (isArrayField<T, Members>() || ...);
     static constexpr bool areUnique = areNamesUnique(Names::text(), count);
-    static_assert(isPlain, "ZT_RECORD serves plain structs. An object class lists its members "
-                           "behind ZT_OBJECT.");
-    static_assert(isListed, "ZT_RECORD names the fields behind the struct.");
-    static_assert(areFields, "ZT_RECORD lists fields: a function or a static member is none.");
-    static_assert(!hasArray, "ZT_RECORD: no variant holds an array. Make the field a std::array.");
-    static_assert(areUnique, "ZT_RECORD: a field is listed twice.");
 
     static constexpr FieldList<count> list()
     {
@@ -95,4 +89,20 @@ struct RecordFields {
         return (streams<Test, typename FieldFunctions<T, Members>::F, Outer...>() && ...);
     }
 };
+
+/// Apart from the class, which some compilers would not let anybody use after a mistake.
+template <class Fields>
+constexpr Fields checkedFields()
+{
+    static_assert(Fields::isPlain,
+                  "ZT_RECORD serves plain structs. An object class lists its members "
+                  "behind ZT_OBJECT.");
+    static_assert(Fields::isListed, "ZT_RECORD names the fields behind the struct.");
+    static_assert(Fields::areFields,
+                  "ZT_RECORD lists fields: a function or a static member is none.");
+    static_assert(!Fields::hasArray,
+                  "ZT_RECORD: no variant holds an array. Make the field a std::array.");
+    static_assert(Fields::areUnique, "ZT_RECORD: a field is listed twice.");
+    return {};
+}
 } // namespace zt::detail

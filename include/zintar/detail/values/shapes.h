@@ -540,6 +540,9 @@ concept DeclaredRecord = requires
 };
 
 template <class T>
+inline constexpr bool isDeclaredRecord = DeclaredRecord<T>;
+
+template <class T>
 inline constexpr bool isReference = false;
 template <class T>
 inline constexpr bool isReference<ZTRef<T>> = true;
