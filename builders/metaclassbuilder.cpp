@@ -174,3 +174,48 @@ void ZTMetaClassBuilder::removeProperty(unsigned int index)
 }
 
 int ZTMetaClassBuilder::propertyCount() const { return countOf(priv->metaClass->m_properties); }
+
+ZTMetaPropertyBuilder ZTMetaClassBuilder::addStoredProperty(std::string_view name,
+                                                            const ZTVariant& start)
+{
+    auto& properties = priv->metaClass->m_properties;
+    auto& invokables = priv->metaClass->m_invokables;
+    const std::size_t propertiesBefore = properties.size();
+    const std::size_t invokablesBefore = invokables.size();
+    try {
+        auto event = addInvokable();
+        event.setName(std::string(name) + "Changed");
+        event.setAccessSpecifier(ZTAccessSpecifier::Public);
+        event.setEvent({&start.type()});
+        auto property = addProperty();
+        property.setName(name);
+        property.setStored(start);
+        property.setChangeEvent(event);
+        return {this, properties.back(), nullptr};
+    } catch (...) { // of memory, or of the copy of the value
+        properties.resize(propertiesBefore);
+        invokables.resize(invokablesBefore);
+        throw;
+    }
+}
+
+const ZTMetaInvokable*
+ZTMetaClassBuilder::superMethod(std::string_view name,
+                                const std::vector<const ZTMetaType*>& parameterTypes) const
+{
+    const ZTMetaClass* super = superClass();
+    // Those of the nearest class stand last.
+    for (unsigned int i = super ? super->invokableCount() : 0; i-- > 0;) {
+        const ZTMetaInvokable* method = super->invokable(i);
+        if (!method || method->isEvent() || method->name() != name ||
+            method->parameterCount() != parameterTypes.size())
+            continue;
+        unsigned int same = 0;
+        while (same < parameterTypes.size() &&
+               &method->parameterMetaType(same) == parameterTypes[same])
+            ++same;
+        if (same == parameterTypes.size())
+            return method;
+    }
+    return nullptr;
+}

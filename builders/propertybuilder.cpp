@@ -37,6 +37,8 @@ void ZTMetaPropertyBuilder::copyFunctions(const ZTMetaProperty& prototype)
         const auto& source = static_cast<const ZTDynamicMetaProperty&>(prototype);
         setUntypedGetter(source.m_getter);
         setUntypedSetter(source.m_setter);
+        priv->descriptor->m_read = source.m_read;
+        priv->descriptor->m_written = source.m_written;
     } else if (const auto* source = dynamic_cast<const ZTStaticMetaProperty*>(&prototype)) {
         setUntypedGetter(source->getter());
         setUntypedSetter(source->setter());
@@ -103,13 +105,29 @@ void clearFlag(unsigned char& flags, unsigned char flag)
 void ZTMetaPropertyBuilder::setUntypedGetter(zt::detail::GetterFunction getter)
 {
     clearFlag(priv->descriptor->m_accessFlags, ZTClassRecordFlags::Readable);
+    std::shared_ptr<const zt::detail::StoredProperty> none;
+    priv->descriptor->m_read.swap(none);
     priv->descriptor->m_getter.swap(getter); // the old one, of the host, ends last
 }
 
 void ZTMetaPropertyBuilder::setUntypedSetter(zt::detail::SetterFunction setter)
 {
     clearFlag(priv->descriptor->m_accessFlags, ZTClassRecordFlags::Writable);
+    std::shared_ptr<const zt::detail::StoredProperty> none;
+    priv->descriptor->m_written.swap(none);
     priv->descriptor->m_setter.swap(setter);
+}
+
+void ZTMetaPropertyBuilder::setStored(const ZTVariant& start)
+{
+    std::shared_ptr<const zt::detail::StoredProperty> stored;
+    if (start)
+        stored = std::make_shared<const zt::detail::StoredProperty>(start);
+    setMetaType(start.type());
+    setUntypedGetter({});
+    setUntypedSetter({});
+    priv->descriptor->m_read = stored;
+    priv->descriptor->m_written = std::move(stored);
 }
 
 unsigned int ZTMetaPropertyBuilder::propInfoCount() const

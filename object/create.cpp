@@ -1,6 +1,7 @@
 #include <zintar/create.h>
 
 #include "baseprivate.h"
+#include "conversion.h"
 
 #include <zintar/dynamicbase.h>
 #include <zintar/log.h>
@@ -47,6 +48,9 @@ namespace
 {
 using zt::detail::ConstructorList;
 using zt::detail::ConstructorRecord;
+using zt::detail::Conversion;
+using zt::detail::conversionTo;
+using zt::detail::convertedTo;
 using Arguments = std::span<const ZTVariant>;
 
 const ConstructorList* constructorsOf(const ZTMetaClass& metaClass)
@@ -105,33 +109,6 @@ std::string whyNot(const ZTMetaClass& declared, const ConstructorList* construct
     return "no constructor of " + name + " takes " + given + "; there is " + there + ".";
 }
 
-/// What an argument needs to become a parameter; more is worse.
-enum class Need { Nothing, ClassTree, Converter, Variant, Impossible };
-
-/// Whether the variant has a pointer to an object that is of the class to which `type` points, or
-/// a null pointer.
-bool pointsTo(const ZTVariant& argument, const ZTMetaType& type)
-{
-    if (!argument.data() || !zt::detail::comesAlongClassTree(argument.type(), type))
-        return false;
-    const auto* object = *static_cast<const ZTBase* const*>(argument.data());
-    const ZTMetaClass* one = object ? object->metaClass() : type.metaClass();
-    while (one && one != type.metaClass())
-        one = one->superClass();
-    return one != nullptr;
-}
-
-Need needOf(const ZTVariant& argument, const ZTMetaType& type)
-{
-    if (&argument.type() == &type)
-        return Need::Nothing;
-    if (&type == &ztMetaType<ZTVariant>())
-        return Need::Variant;
-    if (pointsTo(argument, type))
-        return Need::ClassTree;
-    return argument.canConvert(type) ? Need::Converter : Need::Impossible;
-}
-
 /// A constructor, and how far the arguments are from its parameters.
 struct Candidate {
     const ConstructorRecord* constructor;
@@ -142,10 +119,10 @@ std::optional<Candidate> candidate(const ConstructorRecord& constructor, Argumen
 {
     Candidate found{&constructor, 0};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const Need need = needOf(arguments[i], constructor.parameterTypes[i]());
-        if (need == Need::Impossible)
+        const Conversion needed = conversionTo(constructor.parameterTypes[i](), arguments[i]);
+        if (needed == Conversion::Impossible)
             return std::nullopt;
-        found.distance += static_cast<int>(need);
+        found.distance += static_cast<int>(needed);
     }
     return found;
 }
@@ -168,15 +145,12 @@ std::vector<Candidate> candidates(const ConstructorList& constructors, Arguments
 std::optional<std::vector<ZTVariant>> converted(const ConstructorRecord& constructor,
                                                 Arguments arguments)
 {
-    std::vector<ZTVariant> values(arguments.begin(), arguments.end());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const ZTMetaType& type = constructor.parameterTypes[i]();
-        if (needOf(values[i], type) != Need::Converter)
-            continue;
-        ZTVariant value(type, nullptr);
-        if (!value.data() || !values[i].type().convert(values[i].data(), type, value.data()))
+    std::vector<ZTVariant> values;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        auto value = convertedTo(constructor.parameterTypes[i](), arguments[i]);
+        if (!value)
             return std::nullopt;
-        values[i] = std::move(value);
+        values.push_back(std::move(*value));
     }
     return values;
 }

@@ -20,6 +20,8 @@ public:
     struct Parts : zt::detail::InBlocks {
         ZTReferences references;
         ZTDynamicProperties dynamicProperties;
+        /// Those of properties of the class, under their keys; null as long as none was set.
+        std::unique_ptr<ZTDynamicProperties> storedValues;
         ZTEventBlockers blockers;
         std::unique_ptr<ZTReceivedIndex> receivedIndex;
     };

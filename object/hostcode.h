@@ -29,10 +29,10 @@
 //  assignment over an     childRemoved, ends of the children  the record is still in its place
 //  object                 a line in the log                   the object has no record any more
 //                         ends of properties and handlers     last act
-// reading a dynamic       copy of the value                   ZTValueReading
-//  property
-// setting one             comparison, copies                  watches the object, looks it up again
-//                         dynamicPropertyChanged              told by values made before
+// reading a dynamic or    copy of the value                   ZTValueReading
+//  stored property
+// setting one             conversion, comparison, copies      watches the object, looks it up again
+//                         dynamicPropertyChanged, or its own  told by values made before
 //                         end of the old value                last act
 // subscribe               end of a handler that is refused    last act
 // unsubscribe             ends of the handlers                last act

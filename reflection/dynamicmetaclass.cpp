@@ -136,11 +136,17 @@ std::string_view ZTDynamicMetaProperty::propInfoValue(unsigned int index) const
 
 ZTVariant ZTDynamicMetaProperty::get(const ZTVariant& object) const
 {
+    if (m_read)
+        return zt::detail::storedValue(*m_read, object);
     return m_getter ? m_getter(object) : ZTVariant();
 }
 
 ZTVariant ZTDynamicMetaProperty::set(const ZTVariant& object, const ZTVariant& value) const
 {
+    if (m_written) {
+        zt::detail::setStoredValue(*m_written, changeEvent(), object, value);
+        return {};
+    }
     return m_setter ? m_setter(object, value) : ZTVariant();
 }
 

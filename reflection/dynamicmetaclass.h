@@ -2,6 +2,7 @@
 
 #include "membersbyname.h"
 #include "partinfos.h"
+#include "storedproperty.h"
 
 #include <zintar/metaclass.h>
 
@@ -106,8 +107,8 @@ struct ZTDynamicMetaProperty final : ZTMetaProperty {
     [[nodiscard]] const ZTMetaType& metaType() const override;
     [[nodiscard]] int changeEventIndex() const override;
     [[nodiscard]] const ZTMetaInvokable* changeEvent() const override;
-    [[nodiscard]] bool canGet() const override { return bool(m_getter); }
-    [[nodiscard]] bool canSet() const override { return bool(m_setter); }
+    [[nodiscard]] bool canGet() const override { return m_getter || m_read; }
+    [[nodiscard]] bool canSet() const override { return m_setter || m_written; }
     [[nodiscard]] unsigned int propInfoCount() const override;
     [[nodiscard]] std::string_view propInfoKey(unsigned int index) const override;
     [[nodiscard]] std::string_view propInfoValue(unsigned int index) const override;
@@ -123,6 +124,9 @@ struct ZTDynamicMetaProperty final : ZTMetaProperty {
     unsigned char m_accessFlags = 0;
     Getter m_getter;
     Setter m_setter;
+    // In place of a getter and a setter: what is read and written is a value in the object.
+    std::shared_ptr<const zt::detail::StoredProperty> m_read;
+    std::shared_ptr<const zt::detail::StoredProperty> m_written;
 };
 
 struct ZTDynamicMetaClass final : ZTMetaClass {

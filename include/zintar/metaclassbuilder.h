@@ -212,7 +212,7 @@ public:
     /// the functions only.
     [[nodiscard]] bool canGet() const;
     [[nodiscard]] bool canSet() const;
-    // Copies; empty when there is none.
+    // Copies; empty when there is none, as for a stored property.
     [[nodiscard]] zt::detail::GetterFunction getter() const;
     [[nodiscard]] zt::detail::SetterFunction setter() const;
 
@@ -254,6 +254,16 @@ public:
             setMetaType(Params::types[0]());
             setUntypedSetter(std::move(setter));
         }
+    }
+
+    /// Lets each object keep the value of the property itself, in place of a getter and a setter;
+    /// see `ZTMetaClassBuilder::addStoredProperty`. Sets the type, and leaves name and change event
+    /// alone.
+    void setStored(const ZTVariant& start);
+    template <zt::detail::VariantValue T>
+    void setStored(T&& start)
+    {
+        setStored(ZTVariant(std::forward<T>(start)));
     }
 
     [[nodiscard]] unsigned int propInfoCount() const;
@@ -347,6 +357,41 @@ public:
     [[nodiscard]] ZTMetaPropertyBuilder property(unsigned int index);
     void removeProperty(unsigned int index);
     [[nodiscard]] int propertyCount() const;
+
+    /// Adds a property whose value is kept by each object of the class, and the event that tells of
+    /// its changes: for "level" that is "levelChanged", with the value as its parameter.
+    ///
+    /// An object has the value `start` until another one is set, and takes memory for it only then.
+    /// Setting converts the value like a typed setter does; what does not fit is told in the log
+    /// and changes nothing. The event is sent when the value has changed. The values follow an
+    /// object that is moved, and are not among its `dynamicProperties()`. Values are not on the
+    /// stream of a class: whoever reads one gives the property its start by `setStored`.
+    /// @param start  tells the type; an invalid variant gives a property that can neither be read
+    ///               nor written
+    ZTMetaPropertyBuilder addStoredProperty(std::string_view name, const ZTVariant& start);
+    template <zt::detail::VariantValue T>
+    ZTMetaPropertyBuilder addStoredProperty(std::string_view name, T&& start)
+    {
+        return addStoredProperty(name, ZTVariant(std::forward<T>(start)));
+    }
+
+    /// The method that a method of this class with that name and those parameters overrides: that
+    /// of the nearest super class, const or not; null when there is none. It stays good as long as
+    /// its class, so that the overriding function can keep it and call it on its object:
+    ///
+    ///     auto deposit = builder.addInvokable();
+    ///     deposit.setName("deposit");
+    ///     deposit.setFunction([above = builder.superMethod<double>("deposit")](
+    ///                             Account& self, double amount) {
+    ///         above->invoke(&self, amount * 1.01);
+    ///     });
+    template <class... P>
+    [[nodiscard]] const ZTMetaInvokable* superMethod(std::string_view name) const
+    {
+        return superMethod(name, zt::detail::typesOf(zt::detail::Parameters<P...>{}));
+    }
+    [[nodiscard]] const ZTMetaInvokable*
+    superMethod(std::string_view name, const std::vector<const ZTMetaType*>& parameterTypes) const;
 
 private:
     friend class ZTMetaInvokableBuilder;

@@ -11,8 +11,7 @@
 
 namespace zt::detail
 {
-/// Constant data; the argument for each parameter is in a variant of exactly its type, or one whose
-/// pointer goes along the class tree.
+/// Constant data. What it makes an object from are variants of exactly the types of its parameters.
 struct ConstructorRecord {
     unsigned int parameterCount;
     const TypeGetter* parameterTypes;

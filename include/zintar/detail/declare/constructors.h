@@ -24,10 +24,11 @@ ZTBase* makePlain(const ZTVariant*)
         return new C(static_cast<ZTBase*>(nullptr));
 }
 
+/// @param arguments  of exactly the types of the parameters
 template <class C, class... P, std::size_t... I>
 ZTBase* makeFrom(const ZTVariant* arguments, std::index_sequence<I...>)
 {
-    return new C(passAs<P>(unboxed<P>(arguments[I]))...);
+    return new C(passAs<P>(*static_cast<const Canonical<Held<P>>*>(arguments[I].data()))...);
 }
 
 template <class C, class... P>
