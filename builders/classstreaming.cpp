@@ -14,6 +14,7 @@
 // Only own members are written. The invokables stand before the properties, which refer to them.
 
 #include "../stream/datastreamprivate.h"
+#include "classrecord.h"
 #include "metaclassbuilderprivate.h"
 
 #include <zintar/base.h>
@@ -279,6 +280,15 @@ ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
 {
     zt::detail::writeWhole(stream, [&](ZTDataStream& target) { write(target, metaClass); });
     return stream;
+}
+
+void zt::detail::readClassRecord(ZTDataStream& stream, ZTDynamicMetaClass& metaClass,
+                                 std::string& superName)
+{
+    readWhole(stream, [&] {
+        if (readAll(stream, metaClass.m_typeName, superName))
+            readMembers(stream, metaClass);
+    });
 }
 
 void ZTMetaClassBuilder::deserialize(ZTDataStream& stream, const Classes& metaClasses)

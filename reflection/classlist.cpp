@@ -205,7 +205,10 @@ void unlistRuntimeClass(const ZTMetaClass& metaClass) noexcept
         ++one;
     if (one != end)
         classes.byName.erase(one);
-    std::erase(classes.all, &metaClass);
+    // Mostly it is one of the last.
+    const auto place = std::find(classes.all.rbegin(), classes.all.rend(), &metaClass);
+    if (place != classes.all.rend())
+        classes.all.erase(std::next(place).base());
 }
 
 const ZTMetaClass* declaredClassNamed(std::string_view name)

@@ -396,6 +396,7 @@ public:
 private:
     friend class ZTMetaInvokableBuilder;
     friend class ZTMetaPropertyBuilder;
+    friend struct ZTClassReading;
     void copyMembers(const ZTMetaClass& prototype);
 
     std::unique_ptr<ZTMetaClassBuilderPrivate> priv;

@@ -12,6 +12,7 @@
 #include <zintar/checked.h>
 #include <zintar/classes.h>
 #include <zintar/classrecord.h>
+#include <zintar/classstore.h>
 #include <zintar/converter.h>
 #include <zintar/create.h>
 #include <zintar/datastream.h>
