@@ -66,6 +66,13 @@ ZTDataStream::ZTDataStream(std::string bytes) : priv(new ZTDataStreamPrivate)
 ZTDataStream::ZTDataStream(ZTDataStream&& other) noexcept : priv(std::exchange(other.priv, nullptr))
 {}
 
+ZTDataStream& ZTDataStream::operator=(ZTDataStream&& other) noexcept
+{
+    if (this != &other)
+        delete std::exchange(priv, std::exchange(other.priv, nullptr));
+    return *this;
+}
+
 ZTDataStream::~ZTDataStream() { delete priv; }
 
 std::string ZTDataStream::data() const { return {priv->bytes, priv->size}; }

@@ -95,6 +95,26 @@ TEST(DataStream, IsMadeOfBytes)
     EXPECT_EQ(number, 0x3738);
 }
 
+TEST(DataStream, TakesThePlaceOfAnotherWithItsPositionsAndState)
+{
+    int number = 0;
+    ZTDataStream stream(std::string("old")), failed(std::string("x"));
+    ZTDataStream other;
+    other << 1 << 2;
+    other >> number;
+    stream = std::move(other);
+    stream >> number;
+    EXPECT_EQ(number, 2);
+    EXPECT_TRUE(stream.good());
+    failed >> number;
+    other = std::move(failed); // what was moved from can be used again
+    EXPECT_FALSE(other.good());
+    EXPECT_EQ(other.data(), "x");
+    ZTDataStream& itself = other;
+    other = std::move(itself);
+    EXPECT_EQ(other.data(), "x");
+}
+
 /// Reads a `T` out of too few bytes into memory that nobody has written.
 template <class T>
 void readInVain()

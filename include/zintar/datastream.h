@@ -26,7 +26,7 @@ struct ZTDataStreamPrivate;
 /// A class that overrides the virtual operations changes the medium of every operator. One that
 /// overrides `read` overrides `good` too: only so is the end of its bytes seen.
 ///
-/// Moving leaves a stream behind that can only be destroyed. Copying does not exist.
+/// Moving leaves a stream behind that can only be destroyed or assigned to. Copying does not exist.
 /// Threads: belongs to one thread at a time.
 class ZT_EXPORT ZTDataStream
 {
@@ -35,6 +35,8 @@ public:
     /// Both positions stand at the first byte. A string that is moved in is not copied.
     explicit ZTDataStream(std::string bytes);
     ZTDataStream(ZTDataStream&& other) noexcept;
+    /// The bytes, the positions and the state of the other one take the place of the own.
+    ZTDataStream& operator=(ZTDataStream&& other) noexcept;
     virtual ~ZTDataStream();
 
     /// All bytes, from the first to the last ever written or set, wherever the positions stand.
