@@ -118,6 +118,25 @@ TEST_P(DescriptorContract, AnIndexMeansTheSameMemberFurtherDown)
     EXPECT_EQ(heater.property(0U), device.property("label"));
 }
 
+TEST_P(DescriptorContract, TakesAnIndexOfAnyWidth)
+{
+    const std::size_t second = 1, beyond = std::size_t(1) << 32 | 1;
+    const ZTMetaEnum& mode = *heater.metaEnum(second);
+    const ZTMetaProperty& level = *heater.property(3U);
+    EXPECT_EQ(heater.classInfo(second), heater.classInfo(1U));
+    EXPECT_EQ(heater.property(second), heater.property(1U));
+    EXPECT_EQ(heater.invokable(second), heater.invokable(1U));
+    EXPECT_EQ(heater.invokable(1L), heater.invokable(1U));
+    EXPECT_EQ(mode.enumerator(second), mode.enumerator(1U));
+    EXPECT_EQ(mode.value(second), mode.value(1U));
+    EXPECT_EQ(level.propInfoKey(second), level.propInfoKey(1U));
+    EXPECT_EQ(level.propInfoValue(second), level.propInfoValue(1U));
+    EXPECT_EQ(heater.invokable(5U)->parameterMetaType(second), ztMetaType<double>());
+    // Nothing is cut off.
+    EXPECT_EQ(heater.property(beyond), nullptr);
+    EXPECT_EQ(heater.invokable(-1L), nullptr);
+}
+
 bool isEmptyView(std::string_view text) { return text.empty() && text.data(); }
 
 TEST_P(DescriptorContract, IndicesOutOfRangeGiveNeutralAnswers)

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <zintar/base.h>
+#include <zintar/detail/wideindex.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/typedvalue.h>
 #include <zintar/variant.h>
 
+#include <cstddef>
 #include <vector>
 
 struct ZTEventListenerPrivate;
@@ -40,10 +42,20 @@ public:
     /// A copy of the arguments of one delivery, as many as the event has parameters; empty for
     /// an index out of range.
     [[nodiscard]] std::vector<ZTVariant> at(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::vector<ZTVariant> at(Index index) const
+    {
+        return at(zt::detail::narrowIndex(index));
+    }
     [[nodiscard]] int count() const;
     void clear();
     /// @return false, changing nothing, for an index out of range
     bool remove(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    bool remove(Index index)
+    {
+        return remove(zt::detail::narrowIndex(index));
+    }
     /// Whether the subscription was accepted; stays true when the sender has died.
     [[nodiscard]] bool valid() const;
 
@@ -56,9 +68,10 @@ public:
     /// One argument of one record as a `T`; a default value, with a warning, where there is
     /// none.
     template <class T>
-    [[nodiscard]] T argument(unsigned int index, unsigned int position) const
+    [[nodiscard]] T argument(std::size_t index, std::size_t position) const
     {
-        return ztVariantValue<T>(argumentAt(index, position));
+        using zt::detail::narrowIndex;
+        return ztVariantValue<T>(argumentAt(narrowIndex(index), narrowIndex(position)));
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include <zintar/detail/lent.h>
 #include <zintar/detail/signaturekey.h>
+#include <zintar/detail/wideindex.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/typedvalue.h>
@@ -107,6 +108,17 @@ public:
                                                      unsigned int index) const;
     [[nodiscard]] std::string_view enumeratorInfoValue(unsigned int enumerator,
                                                        unsigned int index) const;
+    // The same by a wider index.
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::string_view enumerator(Index index) const
+    {
+        return enumerator(zt::detail::narrowIndex(index));
+    }
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] int value(Index index) const
+    {
+        return value(zt::detail::narrowIndex(index));
+    }
 
     [[nodiscard]] explicit operator bool() const;
 
@@ -146,6 +158,16 @@ public:
     [[nodiscard]] virtual unsigned int propInfoCount() const;
     [[nodiscard]] virtual std::string_view propInfoKey(unsigned int index) const;
     [[nodiscard]] virtual std::string_view propInfoValue(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::string_view propInfoKey(Index index) const
+    {
+        return propInfoKey(zt::detail::narrowIndex(index));
+    }
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::string_view propInfoValue(Index index) const
+    {
+        return propInfoValue(zt::detail::narrowIndex(index));
+    }
     /// Calls the getter. An object that is not one of the class is told in the log.
     /// @param object  holds a pointer to the object
     /// @return a copy; an invalid variant when the property has no getter
@@ -156,11 +178,16 @@ public:
     virtual ZTVariant set(const ZTVariant& object, const ZTVariant& value) const;
 
     /// The same with a pointer to an object, and with the value as a `T`; a default value, with a
-    /// warning, where the property gives none.
+    /// warning, where the property gives none. Without a `T` it is the variant.
     template <class T, zt::detail::Pointer Object>
     [[nodiscard]] T get(Object object) const
     {
         return ztVariantValue<T>(get(zt::detail::LentVariant(object)));
+    }
+    template <int = 0, zt::detail::Pointer Object>
+    [[nodiscard]] ZTVariant get(Object object) const
+    {
+        return get(zt::detail::LentVariant(object));
     }
     template <zt::detail::Pointer Object, class T>
     ZTVariant set(Object object, T&& value) const
@@ -208,6 +235,11 @@ public:
     [[nodiscard]] virtual ZTAccessSpecifier accessSpecifier() const;
     /// The invalid type for an index out of range.
     [[nodiscard]] virtual const ZTMetaType& parameterMetaType(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] const ZTMetaType& parameterMetaType(Index index) const
+    {
+        return parameterMetaType(zt::detail::narrowIndex(index));
+    }
     /// The class-wide index, which is what `ZTBase::sendEvent` takes; -1 for an invokable that has
     /// left its class.
     [[nodiscard]] virtual int index() const;
@@ -357,6 +389,27 @@ public:
     [[nodiscard]] const ZTMetaInvokable* invokable(int index) const
     {
         return index < 0 ? nullptr : invokable(static_cast<unsigned int>(index));
+    }
+    // The same by a wider index.
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] const ZTMetaClassInfo* classInfo(Index index) const
+    {
+        return classInfo(zt::detail::narrowIndex(index));
+    }
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] const ZTMetaEnum* metaEnum(Index index) const
+    {
+        return metaEnum(zt::detail::narrowIndex(index));
+    }
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] const ZTMetaProperty* property(Index index) const
+    {
+        return property(zt::detail::narrowIndex(index));
+    }
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] const ZTMetaInvokable* invokable(Index index) const
+    {
+        return invokable(zt::detail::narrowIndex(index));
     }
 
     /// The invokable with that name and the parameters of `Signature`, written as a function that

@@ -63,6 +63,8 @@ public:
     [[nodiscard]] unsigned int count() const override;
     [[nodiscard]] std::string_view enumerator(unsigned int index) const override;
     [[nodiscard]] int value(unsigned int index) const override;
+    using ZTMetaEnum::enumerator;
+    using ZTMetaEnum::value;
 
     /// The record, as it was given.
     [[nodiscard]] const zt::detail::ZTStaticMetaEnumData* record() const noexcept { return data; }
@@ -88,6 +90,8 @@ public:
     [[nodiscard]] ZTVariant get(const ZTVariant& object) const override;
     ZTVariant set(const ZTVariant& object, const ZTVariant& value) const override;
     using ZTMetaProperty::get;
+    using ZTMetaProperty::propInfoKey;
+    using ZTMetaProperty::propInfoValue;
     using ZTMetaProperty::set;
 
     /// The record's functions, to be called without the descriptor; null where there is none.
@@ -113,6 +117,7 @@ public:
     [[nodiscard]] int index() const override;
     ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const override;
     using ZTMetaInvokable::invoke;
+    using ZTMetaInvokable::parameterMetaType;
 
     /// The record, as it was given.
     [[nodiscard]] const zt::detail::ZTStaticMetaInvokableData* record() const noexcept
@@ -164,8 +169,11 @@ public:
     [[nodiscard]] const ZTMetaProperty* property(unsigned int index) const override;
     [[nodiscard]] const ZTMetaProperty* property(std::string_view name) const override;
     [[nodiscard]] const ZTMetaInvokable* invokable(unsigned int index) const override;
+    using ZTMetaClass::classInfo;
     using ZTMetaClass::indexOfInvokable;
     using ZTMetaClass::invokable;
+    using ZTMetaClass::metaEnum;
+    using ZTMetaClass::property;
     /// Asks the table's `indexOfInvokableByFunction`, and then the super class.
     [[nodiscard]] int indexOfInvokable(void* function) const override;
     [[nodiscard]] void* userData() const override;
