@@ -59,6 +59,17 @@ ZTStrongRefImpl::ZTStrongRefImpl(ZTBasePrivate* of) noexcept
     : refCount(1), object(of->object), record(of)
 {}
 
+ZTBase* ZTStrongRefImpl::release(ZTStrongRefImpl* block) noexcept
+{
+    const ZTBase* held = block->object.load(std::memory_order_acquire);
+    if (!held || block->refCount != 1)
+        return nullptr;
+    block->record->extras.parts()->references.strongRefImpl = nullptr;
+    block->object = nullptr;
+    delete block;
+    return const_cast<ZTBase*>(held);
+}
+
 ZTStrongRefImpl::~ZTStrongRefImpl()
 {
     const ZTBase* held = object.load(std::memory_order_acquire);

@@ -2,6 +2,8 @@
 
 #include <zintar/reference.h>
 
+#include <map>
+#include <memory>
 #include <type_traits>
 #include <unordered_set>
 #include <utility>
@@ -130,4 +132,57 @@ TEST(StrongReference, TakenWhileTheObjectDiesDoesNotKeepIt)
     }
 }
 
+TYPED_TEST(AnyReference, KeysOfAContainerOutliveTheirObjects)
+{
+    using Ref = typename TypeParam::template Of<Node>;
+    std::map<Ref, int> numbers;
+    ZTLogCapture log; // of objects that are deleted while strong references hold them
+    auto* first = new Node;
+    auto* second = new Node;
+    const Ref a(first), b(second);
+    numbers[a] = 1;
+    numbers[b] = 2;
+    numbers[Ref(first)] += 10;
+    numbers[Ref()] = 3;
+    delete first;
+    EXPECT_EQ(numbers.size(), 3U);
+    EXPECT_EQ(numbers[a], 11);
+    EXPECT_EQ(numbers[b], 2);
+    EXPECT_EQ(numbers[nullptr], 3);
+    EXPECT_EQ(numbers.erase(a), 1U);
+    numbers.clear();
+    if constexpr (std::is_same_v<Ref, ZTRef<Node>>)
+        delete second;
+}
+
+TEST(WeakReference, ComesFromAStrongOne)
+{
+    ZTStrongRef<Leaf> owner(new Leaf);
+    const ZTRef<Node> weak = owner;
+    const ZTRef<Node> none = ZTStrongRef<Node>();
+    EXPECT_EQ(weak, owner);
+    EXPECT_FALSE(none);
+    owner.reset();
+    EXPECT_FALSE(weak);
+    static_assert(!std::is_convertible_v<ZTStrongRef<Node>, ZTRef<Leaf>>);
+}
+
+TEST(StrongReference, GivesItsObjectAwayUnlessItIsShared)
+{
+    ZTStrongRef<Node> owner(new Node), other = owner, empty;
+    const ZTRef<Node> weak = owner;
+    EXPECT_EQ(owner.release(), nullptr);
+    EXPECT_EQ(owner, other);
+    other.reset();
+    EXPECT_LOGS_NOTHING([&] {
+        const std::unique_ptr<Node> node(owner.release());
+        EXPECT_EQ(node.get(), weak.get());
+        EXPECT_FALSE(owner);
+        owner = ZTStrongRef<Node>(node.get()); // as before, and again
+        EXPECT_EQ(owner.release(), node.get());
+    });
+    EXPECT_FALSE(weak);
+    EXPECT_EQ(empty.release(), nullptr);
+    EXPECT_EQ(Node::alive, 0);
+}
 } // namespace

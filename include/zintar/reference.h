@@ -61,6 +61,10 @@ public:
 protected:
     template <class U, class OtherImpl>
     friend class TypedReference;
+    friend struct ReferenceOrder;
+
+    /// The object, if this was the only reference to it.
+    T* release() noexcept { return static_cast<T*>(static_cast<void*>(m_reference.release())); }
 
     template <class U>
     explicit TypedReference(const TypedReference<U, Impl>& other) noexcept
@@ -74,7 +78,20 @@ protected:
 private:
     Reference<Impl> m_reference;
 };
+
+/// The order of references, which outlives the objects.
+struct ReferenceOrder {
+    template <class T, class Impl>
+    [[nodiscard]] bool operator()(const TypedReference<T, Impl>& a,
+                                  const TypedReference<T, Impl>& b) const noexcept
+    {
+        return std::less<const Impl*>()(a.m_reference.block(), b.m_reference.block());
+    }
+};
 } // namespace zt::detail
+
+template <class T>
+class ZTStrongRef;
 
 /// A weak reference: see the top of this file. `T` may be const.
 ///
@@ -100,6 +117,10 @@ public:
     template <zt::detail::ReferableAs<T> U>
     ZTRef(ZTRef<U>&& other) noexcept : Base(std::move(other))
     {}
+    /// To the object of a strong reference, without a share in it; like one from a pointer.
+    template <zt::detail::ReferableAs<T> U>
+    ZTRef(const ZTStrongRef<U>& owner) : Base(owner.get())
+    {}
 };
 
 /// A strong reference: see the top of this file. The object must have been made with `new`, and
@@ -122,6 +143,15 @@ public:
     template <zt::detail::ReferableAs<T> U>
     ZTStrongRef(ZTStrongRef<U>&& other) noexcept : Base(std::move(other))
     {}
+
+    /// Gives the object away: the caller, or the parent that it gets, deletes it from now on.
+    ///
+    ///     shelf.take(recipe.release());
+    ///
+    /// @return null, and nothing has changed, when other strong references share the object, which
+    ///         would delete it all the same; also for an empty reference and a dead object
+    /// Threads: where the object may be deleted.
+    [[nodiscard]] T* release() noexcept { return Base::release(); }
 };
 
 // References compare by the object, and with pointers to it.
@@ -159,3 +189,10 @@ struct std::hash<ZTStrongRef<T>> {
         return std::hash<T*>()(reference.get());
     }
 };
+
+/// The order of keys in a container: any order, but one that stays as it is when an object dies or
+/// moves. So objects that may die can be keys; `==` and `std::hash` look at the object.
+template <class T>
+struct std::less<ZTRef<T>> : zt::detail::ReferenceOrder {};
+template <class T>
+struct std::less<ZTStrongRef<T>> : zt::detail::ReferenceOrder {};

@@ -44,6 +44,10 @@ private:
     ~ZTStrongRefImpl();
     static ZTStrongRefImpl* get(const ZTBase* object);
     void endReferences() noexcept { delete this; }
+    /// Ends the block of which the caller has the only reference, and leaves the object alone.
+    /// @return the object; null, with nothing changed, where there are further references or the
+    ///         object has died
+    [[nodiscard]] static ZTBase* release(ZTStrongRefImpl* block) noexcept;
 
     std::atomic<int> refCount;
     std::atomic<const ZTBase*> object; ///< null once the object has died by other means
@@ -82,6 +86,16 @@ public:
         if (!m_impl)
             return nullptr;
         return const_cast<ZTBase*>(m_impl->object.load(std::memory_order_acquire));
+    }
+
+    /// What orders references: it stays when the object dies or moves.
+    [[nodiscard]] const Impl* block() const noexcept { return m_impl; }
+    [[nodiscard]] ZTBase* release() noexcept
+    {
+        ZTBase* object = m_impl ? Impl::release(m_impl) : nullptr;
+        if (object)
+            m_impl = nullptr;
+        return object;
     }
 
 private:
