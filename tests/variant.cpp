@@ -161,6 +161,20 @@ TEST(Variant, ComparesWithinOneType)
     EXPECT_EQ(holding(ZTVariant(Opaque()), ZTVariant(Opaque())), "!= <= >= ");
 }
 
+TEST(Variant, ComparesWithAValueOfItsType)
+{
+    const ZTVariant five(5), text("five"), wide(5L);
+    EXPECT_TRUE(five == 5 && 5 == five && five != 6 && !(five != 5));
+    EXPECT_TRUE(text == "five" && text == std::string("five") && "five" == text);
+    EXPECT_TRUE(text != static_cast<const char*>(nullptr) && ZTVariant("") == "");
+    EXPECT_TRUE(wide == 5L && wide == 5LL);
+    EXPECT_TRUE(five != 5.0 && five != 5L && five != "5" && five != nullptr && ZTVariant() != 5);
+    EXPECT_TRUE(ZTVariant(ztMetaType<void>(), nullptr) != 0);
+    EXPECT_TRUE(ZTVariant(std::nan("")) != std::nan(""));
+    // What contains variants is none.
+    EXPECT_EQ(std::vector<ZTVariant>{five}, std::vector<ZTVariant>{ZTVariant(5)});
+}
+
 TEST(Variant, ComparesFarBelow)
 {
     ZTVariant one(1), two(2);

@@ -69,6 +69,14 @@ public:
     [[nodiscard]] bool operator>(const ZTVariant& other) const;
     [[nodiscard]] bool operator>=(const ZTVariant& other) const;
 
+    /// Whether the variant holds that value, of the very type as which it would hold it. Like
+    /// comparing with `ZTVariant(value)`, but without making one.
+    template <zt::detail::ComparedValue T>
+    [[nodiscard]] friend bool operator==(const ZTVariant& variant, const T& value)
+    {
+        return zt::detail::isEqual(variant, value);
+    }
+
     /// True for the own type and where a converter is registered. The class tree, which lets one
     /// class pointer be retrieved as another, is not asked. An invalid variant converts to nothing.
     [[nodiscard]] bool canConvert(const ZTMetaType& target) const;
@@ -96,6 +104,23 @@ ZT_EXPORT ZTDataStream& operator<<(ZTDataStream& stream, const ZTVariant& varian
 /// stream. Variants within variants are read 500 deep. Test the stream with `good()` to know
 /// whether the value is complete.
 ZT_EXPORT ZTDataStream& operator>>(ZTDataStream& stream, ZTVariant& variant);
+
+template <class T>
+bool zt::detail::isEqual(const ZTVariant& variant, const T& given)
+{
+    using Value = ValueType<T>;
+    static_assert(hasEquality<Value>, "A variant is compared with values of types that have an "
+                                      "operator==.");
+    if (!variant.data() || &variant.type() != &::ztMetaType<Value>())
+        return false;
+    if constexpr (std::is_same_v<Value, std::string>) {
+        return *static_cast<const std::string*>(variant.data()) == asValue(given);
+    } else {
+        const Value& value = asValue(given);
+        return variant.type().compare(variant.data(), addressOf(value)) ==
+               ZTPartialOrdering::Equivalent;
+    }
+}
 
 template <zt::detail::VariantValue T>
 ZTVariant::ZTVariant(T&& value)

@@ -30,6 +30,15 @@ struct Lending;
 template <class T>
 concept VariantValue = !std::is_same_v<std::remove_cvref_t<T>, ZTVariant>;
 
+/// What a variant is compared with as a value, and not as a variant.
+template <class T>
+concept ComparedValue =
+    VariantValue<T> && !std::is_convertible_v<const T&, const ZTVariant&> && !std::is_void_v<T>;
+
+/// Whether the variant holds that value.
+template <class T>
+bool isEqual(const ZTVariant& variant, const T& given);
+
 template <class T>
 inline constexpr bool isInitializerList = false;
 template <class T>
