@@ -7,6 +7,8 @@ bool isValueOf(const ZTMetaType& type, const ZTMetaType& declared)
 {
     if (&type == &declared)
         return true;
+    if (zt::detail::isReference(type) || zt::detail::isReference(declared))
+        return false;
     const ZTMetaClass* from = type.metaClass();
     const ZTMetaClass* to = declared.metaClass();
     return from && to && !from->isDynamic() && !to->isDynamic() && from->isDerivedFrom(to);

@@ -5,7 +5,7 @@
 
 namespace zt::detail
 {
-bool can_convert_meta_class(const ZTMetaType& from, const ZTMetaType& to, bool& yieldsNull)
+bool classTreeSettles(const ZTMetaType& from, const ZTMetaType& to, bool& yieldsNull)
 {
     if (!from || !to)
         return false;
@@ -18,6 +18,11 @@ bool can_convert_meta_class(const ZTMetaType& from, const ZTMetaType& to, bool& 
     yieldsNull =
         dynamic || !(toClass->isDerivedFrom(fromClass) || fromClass->isDerivedFrom(toClass));
     return true;
+}
+
+bool can_convert_meta_class(const ZTMetaType& from, const ZTMetaType& to, bool& yieldsNull)
+{
+    return !isReference(from) && !isReference(to) && classTreeSettles(from, to, yieldsNull);
 }
 
 bool comesAlongClassTree(const ZTMetaType& from, const ZTMetaType& to)

@@ -125,14 +125,46 @@ TEST(RetrievedPointer, OfAForeignOrDynamicClassIsNullInSilence)
     EXPECT_FALSE(ZTVariant(&object).canConvert(ztMetaType<ZTDynamicBase*>())); // a converter's say
 }
 
+TEST(RetrievedValue, MayLookIntoTheText)
+{
+    const std::string zeros("a\0b", 3);
+    const ZTVariant text(zeros), number(5), nothing;
+    expectRetrieved<std::string_view>(text, zeros);
+    EXPECT_EQ(ztVariantValue<const char*>(text), static_cast<std::string*>(text.data())->c_str());
+    expectRetrieved<const char*>(number, nullptr, failed("const char*", "int"));
+    const std::string_view view =
+        "struct std::basic_string_view<char,struct std::char_traits<char> >";
+    expectRetrieved<std::string_view>(number, "", failed(view, "int"));
+    expectRetrieved<std::string_view>(nothing, "", invalid(view));
+}
+
+TEST(RetrievedValue, MayBeTheVariantItself)
+{
+    const ZTVariant five(5);
+    expectRetrieved<ZTVariant>(five, five);
+    expectRetrieved<const ZTVariant&>(ZTVariant(), ZTVariant());
+    expectRetrieved<ZTVariant>(ZTVariant(ztMetaType<ZTVariant>(), &five), five);
+}
+
+TEST(RetrievedValue, OfAPointerMayGetConst)
+{
+    int number = 5;
+    expectRetrieved<const int*>(ZTVariant(&number), &number);
+    expectRetrieved<int*>(ZTVariant(static_cast<const int*>(&number)), nullptr,
+                          failed("int*", "const int*"));
+    expectRetrieved<const long*>(ZTVariant(&number), nullptr,
+                                 failed(ztTypeName<const long*>(), "int*"));
+}
+
 TEST(VariantPointer, LooksAtTheBlockAndConvertsNothing)
 {
     support::Counted::reset();
     ZTVariant variant(support::Counted(3));
     EXPECT_LOGS_NOTHING([&] {
         EXPECT_EQ(ztVariantPointer<const support::Counted>(variant), variant.data());
-        EXPECT_EQ(ztVariantPointer<int>(ZTVariant()), nullptr);
-        EXPECT_EQ(ztVariantPointer<short>(ZTVariant(5)), nullptr);
+        const ZTVariant nothing, five(5);
+        EXPECT_EQ(ztVariantPointer<int>(nothing), nullptr);
+        EXPECT_EQ(ztVariantPointer<short>(five), nullptr);
     });
     EXPECT_EQ(support::Counted::copies, 0);
 }
@@ -230,6 +262,33 @@ TEST_F(Converters, AreNotCalledForAVariantWithoutAValue)
     expectRetrieved<ZTBase*>(none, nullptr, failed("struct ZTBase*", pin));
     EXPECT_FALSE(none.type().convert(none.data(), kelvin, &target));
     EXPECT_EQ(target.degrees, 1);
+}
+
+/// It has no default value, and cannot be assigned.
+struct Serial {
+    explicit Serial(int n) : number(n) {}
+    const int number;
+};
+
+TEST_F(Converters, ReachTypesWithoutADefaultValue)
+{
+    ztRegisterConverter([](std::string_view text) -> std::optional<Serial> {
+        if (text.empty())
+            return std::nullopt;
+        return Serial(static_cast<int>(text.size()));
+    });
+    using Some = std::optional<Serial>;
+    EXPECT_EQ(ztVariantValue<Some>(ZTVariant(Serial(3)))->number, 3);
+    EXPECT_EQ(ztVariantValue<Some>(ZTVariant("four"))->number, 4);
+    EXPECT_LOGS(failed(ztTypeName<Some>(), constString.substr(6)),
+                [] { EXPECT_FALSE(ztVariantValue<Some>(ZTVariant(""))); });
+    Serial living(1);
+    const ZTVariant text("abc");
+    EXPECT_TRUE(text.type().convert(text.data(), ztMetaType<Serial>(), &living));
+    EXPECT_EQ(living.number, 3);
+    // One that has a default value comes in an optional, too.
+    expectRetrieved<std::optional<Kelvin>>(ZTVariant(source), Kelvin{280});
+    expectRetrieved<std::optional<Kelvin>>(ZTVariant(std::optional<Kelvin>()), std::nullopt);
 }
 
 TEST_F(Converters, HaveNothingToDoWithTheBadType)

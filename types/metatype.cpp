@@ -93,15 +93,28 @@ void ZTMetaTypeRegistry::publishAlias(std::unique_ptr<ZTMetaTypeName> alias) noe
 }
 
 void ZTMetaTypeRegistry::setConverter(const ZTMetaType& from, const ZTMetaType& to,
-                                      zt::detail::ConverterFunction converter, bool replace)
+                                      zt::detail::ConverterFunction converter)
 {
     const std::scoped_lock writing(m_writing);
     ZTMetaTypePrivate& source = ZTMetaTypePrivate::of(from);
-    if (ZTConverter* known = source.converterTo(to)) {
-        if (replace)
-            known->function.store(converter, std::memory_order_release);
-        return;
-    }
+    if (ZTConverter* known = source.converterTo(to))
+        known->function.store(converter, std::memory_order_release);
+    else
+        appendConverter(source, to, converter);
+}
+
+void ZTMetaTypeRegistry::addConverter(const ZTMetaType& from, const ZTMetaType& to,
+                                      zt::detail::ConverterFunction converter)
+{
+    const std::scoped_lock writing(m_writing);
+    ZTMetaTypePrivate& source = ZTMetaTypePrivate::of(from);
+    if (!source.converterTo(to))
+        appendConverter(source, to, converter);
+}
+
+void ZTMetaTypeRegistry::appendConverter(ZTMetaTypePrivate& source, const ZTMetaType& to,
+                                         zt::detail::ConverterFunction converter)
+{
     auto added = std::make_unique<ZTConverter>(to, converter);
     source.convertersTo.makeRoom(1);
     source.convertersTo.add(added.release());

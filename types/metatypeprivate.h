@@ -4,6 +4,7 @@
 #include "../common/nameindex.h"
 #include "../common/publishedindex.h"
 
+#include <zintar/detail/values/objectreferences.h>
 #include <zintar/metatype.h>
 #include <zintar/variant.h>
 
@@ -74,6 +75,12 @@ struct ZTMetaTypePrivate {
         });
     }
 
+    /// Whether values are pointers or references to objects.
+    [[nodiscard]] bool pointsToObject() const
+    {
+        return findClass || metaClass.load(std::memory_order_relaxed);
+    }
+
     /// Whether values are at most 8 bytes, and no more than these: so the library may copy them and
     /// end them without asking the type. Known when the record is complete.
     [[nodiscard]] bool isPlain() const { return plainSize != 0; }
@@ -106,6 +113,9 @@ struct ZTMetaTypePrivate {
     zt::detail::ClassFunction findClass = nullptr;
     /// What values consist of; null for a type that keeps it to itself.
     const zt::detail::Shape* shape = nullptr;
+    /// Set in the types of references to objects, and in no other.
+    zt::detail::ReferredFunction referred = nullptr;
+    zt::detail::ResetFunction resetReference = nullptr;
     zt::detail::CreateFunction create;
     zt::detail::DestroyFunction destroy;
     zt::detail::CreateDefaultFunction createDefault;
@@ -141,9 +151,14 @@ struct ZTMetaTypeRegistry {
     /// Adds the type, or the alias alone if the type is there already.
     const ZTMetaType& add(std::unique_ptr<ZTMetaTypePrivate> record, const std::string& alias);
     void addAlias(const ZTMetaType& type, const std::string& alias);
-    /// @param replace  take the place of an earlier one
     void setConverter(const ZTMetaType& from, const ZTMetaType& to,
-                      zt::detail::ConverterFunction converter, bool replace = true);
+                      zt::detail::ConverterFunction converter);
+    /// The same for a pair that has no converter yet.
+    void addConverter(const ZTMetaType& from, const ZTMetaType& to,
+                      zt::detail::ConverterFunction converter);
+
+    /// Whether a null pointer converts to any pointer or reference to an object.
+    std::atomic<bool> nullIsAnyObject = false;
 
 private:
     struct RegisteredType {
@@ -158,6 +173,8 @@ private:
         const ZTMetaType handle;
     };
 
+    static void appendConverter(ZTMetaTypePrivate& source, const ZTMetaType& to,
+                                zt::detail::ConverterFunction converter);
     void publishAlias(std::unique_ptr<ZTMetaTypeName> alias) noexcept;
 
     std::mutex m_writing;

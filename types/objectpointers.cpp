@@ -1,8 +1,12 @@
 #include <zintar/detail/values/objectpointers.h>
+#include <zintar/detail/values/objectreferences.h>
 
 #include "metatypeprivate.h"
 
 #include <zintar/metatypeof.h>
+
+#include <memory>
+#include <utility>
 
 namespace zt::detail
 {
@@ -41,4 +45,20 @@ const ZTMetaType& typeOf(const ObjectPointer& pointer)
         warnOfNamesake(record.name);
     return *known;
 }
+
+const ZTMetaType& registerReference(const ObjectReference& reference, const std::string& alias)
+{
+    auto record = std::make_unique<ZTMetaTypePrivate>(
+        reference.name, *reference.type, reference.create, reference.destroy,
+        reference.createDefault, reference.compare, nullptr, nullptr, reference.print, nullptr);
+    record->setStorage(reference.blockSize, nullptr);
+    record->findClass = reference.findClass;
+    record->referred = reference.referred;
+    record->resetReference = reference.reset;
+    const ZTMetaType& type = ztMetaTypeRegistry().add(std::move(record), alias);
+    warnOfTakenName(type);
+    return type;
+}
+
+bool isReference(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).referred != nullptr; }
 } // namespace zt::detail

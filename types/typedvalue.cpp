@@ -1,5 +1,7 @@
 #include <zintar/typedvalue.h>
 
+#include "metatypeprivate.h"
+
 #include <zintar/log.h>
 
 #include <string>
@@ -43,10 +45,41 @@ bool convertOrWarn(const ZTVariant& variant, const ZTMetaType& target, void* res
     return false;
 }
 
+bool hasObject(const ZTVariant& variant, void*& object)
+{
+    const ZTMetaTypePrivate& type = ZTMetaTypePrivate::of(variant.type());
+    if (!type.referred && !variant.type().metaClass())
+        return false;
+    if (!type.referred)
+        object = storedPointer(variant);
+    else
+        object = variant.data() ? type.referred(variant.data()) : nullptr;
+    return true;
+}
+
 bool holdsPointer(const ZTVariant& variant)
 {
-    return variant.type().metaClass() && storedPointer(variant);
+    void* object = nullptr;
+    return hasObject(variant, object) && object;
 }
+
+namespace
+{
+/// The object behind a reference, along the class tree as pointers go. A converter of the host
+/// knows better.
+bool retrieveReferred(const ZTVariant& variant, const ZTMetaType& target, void*& result)
+{
+    bool yieldsNull = false;
+    if (!isReference(variant.type()) || isReference(target) || variant.type().canConvert(target) ||
+        !classTreeSettles(variant.type(), target, yieldsNull))
+        return false;
+    if (yieldsNull)
+        result = nullptr;
+    else
+        (void)hasObject(variant, result);
+    return true;
+}
+} // namespace
 
 bool retrieveRelated(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,
                      void*& result)
@@ -60,7 +93,7 @@ bool retrieveRelated(const ZTVariant& variant, const ZTMetaType& target, const Z
         result = yieldsNull ? nullptr : storedPointer(variant);
         return true;
     }
-    return false;
+    return retrieveReferred(variant, target, result);
 }
 
 bool retrievePointer(const ZTVariant& variant, const ZTMetaType& target, const ZTMetaType* nonConst,

@@ -36,6 +36,7 @@
 #include <zintar/record.h>
 #include <zintar/reference.h>
 #include <zintar/shortname.h>
+#include <zintar/standardconverters.h>
 #include <zintar/staticmetaclass.h>
 #include <zintar/subscription.h>
 #include <zintar/typedvalue.h>
@@ -43,3 +44,4 @@
 #include <zintar/variant.h>
 #include <zintar/version.h>
 #include <zintar/view.h>
+#include <zintar/visit.h>

@@ -377,11 +377,11 @@ void convertByEnumeration(const ZTMetaType& type, const EnumerationType& listed)
     ZTMetaTypeRegistry& registry = ztMetaTypeRegistry();
     const ZTMetaType& text = ::ztMetaType<std::string>();
     const ZTMetaType& number = ::ztMetaType<int>();
-    const bool replace = false; // what the host has said for the pair
-    registry.setConverter(type, text, listed.toText, replace);
-    registry.setConverter(text, type, listed.fromText, replace);
-    registry.setConverter(type, number, listed.toInt, replace);
-    registry.setConverter(number, type, listed.fromInt, replace);
+    // What the host has said for a pair holds.
+    registry.addConverter(type, text, listed.toText);
+    registry.addConverter(text, type, listed.fromText);
+    registry.addConverter(type, number, listed.toInt);
+    registry.addConverter(number, type, listed.fromInt);
 }
 } // namespace
 

@@ -3,6 +3,7 @@
 #include <zintar/detail/signature.h>
 #include <zintar/metatypeof.h>
 
+#include <memory>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -44,20 +45,54 @@ struct TypedConverter<Convert, Parameters<Source>> {
     /// Null is what a variant without a block gives, which has no value to convert.
     static bool convert(const void* source, void* target)
     {
+        return pass(source, [&](auto&& value) {
+            replace(*static_cast<Target*>(target), std::forward<decltype(value)>(value));
+        });
+    }
+    static bool convertToOptional(const void* source, void* target)
+    {
+        return pass(source, [&](auto&& value) {
+            static_cast<std::optional<Target>*>(target)->emplace(
+                std::forward<decltype(value)>(value));
+        });
+    }
+    static void add()
+    {
+        const ZTMetaType& source = ::ztMetaType<Held<Source>>();
+        ztRegisterConverter(source, ::ztMetaType<Target>(), &convert);
+        // Nobody has a value to convert into but who has one already.
+        if constexpr (!std::is_default_constructible_v<Target>)
+            ztRegisterConverter(source, ::ztMetaType<std::optional<Target>>(), &convertToOptional);
+    }
+
+private:
+    /// Hands on what the converter gives, if it gives something.
+    template <class Take>
+    static bool pass(const void* source, const Take& take)
+    {
         if (!source)
             return false;
         Result result = Convert()(passAs<Source>(*static_cast<const Held<Source>*>(source)));
         if constexpr (Converted<Result>::always)
-            *static_cast<Target*>(target) = std::move(result);
+            take(std::move(result));
         else if (result)
-            *static_cast<Target*>(target) = *std::move(result);
+            take(*std::move(result));
         else
             return false;
         return true;
     }
-    static void add()
+    template <class Value>
+    static void replace(Target& target, Value&& value)
     {
-        ztRegisterConverter(::ztMetaType<Held<Source>>(), ::ztMetaType<Target>(), &convert);
+        if constexpr (std::is_assignable_v<Target&, Value&&>) {
+            target = std::forward<Value>(value);
+        } else {
+            static_assert(std::is_nothrow_constructible_v<Target, Value&&>,
+                          "ztRegisterConverter: a type that cannot be assigned has to be moved "
+                          "without exceptions.");
+            std::destroy_at(&target);
+            std::construct_at(&target, std::forward<Value>(value));
+        }
     }
 };
 } // namespace zt::detail

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zintar/detail/values/objectreferences.h>
 #include <zintar/detail/values/shapes.h>
 #include <zintar/detail/values/typefunctions.h>
 #include <zintar/metatype.h>
@@ -22,6 +23,8 @@ const ZTMetaType& registerType(const std::string& alias = {})
                                   nullptr, nullptr, nullptr, nullptr, nullptr);
     } else if constexpr (isObjectPointer<T>) {
         return registerPointer(objectPointer<T>, alias);
+    } else if constexpr (isObjectReference<T>) {
+        return registerReference(ReferenceFunctions<T>::all(), alias);
     } else {
         using Functions = TypeFunctions<T>;
         const ZTMetaType& type = ztRegisterMetaType(
