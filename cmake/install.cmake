@@ -5,7 +5,8 @@ include(CMakePackageConfigHelpers)
 
 install(TARGETS zintar EXPORT ZintarTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        COMPONENT Zintar_Runtime NAMELINK_COMPONENT Zintar_Development)
+        COMPONENT Zintar_Runtime NAMELINK_COMPONENT Zintar_Development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Zintar_Development)
 # Not CMAKE_INSTALL_DOCDIR: that is the one of a project that takes this one in.
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/zintar COMPONENT Zintar_Runtime)

@@ -13,6 +13,14 @@ for standard in c++20 c++2b; do
     "$work/consumer"
 done
 
+# Containers of another layout are refused.
+if "$compiler" -std=c++20 -D_GLIBCXX_DEBUG -fsyntax-only consumer/main.cpp "${flags[@]}" \
+    2>"$work/told"; then
+    echo "Checked containers were accepted" >&2
+    exit 1
+fi
+grep -m1 error "$work/told" | grep "Zintar was built without _GLIBCXX_DEBUG"
+
 # The standard stays the consumer's own choice; an older one gets a sentence.
 "$compiler" -std=c++2b -fsyntax-only -include /dev/stdin -x c++ /dev/null "${flags[@]}" <<'END'
 #include <zintar/zintar.h>
