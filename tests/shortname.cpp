@@ -69,6 +69,7 @@ TEST(ShortName, LeavesOutWhatTheStandardLibraryFillsIn)
     EXPECT_EQ((shortNameOf<std::unordered_map<long, std::unique_ptr<Room>>>()),
               "std::unordered_map<long, std::unique_ptr<house::Room>>");
     EXPECT_EQ((shortNameOf<std::array<int, 3>>()), "std::array<int, 3>");
+    EXPECT_EQ(shortNameOf<house::Tag<-3LL>>(), "house::Tag<-3>");
     EXPECT_EQ((shortNameOf<std::set<int, std::less<>>>()), "std::set<int, std::less<void>>");
     EXPECT_EQ((shortNameOf<std::function<void(const Room&, std::string)>>()),
               "std::function<void(const house::Room&, std::string)>");

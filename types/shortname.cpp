@@ -71,7 +71,7 @@ public:
 private:
     std::string take(std::size_t count)
     {
-        const std::string taken(m_in.substr(0, count));
+        std::string taken(m_in.substr(0, count));
         m_in.remove_prefix(taken.size());
         return taken;
     }
@@ -138,7 +138,8 @@ private:
         take(1);
         const std::string parameters = joined(list(')'));
         // The type of a number among template arguments says nothing to people.
-        if (!m_in.empty() && isDigit(m_in.front()) && isInteger(parameters))
+        const bool isNumber = !m_in.empty() && (isDigit(m_in.front()) || m_in.front() == '-');
+        if (isNumber && isInteger(parameters))
             return;
         out += "(" + parameters + ")";
     }

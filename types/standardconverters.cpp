@@ -70,7 +70,8 @@ std::optional<To> exactly(From from)
             return std::nullopt;
         return from != From(0);
     } else if constexpr (std::is_integral_v<To> && std::is_integral_v<From>) {
-        const To to = static_cast<To>(from);
+        const To to =
+            static_cast<To>(from); // NOLINT(bugprone-signed-char-misuse): numbers are meant
         if (static_cast<From>(to) != from || !isNegativeAlike(from, to))
             return std::nullopt;
         return to;
@@ -145,9 +146,10 @@ bool convert(const void* source, void* target)
     if (!source)
         return false;
     std::optional<To> result = converted<From, To>(*static_cast<const From*>(source));
-    if (result)
-        *static_cast<To*>(target) = *std::move(result);
-    return result.has_value();
+    if (!result)
+        return false;
+    *static_cast<To*>(target) = *std::move(result);
+    return true;
 }
 
 template <class From, class To>
