@@ -41,6 +41,57 @@ bool readAll(ZTDataStream& stream, Values&... values)
     return (... && (stream >> values, stream.good()));
 }
 
+/// How the names of types and of the super class are read: what is not found is told in the log, or
+/// noted for whoever asks what is missing.
+class Names
+{
+public:
+    Names(const Classes& metaClasses, bool areNoted)
+        : m_metaClasses(metaClasses), m_areNoted(areNoted)
+    {}
+
+    bool readType(ZTDataStream& stream, const ZTMetaType*& type)
+    {
+        if (!m_areNoted)
+            return readAll(stream, type);
+        std::string name;
+        if (!readAll(stream, name))
+            return false;
+        type = &ztMetaType(name);
+        if (!*type && name != type->name())
+            m_unknownTypes.insert(std::move(name));
+        return true;
+    }
+
+    [[nodiscard]] const ZTMetaClass* findSuperClass(const std::string& name)
+    {
+        auto found = m_metaClasses.find(name);
+        if (found != m_metaClasses.end())
+            return found->second;
+        if (name == "ZTBase" || name == ZTBase::typeMetaClass().typeName())
+            return &ZTBase::typeMetaClass();
+        if (!m_areNoted)
+            ztLog(
+                "Zintar: ZTMetaClassBuilder failed to set super class. No meta class with name \"" +
+                    name + "\" provided.",
+                ZTLogType::Warning);
+        else if (name != "ZTNone")
+            m_unknownSuperClass = name;
+        return nullptr;
+    }
+
+    [[nodiscard]] ZTMissingInClass missing(bool isCut) const
+    {
+        return {m_unknownSuperClass, {m_unknownTypes.begin(), m_unknownTypes.end()}, isCut};
+    }
+
+private:
+    const Classes& m_metaClasses;
+    bool m_areNoted;
+    std::string m_unknownSuperClass;
+    std::set<std::string> m_unknownTypes;
+};
+
 /// A damaged count ends with the bytes, and gets no room for more than these can hold.
 /// @param smallest  how many bytes an entry takes at least: 8 for a text, 4 for a count
 /// @param list      what the entries go into
@@ -143,18 +194,19 @@ void write(ZTDataStream& stream, const ZTMetaInvokable& invokable)
         stream << invokable.parameterMetaType(i);
 }
 
-void read(ZTDataStream& stream, ZTDynamicMetaInvokable& invokable)
+void read(ZTDataStream& stream, ZTDynamicMetaInvokable& invokable, Names& names)
 {
     unsigned short flags = 0;
     int access = 0;
-    if (!readAll(stream, invokable.m_name, invokable.m_returnMetaType, flags, access))
+    if (!readAll(stream, invokable.m_name) || !names.readType(stream, invokable.m_returnMetaType) ||
+        !readAll(stream, flags, access))
         return;
     invokable.m_isConst = flags & Flags::ConstInvokable;
     invokable.m_isEvent = flags & Flags::Event;
     invokable.m_access = static_cast<ZTAccessSpecifier>(access);
     readList<unsigned int>(stream, smallestType, invokable.m_parameterMetaTypes, [&] {
         const ZTMetaType* type = nullptr;
-        if (readAll(stream, type))
+        if (names.readType(stream, type))
             invokable.m_parameterMetaTypes.push_back(type);
     });
 }
@@ -176,10 +228,11 @@ void write(ZTDataStream& stream, const ZTMetaProperty& property, unsigned int in
 }
 
 void read(ZTDataStream& stream, ZTDynamicMetaProperty& property,
-          const std::vector<std::shared_ptr<ZTDynamicMetaInvokable>>& invokables)
+          const std::vector<std::shared_ptr<ZTDynamicMetaInvokable>>& invokables, Names& names)
 {
     int event = -1;
-    if (!readAll(stream, property.m_name, property.m_metaType, event))
+    if (!readAll(stream, property.m_name) || !names.readType(stream, property.m_metaType) ||
+        !readAll(stream, event))
         return;
     if (event >= 0 && static_cast<std::size_t>(event) < invokables.size())
         property.m_changeEvent = invokables[static_cast<std::size_t>(event)];
@@ -215,29 +268,17 @@ void write(ZTDataStream& stream, const ZTMetaClass& metaClass)
 }
 
 /// Up to the first read that fails.
-void readMembers(ZTDataStream& stream, ZTDynamicMetaClass& metaClass)
+void readMembers(ZTDataStream& stream, ZTDynamicMetaClass& metaClass, Names& names)
 {
     readList<unsigned int>(stream, smallestInfo, metaClass.m_classInfos,
                            [&] { read(stream, metaClass.addClassInfo()); });
     readList<unsigned int>(stream, smallestEnum, metaClass.m_enums,
                            [&] { read(stream, metaClass.addEnum()); });
     readList<unsigned int>(stream, smallestInvokable, metaClass.m_invokables,
-                           [&] { read(stream, metaClass.addInvokable()); });
-    readList<unsigned int>(stream, smallestProperty, metaClass.m_properties,
-                           [&] { read(stream, metaClass.addProperty(), metaClass.m_invokables); });
-}
-
-const ZTMetaClass* findSuperClass(const std::string& name, const Classes& metaClasses)
-{
-    auto found = metaClasses.find(name);
-    if (found != metaClasses.end())
-        return found->second;
-    if (name == "ZTBase" || name == ZTBase::typeMetaClass().typeName())
-        return &ZTBase::typeMetaClass();
-    ztLog("Zintar: ZTMetaClassBuilder failed to set super class. No meta class with name \"" +
-              name + "\" provided.",
-          ZTLogType::Warning);
-    return nullptr;
+                           [&] { read(stream, metaClass.addInvokable(), names); });
+    readList<unsigned int>(stream, smallestProperty, metaClass.m_properties, [&] {
+        read(stream, metaClass.addProperty(), metaClass.m_invokables, names);
+    });
 }
 
 /// Takes out of a class again what was read into it, if reading could not go on for lack of memory.
@@ -274,6 +315,21 @@ private:
     std::string m_typeName;
     std::size_t m_infos, m_enums, m_invokables, m_properties;
 };
+
+void readClass(ZTMetaClassBuilder& builder, ZTDataStream& stream, ZTDynamicMetaClass& metaClass,
+               Names& names)
+{
+    zt::detail::readWhole(stream, [&] {
+        Addition added(metaClass);
+        std::string name;
+        stream >> name;
+        builder.setTypeName(name);
+        stream >> name;
+        builder.setSuperClass(names.findSuperClass(name));
+        readMembers(stream, metaClass, names);
+        added.keep();
+    });
+}
 } // namespace
 
 ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
@@ -293,14 +349,13 @@ void zt::detail::readClassRecord(ZTDataStream& stream, ZTDynamicMetaClass& metaC
 
 void ZTMetaClassBuilder::deserialize(ZTDataStream& stream, const Classes& metaClasses)
 {
-    zt::detail::readWhole(stream, [&] {
-        Addition added(*priv->metaClass);
-        std::string name;
-        stream >> name;
-        setTypeName(name);
-        stream >> name;
-        setSuperClass(findSuperClass(name, metaClasses));
-        readMembers(stream, *priv->metaClass);
-        added.keep();
-    });
+    Names names(metaClasses, false);
+    readClass(*this, stream, *priv->metaClass, names);
+}
+
+ZTMissingInClass ZTMetaClassBuilder::read(ZTDataStream& stream, const Classes& metaClasses)
+{
+    Names names(metaClasses, true);
+    readClass(*this, stream, *priv->metaClass, names);
+    return names.missing(!stream.good());
 }

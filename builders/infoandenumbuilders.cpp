@@ -51,6 +51,14 @@ ZTMetaEnumBuilder::ZTMetaEnumBuilder(std::shared_ptr<ZTDynamicMetaEnum> descript
         priv->descriptor->m_enumerators.emplace_back(prototype->enumerator(i));
         priv->descriptor->m_values.push_back(prototype->value(i));
     }
+    setMetaType(prototype->metaType());
+    setIsFlags(prototype->isFlags());
+    for (unsigned int i = 0; i < prototype->infoCount(); ++i)
+        addInfo(prototype->infoKey(i), prototype->infoValue(i));
+    for (unsigned int e = 0; e < prototype->count(); ++e)
+        for (unsigned int i = 0; i < prototype->enumeratorInfoCount(e); ++i)
+            addEnumeratorInfo(e, prototype->enumeratorInfoKey(e, i),
+                              prototype->enumeratorInfoValue(e, i));
 }
 
 ZTMetaEnumBuilder::~ZTMetaEnumBuilder() = default;
@@ -77,3 +85,29 @@ bool ZTMetaEnumBuilder::add(std::string_view name, int value)
 }
 
 void ZTMetaEnumBuilder::remove(unsigned int index) { priv->descriptor->remove(index); }
+
+const ZTMetaType& ZTMetaEnumBuilder::metaType() const { return priv->descriptor->metaType(); }
+
+void ZTMetaEnumBuilder::setMetaType(const ZTMetaType& type)
+{
+    priv->descriptor->m_metaType = &type;
+}
+
+bool ZTMetaEnumBuilder::isFlags() const { return priv->descriptor->m_isFlags; }
+
+void ZTMetaEnumBuilder::setIsFlags(bool isFlags) { priv->descriptor->m_isFlags = isFlags; }
+
+void ZTMetaEnumBuilder::addInfo(std::string_view key, std::string_view value)
+{
+    priv->descriptor->m_infos.push_back({std::string(key), std::string(value)});
+}
+
+void ZTMetaEnumBuilder::addEnumeratorInfo(unsigned int enumerator, std::string_view key,
+                                          std::string_view value)
+{
+    if (enumerator < priv->descriptor->count())
+        priv->descriptor->m_infos.push_back(
+            {std::string(key), std::string(value), static_cast<int>(enumerator)});
+}
+
+void ZTMetaEnumBuilder::clearInfos() { priv->descriptor->m_infos.clear(); }

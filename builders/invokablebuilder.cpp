@@ -26,6 +26,7 @@ ZTMetaInvokableBuilder::ZTMetaInvokableBuilder(ZTMetaClassBuilder* classBuilder,
     for (unsigned int i = 0; i < prototype->parameterCount(); ++i)
         copy.m_parameterMetaTypes.push_back(&prototype->parameterMetaType(i));
     copy.m_access = prototype->accessSpecifier();
+    copyDetails(*prototype);
     // The function of a declared class is in its table, and a descriptor does not hand it out.
     if (prototype->isDynamic()) {
         const auto& source = static_cast<const ZTDynamicMetaInvokable&>(*prototype);
@@ -35,6 +36,31 @@ ZTMetaInvokableBuilder::ZTMetaInvokableBuilder(ZTMetaClassBuilder* classBuilder,
 }
 
 ZTMetaInvokableBuilder::~ZTMetaInvokableBuilder() = default;
+
+/// What most invokables do not have.
+void ZTMetaInvokableBuilder::copyDetails(const ZTMetaInvokable& prototype)
+{
+    const unsigned int count = prototype.parameterCount();
+    std::vector<std::string> names;
+    for (unsigned int i = 0; i < count; ++i)
+        if (const std::string_view name = prototype.parameterName(i); !name.empty()) {
+            names.resize(i);
+            names.emplace_back(name);
+        }
+    if (!names.empty())
+        setParameterNames(std::move(names));
+    std::vector<ZTVariant> values;
+    for (unsigned int i = prototype.requiredArgumentCount(); i < count; ++i)
+        values.push_back(*prototype.defaultArgument(i));
+    if (!values.empty())
+        setDefaultArguments(std::move(values));
+    for (unsigned int i = 0; i < prototype.infoCount(); ++i)
+        addInfo(prototype.infoKey(i), prototype.infoValue(i));
+    for (unsigned int p = 0; p < count; ++p)
+        for (unsigned int i = 0; i < prototype.parameterInfoCount(p); ++i)
+            addParameterInfo(p, prototype.parameterInfoKey(p, i),
+                             prototype.parameterInfoValue(p, i));
+}
 
 std::string_view ZTMetaInvokableBuilder::name() const { return priv->descriptor->name(); }
 
@@ -102,4 +128,43 @@ void ZTMetaInvokableBuilder::setEvent(const std::vector<const ZTMetaType*>& para
     priv->descriptor->m_functionKey = nullptr;
     priv->descriptor->m_raisesItself = true;
     priv->descriptor->m_function.swap(none);
+}
+
+std::string_view ZTMetaInvokableBuilder::parameterName(unsigned int index) const
+{
+    return priv->descriptor->parameterName(index);
+}
+
+void ZTMetaInvokableBuilder::setParameterNames(std::vector<std::string> names)
+{
+    priv->descriptor->details().parameterNames = std::move(names);
+}
+
+const ZTVariant* ZTMetaInvokableBuilder::defaultArgument(unsigned int index) const
+{
+    return priv->descriptor->defaultArgument(index);
+}
+
+void ZTMetaInvokableBuilder::setDefaultArguments(std::vector<ZTVariant> arguments)
+{
+    // The old ones, of the host, end last.
+    priv->descriptor->details().defaultArguments.swap(arguments);
+}
+
+void ZTMetaInvokableBuilder::addInfo(std::string_view key, std::string_view value)
+{
+    priv->descriptor->details().infos.push_back({std::string(key), std::string(value)});
+}
+
+void ZTMetaInvokableBuilder::addParameterInfo(unsigned int parameter, std::string_view key,
+                                              std::string_view value)
+{
+    priv->descriptor->details().infos.push_back(
+        {std::string(key), std::string(value), static_cast<int>(parameter)});
+}
+
+void ZTMetaInvokableBuilder::clearInfos()
+{
+    if (priv->descriptor->m_details)
+        priv->descriptor->m_details->infos.clear();
 }

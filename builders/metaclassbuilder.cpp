@@ -2,6 +2,7 @@
 
 #include <zintar/metaclassbuilder.h>
 
+#include <algorithm>
 #include <string>
 
 ZTMetaClassBuilder::ZTMetaClassBuilder(const ZTMetaClass* prototype)
@@ -218,4 +219,58 @@ ZTMetaClassBuilder::superMethod(std::string_view name,
             return method;
     }
     return nullptr;
+}
+
+namespace
+{
+template <class List, class NameOf>
+int indexIn(const List& list, std::string_view name, NameOf nameOf)
+{
+    auto found = std::find_if(list.begin(), list.end(),
+                              [&](const auto& member) { return nameOf(*member) == name; });
+    return found == list.end() ? -1 : static_cast<int>(found - list.begin());
+}
+constexpr auto nameOf = [](const auto& member) { return member.name(); };
+} // namespace
+
+int ZTMetaClassBuilder::indexOfClassInfo(std::string_view key) const
+{
+    return indexIn(priv->metaClass->m_classInfos, key, [](const auto& info) { return info.key(); });
+}
+
+int ZTMetaClassBuilder::indexOfEnum(std::string_view name) const
+{
+    return indexIn(priv->metaClass->m_enums, name, nameOf);
+}
+
+int ZTMetaClassBuilder::indexOfInvokable(std::string_view name) const
+{
+    return indexIn(priv->metaClass->m_invokables, name, nameOf);
+}
+
+int ZTMetaClassBuilder::indexOfProperty(std::string_view name) const
+{
+    return indexIn(priv->metaClass->m_properties, name, nameOf);
+}
+
+// -1 is an index that no class has, either.
+
+ZTMetaClassInfoBuilder ZTMetaClassBuilder::classInfo(std::string_view key)
+{
+    return classInfo(static_cast<unsigned int>(indexOfClassInfo(key)));
+}
+
+ZTMetaEnumBuilder ZTMetaClassBuilder::metaEnum(std::string_view name)
+{
+    return metaEnum(static_cast<unsigned int>(indexOfEnum(name)));
+}
+
+ZTMetaInvokableBuilder ZTMetaClassBuilder::invokable(std::string_view name)
+{
+    return invokable(static_cast<unsigned int>(indexOfInvokable(name)));
+}
+
+ZTMetaPropertyBuilder ZTMetaClassBuilder::property(std::string_view name)
+{
+    return property(static_cast<unsigned int>(indexOfProperty(name)));
 }

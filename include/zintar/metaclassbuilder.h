@@ -91,6 +91,19 @@ public:
     /// An index out of range removes nothing.
     void remove(unsigned int index);
 
+    /// The invalid type until it is set. It takes no part in conversions, and `ztEnumeration` does
+    /// not find an enumeration that is made at run time.
+    [[nodiscard]] const ZTMetaType& metaType() const;
+    void setMetaType(const ZTMetaType& type);
+    [[nodiscard]] bool isFlags() const;
+    void setIsFlags(bool isFlags);
+    // Annotations; keys may repeat. They, the type and the flags are not part of the stream form.
+    void addInfo(std::string_view key, std::string_view value);
+    /// @param enumerator  out of range it is ignored
+    void addEnumeratorInfo(unsigned int enumerator, std::string_view key, std::string_view value);
+    /// Removes all of the enumeration and its enumerators.
+    void clearInfos();
+
 private:
     friend class ZTMetaClassBuilder;
     ZTMetaEnumBuilder();
@@ -173,6 +186,24 @@ public:
     /// The same with types that are known at run time only.
     void setEvent(const std::vector<const ZTMetaType*>& parameterTypes);
 
+    // Names and default arguments of parameters, and annotations. They are kept apart from the
+    // types and may be set before these. None of them is part of the stream form.
+
+    /// Empty for one without a name.
+    [[nodiscard]] std::string_view parameterName(unsigned int index) const;
+    /// The names of the first parameters; those behind them have none.
+    void setParameterNames(std::vector<std::string> names);
+    /// Null for a parameter without one. Good until they are set anew.
+    [[nodiscard]] const ZTVariant* defaultArgument(unsigned int index) const;
+    /// The default arguments of the last parameters. They are passed as they are, so give values of
+    /// the parameters' types, or such as convert.
+    void setDefaultArguments(std::vector<ZTVariant> arguments);
+    /// Adds an annotation, of the invokable or of one of its parameters. Keys may repeat.
+    void addInfo(std::string_view key, std::string_view value);
+    void addParameterInfo(unsigned int parameter, std::string_view key, std::string_view value);
+    /// Removes all of the invokable and its parameters.
+    void clearInfos();
+
 private:
     friend class ZTMetaClassBuilder;
     friend class ZTMetaPropertyBuilder;
@@ -182,6 +213,7 @@ private:
                            const ZTMetaInvokable* prototype);
 
     void setUntypedFunction(zt::detail::InvokableFunction function, void* key);
+    void copyDetails(const ZTMetaInvokable& prototype);
 
     std::unique_ptr<ZTMetaInvokableBuilderPrivate> priv;
 };
@@ -295,6 +327,19 @@ private:
     std::unique_ptr<ZTMetaPropertyBuilderPrivate> priv;
 };
 
+/// What a class that was read from a stream lacks. See `ZTMetaClassBuilder::read`.
+struct ZTMissingInClass {
+    std::string superClass;             ///< its name, where it was not found; otherwise empty
+    std::vector<std::string> typeNames; ///< of types that are not registered, each once
+    bool isCut = false;                 ///< the stream ended or failed before the end of the class
+
+    /// Whether anything is missing.
+    [[nodiscard]] explicit operator bool() const
+    {
+        return isCut || !superClass.empty() || !typeNames.empty();
+    }
+};
+
 /// A class under construction; see the top of this file. Indices and counts are those of the
 /// class's own members, from 0.
 class ZT_EXPORT ZTMetaClassBuilder
@@ -331,6 +376,12 @@ public:
     ///                     and the class has no super class then.
     void deserialize(ZTDataStream& stream,
                      const std::unordered_map<std::string, const ZTMetaClass*>& metaClasses);
+    /// The same for a host that does without what is missing, or supplies it: logs nothing, and
+    /// answers what it is. What is not found is the same as with `deserialize`: no super class, and
+    /// the invalid type.
+    [[nodiscard]] ZTMissingInClass
+    read(ZTDataStream& stream,
+         const std::unordered_map<std::string, const ZTMetaClass*>& metaClasses);
 
     // Each `add` appends a member, a copy of the prototype if there is one, and gives a handle on
     // it; the other form gives one on the member at an index. What is removed lives on in its
@@ -392,6 +443,17 @@ public:
     }
     [[nodiscard]] const ZTMetaInvokable*
     superMethod(std::string_view name, const std::vector<const ZTMetaType*>& parameterTypes) const;
+
+    // The first of the class's own members with that name or key: its index, -1 when there is none,
+    // and a handle on it, on a member that belongs to nothing when there is none.
+    [[nodiscard]] int indexOfClassInfo(std::string_view key) const;
+    [[nodiscard]] int indexOfEnum(std::string_view name) const;
+    [[nodiscard]] int indexOfInvokable(std::string_view name) const;
+    [[nodiscard]] int indexOfProperty(std::string_view name) const;
+    [[nodiscard]] ZTMetaClassInfoBuilder classInfo(std::string_view key);
+    [[nodiscard]] ZTMetaEnumBuilder metaEnum(std::string_view name);
+    [[nodiscard]] ZTMetaInvokableBuilder invokable(std::string_view name);
+    [[nodiscard]] ZTMetaPropertyBuilder property(std::string_view name);
 
 private:
     friend class ZTMetaInvokableBuilder;
