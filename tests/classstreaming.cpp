@@ -148,6 +148,29 @@ TEST(ClassReader, LeavesRepeatedEnumeratorsOutAndTellsOfUnknownTypes)
                 });
 }
 
+TEST(ClassReader, AnswersWhatIsMissing)
+{
+    const auto missingIn = [](const std::string& bytes, const Classes& classes) {
+        ZTDataStream stream = support::streamOf(bytes);
+        ZTMetaClassBuilder builder;
+        return builder.read(stream, classes);
+    };
+    EXPECT_LOGS_NOTHING([&] {
+        EXPECT_FALSE(missingIn(heaterBytes(), withDevice));
+        EXPECT_FALSE(missingIn(streamed("Lamp", "ZTNone", 0, 0, 0, 0), {}));
+        EXPECT_EQ(missingIn(heaterBytes(), {}).superClass, "struct sample::Device");
+        const std::string bytes =
+            streamed("Lamp", "ZTBase", 0, 0, 1, "dim", "Percent", short(0), 2, 2, "int", "Beam", 1,
+                     "beam", "Beam", -1, static_cast<unsigned char>(0), 0);
+        const ZTMissingInClass missing = missingIn(bytes, {});
+        EXPECT_EQ(missing.typeNames, (std::vector<std::string>{"Beam", "Percent"}));
+        EXPECT_EQ(missing.superClass, "");
+        EXPECT_FALSE(missing.isCut);
+        for (std::size_t size = 0; size < bytes.size(); ++size)
+            EXPECT_TRUE(missingIn(bytes.substr(0, size), {}).isCut) << size;
+    });
+}
+
 // The fuzz target runs every single-bit change of its kept inputs, and counts the memory it takes.
 TEST(ClassReader, StopsAtTheFirstFailedReadAndKeepsWhatWasRead)
 {

@@ -62,6 +62,26 @@ TEST_F(ClassBuilder, RemovesMembersByPosition)
     EXPECT_EQ(builder.invokable(1).name(), "c");
 }
 
+TEST_F(ClassBuilder, FindsMembersByName)
+{
+    builder.addProperty().setName("b");
+    EXPECT_EQ(builder.indexOfProperty("b"), 1) << "the first of two";
+    EXPECT_EQ(builder.indexOfInvokable("c"), 2);
+    EXPECT_EQ(builder.indexOfEnum("a"), 0);
+    EXPECT_EQ(builder.indexOfClassInfo("b"), 1);
+    EXPECT_EQ(builder.indexOfInvokable("destroyed"), -1) << "inherited";
+    builder.property("b").addPropInfo("unit", "watt");
+    builder.invokable("c").setName("d");
+    builder.metaEnum("a").add("On", 1);
+    builder.classInfo("b").setValue("blue");
+    EXPECT_EQ(builder.property(1).propInfoValue(0), "watt");
+    EXPECT_EQ(builder.indexOfInvokable("c"), -1);
+    EXPECT_EQ(builder.metaEnum(0).count(), 1);
+    EXPECT_EQ(builder.classInfo(1).value(), "blue");
+    builder.property("none").setName("lost");
+    EXPECT_EQ(builder.indexOfProperty("lost"), -1);
+}
+
 TEST_F(ClassBuilder, ChangeEventFollowsItsInvokable)
 {
     const Owned first(builder.toMetaClass());

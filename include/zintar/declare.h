@@ -141,10 +141,12 @@ private:                                                                        
 #define ZT_DETAIL_CLASS_HEAD(Class, ...) __VA_OPT__(template <>)
 // An instance is told to be special before anything asks for its functions.
 #define ZT_DETAIL_DECLARE_INSTANCE(Class, ...)                                                     \
-    __VA_OPT__(template <>::zt::detail::ClassTable& Class<__VA_ARGS__>::ztTable();                 \
-               template <> const ZTMetaClass& Class<__VA_ARGS__>::typeMetaClass();                 \
-               template <> const ZTMetaClass* Class<__VA_ARGS__>::metaClass() const;               \
-               template <> const ZTMetaClass* Class<__VA_ARGS__>::baseMetaClass() const;)
+    __VA_OPT__(template <>::zt::detail::ClassTable& Class<__VA_ARGS__>::ztTable(); template <>     \
+               [[maybe_unused]] const ZTMetaClass& Class<__VA_ARGS__>::typeMetaClass();            \
+               template <> [[maybe_unused]] const ZTMetaClass* Class<__VA_ARGS__>::metaClass()     \
+                   const;                                                                          \
+               template <> [[maybe_unused]] const ZTMetaClass* Class<__VA_ARGS__>::baseMetaClass() \
+                   const;)
 
 /// Defines the descriptor of a class, once, in the file that implements the class: in the namespace
 /// of the class, or outside with the qualified name. The class and its pointer types are registered

@@ -45,6 +45,14 @@ template <class C, auto Member>
 [[gnu::visibility("hidden")]] inline constexpr
     typename MemberIn<C, std::remove_cv_t<decltype(Member)>>::type memberVariableIn = Member;
 
+/// The base of an object of which the member is.
+template <auto Member, class Object>
+auto& partWith(Object& object)
+{
+    using Base = typename MemberTraits<std::remove_cv_t<decltype(Member)>>::Class;
+    return static_cast<std::conditional_t<std::is_const_v<Object>, const Base, Base>&>(object);
+}
+
 template <class C, auto Method>
 ZTVariant invokeIn(const ZTVariant& object, const ZTArgumentArray& arguments)
 {
@@ -55,8 +63,8 @@ ZTVariant invokeIn(const ZTVariant& object, const ZTArgumentArray& arguments)
         return {};
     return callBoxed<typename Traits::Result>(
         *self,
-        [self](auto&&... values) -> decltype(auto) {
-            return (self->*Method)(std::forward<decltype(values)>(values)...);
+        [&part = partWith<Method>(*self)](auto&&... values) -> decltype(auto) {
+            return (part.*Method)(std::forward<decltype(values)>(values)...);
         },
         arguments, typename Traits::Params());
 }
@@ -68,16 +76,16 @@ ZTVariant getIn(const ZTVariant& object)
     if (!self)
         return {};
     if constexpr (MemberTraits<decltype(Getter)>::isFunction)
-        return boxResult((self->*Getter)());
+        return boxResult((partWith<Getter>(*self).*Getter)());
     else
-        return boxResult(self->*Getter);
+        return boxResult(partWith<Getter>(*self).*Getter);
 }
 
 template <class C, auto Setter, class P>
 ZTVariant setBy(const ZTVariant& object, const ZTVariant& value, Parameters<P>)
 {
     return storeUnboxed<P>(object, value, objectSource<C>, [](ZTBase& self, const Held<P>& held) {
-        (void)(static_cast<C&>(self).*Setter)(passAs<P>(held));
+        (void)(partWith<Setter>(static_cast<C&>(self)).*Setter)(passAs<P>(held));
     });
 }
 
@@ -89,10 +97,10 @@ ZTVariant setIn(const ZTVariant& object, const ZTVariant& value)
         return setBy<C, Setter>(object, value, typename Traits::Params());
     } else {
         using Field = typename Traits::Result;
-        return storeUnboxed<Field>(object, value, objectSource<C>,
-                                   [](ZTBase& self, const Held<Field>& held) {
-                                       static_cast<C&>(self).*Setter = static_cast<Field>(held);
-                                   });
+        return storeUnboxed<Field>(
+            object, value, objectSource<C>, [](ZTBase& self, const Held<Field>& held) {
+                partWith<Setter>(static_cast<C&>(self)).*Setter = static_cast<Field>(held);
+            });
     }
 }
 

@@ -28,7 +28,8 @@ template <class Params, std::size_t FromEnd>
 using ParameterFromEnd = typename FromEndOf<Params, FromEnd>::type;
 
 template <class Value>
-inline constexpr bool isTextValue = std::is_convertible_v<const Value&, std::string_view>;
+inline constexpr bool isTextValue =
+    std::is_convertible_v<const Value&, std::string_view> && !std::is_null_pointer_v<Value>;
 
 /// A function without parameters and captures.
 template <class Value>

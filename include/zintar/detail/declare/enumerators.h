@@ -60,7 +60,8 @@ constexpr bool isOf()
 template <auto Value>
 constexpr bool fitsInt()
 {
-    return static_cast<decltype(Value)>(static_cast<int>(Value)) == Value;
+    using Number = std::underlying_type_t<std::remove_cv_t<decltype(Value)>>;
+    return static_cast<Number>(static_cast<int>(Value)) == static_cast<Number>(Value);
 }
 
 template <auto... Values>
