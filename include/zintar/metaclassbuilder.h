@@ -356,7 +356,7 @@ public:
     /// @param super  not owned; must outlive the builder and every class it hands out
     void setSuperClass(const ZTMetaClass* super);
     [[nodiscard]] const ZTMetaClass* superClass() const;
-    /// Any text: the library keeps no list of classes made at run time, and no two of them clash.
+    /// Any text: two classes of one name do not clash, as long as no store is to hold both.
     void setTypeName(std::string_view name);
     /// Good until the name changes or the builder dies.
     [[nodiscard]] std::string_view typeName() const;
