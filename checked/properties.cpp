@@ -1,4 +1,4 @@
-#include "fit.h"
+#include "../object/fit.h"
 #include "sentences.h"
 
 #include <zintar/checked.h>

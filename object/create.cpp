@@ -1,14 +1,14 @@
 #include <zintar/create.h>
 
 #include "baseprivate.h"
-#include "conversion.h"
+#include "fit.h"
 
 #include <zintar/dynamicbase.h>
 #include <zintar/log.h>
 #include <zintar/shortname.h>
 #include <zintar/staticmetaclass.h>
 
-#include <algorithm>
+#include <limits>
 #include <optional>
 #include <string>
 #include <typeinfo>
@@ -48,9 +48,8 @@ namespace
 {
 using zt::detail::ConstructorList;
 using zt::detail::ConstructorRecord;
-using zt::detail::Conversion;
-using zt::detail::conversionTo;
-using zt::detail::convertedTo;
+using zt::detail::Fit;
+using zt::detail::fitOf;
 using Arguments = std::span<const ZTVariant>;
 
 const ConstructorList* constructorsOf(const ZTMetaClass& metaClass)
@@ -109,50 +108,41 @@ std::string whyNot(const ZTMetaClass& declared, const ConstructorList* construct
     return "no constructor of " + name + " takes " + given + "; there is " + there + ".";
 }
 
-/// A constructor, and how far the arguments are from its parameters.
+/// A constructor that takes the arguments, how far they are from its parameters, and the arguments
+/// as it takes them.
 struct Candidate {
-    const ConstructorRecord* constructor;
-    int distance;
+    const ConstructorRecord* constructor = nullptr;
+    std::size_t distance = std::numeric_limits<std::size_t>::max();
+    std::vector<ZTVariant> values;
 };
 
 std::optional<Candidate> candidate(const ConstructorRecord& constructor, Arguments arguments)
 {
-    Candidate found{&constructor, 0};
+    Candidate found{&constructor, 0, {}};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const Conversion needed = conversionTo(constructor.parameterTypes[i](), arguments[i]);
-        if (needed == Conversion::Impossible)
+        ZTVariant converted;
+        const ZTMetaType& type = constructor.parameterTypes[i]();
+        const Fit fit = fitOf(arguments[i], type, converted);
+        if (fit == Fit::None)
             return std::nullopt;
-        found.distance += static_cast<int>(needed);
+        found.distance += static_cast<std::size_t>(fit);
+        found.values.push_back(zt::detail::typed(fit, arguments[i], type, converted));
     }
     return found;
 }
 
-/// Those that may fit, the best first.
-std::vector<Candidate> candidates(const ConstructorList& constructors, Arguments arguments)
+/// The one that is nearest to the arguments, of equals the first; none where none fits.
+Candidate bestOf(const ConstructorList& constructors, Arguments arguments)
 {
-    std::vector<Candidate> found;
-    for (const ConstructorRecord& one : std::span(constructors.first, constructors.count))
-        if (one.parameterCount == arguments.size())
-            if (const auto fitting = candidate(one, arguments))
-                found.push_back(*fitting);
-    std::stable_sort(found.begin(), found.end(), [](const Candidate& a, const Candidate& b) {
-        return a.distance < b.distance;
-    });
-    return found;
-}
-
-/// The arguments as the constructor takes them; nothing when a converter refuses one.
-std::optional<std::vector<ZTVariant>> converted(const ConstructorRecord& constructor,
-                                                Arguments arguments)
-{
-    std::vector<ZTVariant> values;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        auto value = convertedTo(constructor.parameterTypes[i](), arguments[i]);
-        if (!value)
-            return std::nullopt;
-        values.push_back(std::move(*value));
+    Candidate best;
+    for (const ConstructorRecord& one : std::span(constructors.first, constructors.count)) {
+        if (one.parameterCount != arguments.size())
+            continue;
+        auto found = candidate(one, arguments);
+        if (found && found->distance < best.distance)
+            best = *std::move(found);
     }
-    return values;
+    return best;
 }
 
 /// By the constructors of the class; null where none fits.
@@ -164,10 +154,9 @@ std::unique_ptr<ZTBase> construct(const ConstructorList* constructors, Arguments
         const ConstructorRecord& plain = *constructors->first;
         return std::unique_ptr<ZTBase>(plain.parameterCount == 0 ? plain.make(nullptr) : nullptr);
     }
-    for (const Candidate& one : candidates(*constructors, arguments))
-        if (const auto values = converted(*one.constructor, arguments))
-            return std::unique_ptr<ZTBase>(one.constructor->make(values->data()));
-    return nullptr;
+    const Candidate best = bestOf(*constructors, arguments);
+    return std::unique_ptr<ZTBase>(best.constructor ? best.constructor->make(best.values.data())
+                                                    : nullptr);
 }
 
 /// Whether the object has the class now.

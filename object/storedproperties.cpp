@@ -1,7 +1,7 @@
 #include "../reflection/raiseevent.h"
 #include "../reflection/storedproperty.h"
 #include "baseprivate.h"
-#include "conversion.h"
+#include "fit.h"
 
 #include <zintar/detail/calls.h>
 
@@ -89,7 +89,7 @@ void setStoredValue(const StoredProperty& property, const ZTMetaInvokable* chang
         return;
     ZTVariant old; // the last to go
     const ZTLifeWatch self(target);
-    std::optional<ZTVariant> fitting = convertedTo(property.start.type(), value);
+    std::optional<ZTVariant> fitting = fitted(value, property.start.type());
     if (!fitting)
         return warnOfMisfit(value, property.start.type());
     if (!self || !isDifferent(findValue(self.record(), property), property, *fitting) || !self)

@@ -14,8 +14,8 @@ bool isNullObject(const ZTMetaType& from, const ZTMetaType& to)
 
 void makeNull(const ZTMetaType& to, void* target)
 {
-    if (auto reset = ZTMetaTypePrivate::of(to).resetReference)
-        reset(target);
+    if (auto refer = ZTMetaTypePrivate::of(to).refer)
+        refer(target, nullptr);
     else
         *static_cast<void**>(target) = nullptr;
 }

@@ -9,6 +9,8 @@ ZTKind ztKind(const ZTMetaType& type)
     const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(type);
     if (record.shape)
         return record.shape->kind;
+    if (record.referred)
+        return {ZTKind::Reference};
     if (record.findClass || record.metaClass.load(std::memory_order_acquire))
         return {ZTKind::ObjectPointer};
     return {};

@@ -115,7 +115,7 @@ struct ZTMetaTypePrivate {
     const zt::detail::Shape* shape = nullptr;
     /// Set in the types of references to objects, and in no other.
     zt::detail::ReferredFunction referred = nullptr;
-    zt::detail::ResetFunction resetReference = nullptr;
+    zt::detail::ReferFunction refer = nullptr;
     zt::detail::CreateFunction create;
     zt::detail::DestroyFunction destroy;
     zt::detail::CreateDefaultFunction createDefault;

@@ -54,7 +54,7 @@ const ZTMetaType& registerReference(const ObjectReference& reference, const std:
     record->setStorage(reference.blockSize, nullptr);
     record->findClass = reference.findClass;
     record->referred = reference.referred;
-    record->resetReference = reference.reset;
+    record->refer = reference.refer;
     const ZTMetaType& type = ztMetaTypeRegistry().add(std::move(record), alias);
     warnOfTakenName(type);
     return type;

@@ -41,7 +41,8 @@ inline constexpr bool isObjectReference = refersToObject<T>();
 
 /// Gives the object to which the reference at that address refers, or null.
 using ReferredFunction = void* (*)(const void* reference);
-using ResetFunction = void (*)(void* reference);
+/// Lets the reference at that address refer to an object of the class, or to none.
+using ReferFunction = void (*)(void* reference, void* object);
 
 /// A type of references to objects of one class, and what the compiler made for it.
 struct ObjectReference {
@@ -49,7 +50,7 @@ struct ObjectReference {
     std::string_view name;
     ClassFunction findClass;
     ReferredFunction referred;
-    ResetFunction reset;
+    ReferFunction refer;
     CreateFunction create;
     DestroyFunction destroy;
     CreateDefaultFunction createDefault;
@@ -68,7 +69,10 @@ struct ReferenceFunctions {
         // The `ZTBase` stands first in every object.
         return const_cast<std::remove_const_t<Class>*>(static_cast<const T*>(reference)->get());
     }
-    static void reset(void* reference) { static_cast<T*>(reference)->reset(); }
+    static void refer(void* reference, void* object)
+    {
+        static_cast<T*>(reference)->reset(static_cast<Class*>(object));
+    }
     static void print(std::ostream& stream, const void* reference)
     {
         stream << static_cast<const void*>(referred(reference));
@@ -79,7 +83,7 @@ struct ReferenceFunctions {
                 ztTypeName<T>(),
                 objectPointer<Class*>.findClass,
                 &referred,
-                &reset,
+                &refer,
                 Functions::create(),
                 Functions::destroy(),
                 Functions::createDefault(),

@@ -543,11 +543,11 @@ template <class T>
 inline constexpr bool isDeclaredRecord = DeclaredRecord<T>;
 
 template <class T>
-inline constexpr bool isReference = false;
+inline constexpr bool isReferenceType = false;
 template <class T>
-inline constexpr bool isReference<ZTRef<T>> = true;
+inline constexpr bool isReferenceType<ZTRef<T>> = true;
 template <class T>
-inline constexpr bool isReference<ZTStrongRef<T>> = true;
+inline constexpr bool isReferenceType<ZTStrongRef<T>> = true;
 
 /// The shapes of types without parts.
 template <ZTKind::Value Kind, bool IsSigned = false, unsigned short Bits = 0>
@@ -587,7 +587,7 @@ constexpr const Shape* shapeOfClass()
 {
     if constexpr (std::is_same_v<T, std::string>)
         return &plainShape<ZTKind::Text>;
-    else if constexpr (isReference<T>)
+    else if constexpr (isReferenceType<T>)
         return &plainShape<ZTKind::Reference>;
     else if constexpr (DeclaredRecord<T>)
         return decltype(ztRecordFields(RecordOf<T>()))::shape();

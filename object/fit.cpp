@@ -1,5 +1,7 @@
 #include "fit.h"
 
+#include "../types/metatypeprivate.h"
+
 #include <zintar/base.h>
 #include <zintar/typedvalue.h>
 
@@ -59,5 +61,44 @@ Fit fitOf(const ZTVariant& value, const ZTMetaType& type, ZTVariant& converted)
     const bool fits = value.data() && converted.data() &&
                       value.type().convert(value.data(), type, converted.data());
     return fits ? Fit::Converted : Fit::None;
+}
+
+namespace
+{
+/// As a pointer, or a reference, of that type.
+ZTVariant along(const ZTVariant& value, const ZTMetaType& type)
+{
+    auto* object = ztVariantValue<ZTBase*>(value);
+    if (!isReference(type))
+        return {type, &object};
+    ZTVariant reference(type, nullptr);
+    ZTMetaTypePrivate::of(type).refer(reference.data(), object);
+    return reference;
+}
+} // namespace
+
+ZTVariant typed(Fit fit, const ZTVariant& value, const ZTMetaType& type, const ZTVariant& converted)
+{
+    switch (fit) {
+    case Fit::Exact:
+        return value;
+    case Fit::Converted:
+        return converted;
+    case Fit::AsVariant:
+        return {type, &value};
+    case Fit::None:
+        return {};
+    default:
+        return along(value, type);
+    }
+}
+
+std::optional<ZTVariant> fitted(const ZTVariant& value, const ZTMetaType& type)
+{
+    ZTVariant converted;
+    const Fit fit = fitOf(value, type, converted);
+    if (fit == Fit::None)
+        return std::nullopt;
+    return typed(fit, value, type, converted);
 }
 } // namespace zt::detail
