@@ -74,27 +74,13 @@ Own canWrite(const ZTMetaTypePrivate& type)
     return type.deserialize ? Own::No : Own::Parts;
 }
 
-/// Whether values of the type can be filled part by part.
-bool canFill(const ZTMetaTypePrivate& type)
-{
-    if (const auto* sequence = shapeAs<SequenceShape>(type))
-        return sequence->isFixed ? sequence->set != nullptr : sequence->insert && sequence->clear;
-    if (const auto* association = shapeAs<AssociationShape>(type))
-        return association->add != nullptr;
-    if (const auto* optional = shapeAs<OptionalShape>(type))
-        return optional->set != nullptr;
-    const auto* record = shapeAs<RecordShape>(type);
-    return record && std::all_of(record->fields, record->fields + record->count,
-                                 [](const RecordField& field) { return field.set; });
-}
-
 Own canRead(const ZTMetaTypePrivate& type)
 {
     if (!type.createDefault)
         return Own::No;
     if (type.deserialize)
         return Own::Yes;
-    return type.serialize || !canFill(type) || !type.shape->move ? Own::No : Own::Parts;
+    return type.serialize || !type.shape || !type.shape->canFill ? Own::No : Own::Parts;
 }
 
 Own canPrint(const ZTMetaTypePrivate& type)

@@ -28,12 +28,14 @@ namespace zt::detail
 {
 inline const bool containerFormsAreInUse = (useContainerForms(), true);
 
-/// Whether the parts have a form on the stream, too. `Test` asks a type that is no container.
+/// Whether the parts have a form on the stream, too.
 template <template <class> class Test, class T, class... Outer>
 constexpr bool streams()
 {
-    if constexpr ((std::is_same_v<T, Outer> || ...) || Test<T>::value) {
+    if constexpr ((std::is_same_v<T, Outer> || ...) || Test<T>::alone) {
         return true;
+    } else if constexpr (!Test<T>::byParts()) {
+        return false;
     } else if constexpr (DeclaredRecord<T>) {
         return decltype(ztRecordFields(RecordOf<T>()))::template stream<Test, T, Outer...>();
     } else if constexpr (!ContainerLike<T>) {
@@ -49,10 +51,24 @@ constexpr bool streams()
     }
 }
 
+// What a type can do alone, and whether it could by its parts.
+
 template <class T>
-using IsWrittenAlone = std::bool_constant<TypeFunctions<Canonical<T>>::serialize() != nullptr>;
+struct IsWritten {
+    static constexpr bool alone = TypeFunctions<Canonical<T>>::isWritten;
+    static constexpr bool byParts() { return true; }
+};
 template <class T>
-using IsReadAlone = std::bool_constant<TypeFunctions<Canonical<T>>::deserialize() != nullptr>;
+struct IsRead {
+    static constexpr bool alone = TypeFunctions<Canonical<T>>::isRead;
+    static constexpr bool byParts()
+    {
+        if constexpr (DeclaredRecord<T> || ContainerLike<T>)
+            return shapeOf<T>()->canFill;
+        else
+            return false;
+    }
+};
 } // namespace zt::detail
 
 /// Writes the container element by element. Cost: a call through a pointer for each.
@@ -60,7 +76,7 @@ template <std::derived_from<ZTDataStream> Stream, zt::detail::ContainerLike T>
     requires(!zt::detail::OwnInsertion<T>)
 ZTDataStream& operator<<(Stream& stream, const T& container)
 {
-    constexpr bool streams = zt::detail::streams<zt::detail::IsWrittenAlone, T>();
+    constexpr bool streams = zt::detail::streams<zt::detail::IsWritten, T>();
     static_assert(streams, "A container is written element by element, and one of what is in it "
                            "has no operator<< on ZTDataStream.");
     if constexpr (streams)
@@ -75,7 +91,7 @@ template <std::derived_from<ZTDataStream> Stream, zt::detail::ContainerLike T>
     requires(!zt::detail::OwnExtraction<T>)
 ZTDataStream& operator>>(Stream& stream, T& container)
 {
-    constexpr bool streams = zt::detail::streams<zt::detail::IsReadAlone, T>();
+    constexpr bool streams = zt::detail::streams<zt::detail::IsRead, T>();
     static_assert(streams, "A container is read element by element, and one of what is in it has "
                            "no operator>> on ZTDataStream, or no default value.");
     if constexpr (streams)

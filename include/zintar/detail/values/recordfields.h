@@ -55,10 +55,8 @@ template <class Fields>
 inline constexpr auto fieldList = Fields::list();
 template <class Fields>
 inline constexpr RecordShape recordShape{
-    {{ZTKind::Record}, moveFunction<typename Fields::Record>()},
-    fieldList<Fields>.fields,
-    Fields::count,
-    true};
+    shapeOfKind<typename Fields::Record>(ZTKind::Record, Fields::canSetAll()),
+    fieldList<Fields>.fields, Fields::count, true};
 
 template <class T, class Names, auto... Members>
 struct RecordFields {
@@ -76,6 +74,7 @@ struct RecordFields {
         std::size_t place = 0;
         return {{FieldFunctions<T, Members>::field(nameInList(Names::text(), place++))...}};
     }
+    static constexpr bool canSetAll() { return (FieldFunctions<T, Members>::canSet && ...); }
     static constexpr const Shape* shape()
     {
         if constexpr (isPlain && isListed && areFields && !hasArray && areUnique)

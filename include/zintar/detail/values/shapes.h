@@ -42,6 +42,8 @@ struct Shape {
     ZTKind kind;
     /// Moves a value over another one; null where the type has no assignment.
     void (*move)(void* target, void* source) = nullptr;
+    /// Whether a default value can be made and filled part by part.
+    bool canFill = false;
 };
 
 // In what follows a `void*` to a value that is put somewhere is one of the type that the element
@@ -248,6 +250,15 @@ concept PairLike = requires(T& pair)
 &&Element<std::remove_const_t<typename T::first_type>>&&
     Element<std::remove_const_t<typename T::second_type>>;
 
+/// What any shape begins with.
+template <class T>
+constexpr Shape shapeOfKind(ZTKind::Value kind, bool canFillParts)
+{
+    return {{kind},
+            moveFunction<T>(),
+            canFillParts && std::is_default_constructible_v<T> && std::is_move_assignable_v<T>};
+}
+
 template <class T>
 struct Walk {
     using Iterator = IteratorOf<T>;
@@ -272,7 +283,7 @@ struct Walk {
         if constexpr (requires { iterator + std::ptrdiff_t(); }) {
             return iterator + static_cast<std::ptrdiff_t>(index);
         } else {
-            if (index == container.size())
+            if (index == static_cast<std::size_t>(container.size()))
                 return container.end();
             for (; index > 0; --index)
                 ++iterator;
@@ -351,6 +362,8 @@ struct SequenceFunctions : Walk<T> {
             } -> std::convertible_to<const E*>;
     };
 
+    static constexpr bool canFill = IsTuple<T> ? canSet : canInsert && canErase;
+
     static constexpr auto insertFunction() -> void (*)(void*, std::size_t, void*)
     {
         if constexpr (!canInsert)
@@ -370,8 +383,7 @@ struct SequenceFunctions : Walk<T> {
     static constexpr SequenceShape shape()
     {
         SequenceShape made{};
-        made.kind = {ZTKind::Sequence};
-        made.move = moveFunction<T>();
+        static_cast<Shape&>(made) = shapeOfKind<T>(ZTKind::Sequence, canFill);
         made.elementType = &::ztMetaType<Known>;
         made.stride = isInRow ? sizeof(E) : 0;
         made.hasPositions = !isSet;
@@ -448,8 +460,7 @@ struct AssociationFunctions : Walk<T> {
     static constexpr AssociationShape shape()
     {
         AssociationShape made{};
-        made.kind = {ZTKind::Association};
-        made.move = moveFunction<T>();
+        static_cast<Shape&>(made) = shapeOfKind<T>(ZTKind::Association, canChange);
         made.keyType = &::ztMetaType<Canonical<Key>>;
         made.valueType = &::ztMetaType<Canonical<Value>>;
         made.size = &Walk<T>::size;
@@ -484,8 +495,7 @@ struct OptionalFunctions {
     static constexpr OptionalShape shape()
     {
         OptionalShape made{};
-        made.kind = {ZTKind::Optional};
-        made.move = moveFunction<T>();
+        static_cast<Shape&>(made) = shapeOfKind<T>(ZTKind::Optional, std::is_assignable_v<T&, V>);
         made.valueType = &::ztMetaType<Canonical<V>>;
         made.get = &get;
         if constexpr (std::is_assignable_v<T&, V>)
@@ -500,6 +510,7 @@ template <class T, auto Member>
 struct FieldFunctions {
     using Declared = std::remove_reference_t<decltype(std::declval<T&>().*Member)>;
     using F = std::remove_const_t<Declared>;
+    static constexpr bool canSet = std::is_assignable_v<Declared&, F>;
 
     static const void* get(const void* record, Scratch& scratch)
     {
@@ -512,7 +523,7 @@ struct FieldFunctions {
     static constexpr RecordField field(std::string_view name)
     {
         RecordField made{name, &::ztMetaType<Canonical<F>>, &get, nullptr};
-        if constexpr (std::is_assignable_v<Declared&, F>)
+        if constexpr (canSet)
             made.set = &set;
         return made;
     }
@@ -520,11 +531,13 @@ struct FieldFunctions {
 
 template <class T>
 struct PairFunctions {
-    static constexpr RecordField fields[] = {FieldFunctions<T, &T::first>::field("first"),
-                                             FieldFunctions<T, &T::second>::field("second")};
+    using First = FieldFunctions<T, &T::first>;
+    using Second = FieldFunctions<T, &T::second>;
+
+    static constexpr RecordField fields[] = {First::field("first"), Second::field("second")};
     static constexpr RecordShape shape()
     {
-        return {{{ZTKind::Record}, moveFunction<T>()}, fields, 2, false};
+        return {shapeOfKind<T>(ZTKind::Record, First::canSet && Second::canSet), fields, 2, false};
     }
 };
 
@@ -579,7 +592,7 @@ inline constexpr RecordShape pairShape = PairFunctions<T>::shape();
 
 /// Whether the type is a container to the library, by what it can do.
 template <class T>
-concept ContainerLike = !DeclaredRecord<T> && isCopyable<T> &&
+concept ContainerLike = std::is_class_v<T> && !DeclaredRecord<T> && isCopyable<T> &&
                         (SequenceLike<T> || AssociationLike<T> || OptionalLike<T> || PairLike<T>);
 
 template <class T>

@@ -209,18 +209,21 @@ struct TypeFunctions {
         else
             return nullptr;
     }
+    static constexpr bool isWritten = std::is_pointer_v<T> || std::is_enum_v<T> || OwnInsertion<T>;
+    // What is read goes into a default value.
+    static constexpr bool isRead = !std::is_pointer_v<T> && std::is_default_constructible_v<T> &&
+                                   (std::is_enum_v<T> || OwnExtraction<T>);
+
     static constexpr SerializeFunction serialize()
     {
-        if constexpr (std::is_pointer_v<T> || std::is_enum_v<T> || OwnInsertion<T>)
+        if constexpr (isWritten)
             return &write;
         else
             return nullptr;
     }
     static constexpr DeserializeFunction deserialize()
     {
-        // What is read goes into a default value.
-        if constexpr (!std::is_pointer_v<T> && std::is_default_constructible_v<T> &&
-                      (std::is_enum_v<T> || OwnExtraction<T>))
+        if constexpr (isRead)
             return &read;
         else
             return nullptr;
