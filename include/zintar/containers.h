@@ -3,6 +3,7 @@
 #include <zintar/datastream.h>
 #include <zintar/detail/values/containerforms.h>
 #include <zintar/detail/values/typefunctions.h>
+#include <zintar/integers.h>
 #include <zintar/metatypeof.h>
 
 #include <concepts>
@@ -13,14 +14,12 @@
 /// sequences, associations, optionals and pairs, however deep. `docs/formats.md` has the bytes.
 ///
 ///     stream << std::vector<std::string>{"hall", "porch"};
-///     std::cout << ZTVariant(std::map<std::string, int>{{"hall", 3}}); // ZTVariant(..., {"hall":
-///     3})
+///     std::cout << ZTVariant(std::map<int, bool>{{1, true}}); // ZTVariant(..., {1: 1})
 ///
 /// The operators serve the containers themselves. Beyond that this header, once a single file of a
 /// process includes it, gives a form to every variant that holds such a container, wherever its
 /// type was registered; so `zintar.h` leaves it out. Operators that a host has for a container come
-/// first. What may be an element: whatever streams or prints by itself, in a variant or as a
-/// record.
+/// first. An element may be whatever streams or prints in a variant, and any record.
 ///
 /// Threads: as those of the stream.
 
@@ -55,7 +54,9 @@ constexpr bool streams()
 
 template <class T>
 struct IsWritten {
-    static constexpr bool alone = TypeFunctions<Canonical<T>>::isWritten;
+    // That one has no form, though it passes as the integer that it holds.
+    static constexpr bool alone =
+        TypeFunctions<Canonical<T>>::isWritten && !std::is_same_v<T, ZTULong>;
     static constexpr bool byParts() { return true; }
 };
 template <class T>
