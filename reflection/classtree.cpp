@@ -1,3 +1,5 @@
+#include "../types/metatypeprivate.h"
+
 #include <zintar/metaclass.h>
 #include <zintar/typedvalue.h>
 
@@ -22,7 +24,9 @@ bool classTreeSettles(const ZTMetaType& from, const ZTMetaType& to, bool& yields
 
 bool can_convert_meta_class(const ZTMetaType& from, const ZTMetaType& to, bool& yieldsNull)
 {
-    return !isReference(from) && !isReference(to) && classTreeSettles(from, to, yieldsNull);
+    const bool arePointers =
+        !ZTMetaTypePrivate::of(from).referred && !ZTMetaTypePrivate::of(to).referred;
+    return arePointers && classTreeSettles(from, to, yieldsNull);
 }
 
 bool comesAlongClassTree(const ZTMetaType& from, const ZTMetaType& to)

@@ -111,11 +111,6 @@ struct ZTMetaTypePrivate {
     /// Null until somebody asks, where `findClass` is set.
     std::atomic<const ZTMetaClass*> metaClass;
     zt::detail::ClassFunction findClass = nullptr;
-    /// What values consist of; null for a type that keeps it to itself.
-    const zt::detail::Shape* shape = nullptr;
-    /// Set in the types of references to objects, and in no other.
-    zt::detail::ReferredFunction referred = nullptr;
-    zt::detail::ReferFunction refer = nullptr;
     zt::detail::CreateFunction create;
     zt::detail::DestroyFunction destroy;
     zt::detail::CreateDefaultFunction createDefault;
@@ -134,6 +129,11 @@ struct ZTMetaTypePrivate {
     static constexpr std::size_t plainBlock = 8;
     std::atomic<const ZTMetaTypeName*> aliases = nullptr;
     zt::detail::PublishedIndex<ZTConverter> convertersTo;
+    /// What values consist of; null for a type that keeps it to itself.
+    const zt::detail::Shape* shape = nullptr;
+    /// Set in the types of references to objects, and in no other.
+    zt::detail::ReferredFunction referred = nullptr;
+    zt::detail::ReferFunction refer = nullptr;
 };
 
 /// The process-wide tables.

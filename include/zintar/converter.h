@@ -8,7 +8,9 @@
 ///     ztRegisterConverter([](int whole) { return double(whole); });
 ///     ztRegisterConverter([](const std::string& text) -> std::optional<int> { ... });
 ///
-/// The types are those of its one parameter and of its result. The opposite direction is another
+/// The types are those of its one parameter and of its result; a parameter that is a
+/// `std::string_view` or a `const char*` takes a `std::string`. A result without a default value is
+/// retrieved as a `std::optional` of its type. The opposite direction is another
 /// converter, and nothing is chained through a third type.
 /// @param converter  without captures; one that gives a `std::optional` refuses a value by an empty
 ///                   one, and the retrieval gives a default value with a line in the log

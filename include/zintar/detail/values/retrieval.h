@@ -168,8 +168,8 @@ template <class T>
     if (const Value* held = heldAs<Value>(variant))
         return {static_cast<Result>(*held), true};
     if constexpr (isTextView<Value>) {
-        if (const auto* text = heldAs<std::string>(variant))
-            return {textOf<Value>(*text), true};
+        if (&variant.type() == &::ztMetaType<std::string>() && variant.data())
+            return {textOf<Value>(*static_cast<const std::string*>(variant.data())), true};
     }
     if constexpr (!std::is_void_v<typename OptionalValue<Value>::type>) {
         Value value;
