@@ -33,13 +33,21 @@
         zt::event<&Self::ofTheSensorChanged##n>(), zt::method<&Self::resetTheSensor##n>(),         \
         zt::property<&Self::theSensorIsIdle##n>(), zt::property<&Self::theLevelOfTheSensor##n>(),
 
-class Panel : public ZTBase
+/// A base that is no object class, whose member gets its functions with the list.
+struct Part {
+    double weight = 0;
+};
+
+class Panel : public ZTBase, public Part
 {
     ZT_OBJECT(Panel, ZTBase)
 public:
     HUNDRED(DEFINE)
 
 private:
-    static constexpr auto members() { return zt::members(HUNDRED(LIST) zt::info("size", "500")); }
+    static constexpr auto members()
+    {
+        return zt::members(HUNDRED(LIST) zt::property<&Self::weight>());
+    }
 };
 ZT_CLASS(Panel)

@@ -4,6 +4,7 @@
 #include <zintar/detail/declare/functions.h>
 #include <zintar/detail/declare/record.h>
 
+#include <initializer_list>
 #include <type_traits>
 #include <utility>
 
@@ -15,6 +16,16 @@ namespace zt::detail
 {
 template <class... Bindings>
 struct BindingList {};
+
+// Arrays and no folds where there is one for each member: compilers nest these.
+
+constexpr bool areAllTrue(std::initializer_list<bool> answers)
+{
+    for (bool answer : answers)
+        if (!answer)
+            return false;
+    return true;
+}
 
 template <class Member>
 inline constexpr bool isForeign = false;
@@ -150,7 +161,7 @@ constexpr bool canBind()
 template <class C, class... Bindings>
 constexpr bool canBindAll(BindingList<Bindings...>)
 {
-    return (canBind<C, Bindings>() && ...);
+    return areAllTrue({canBind<C, Bindings>()...});
 }
 
 template <class C, class Binding>
@@ -165,7 +176,7 @@ template <class C, class Members, class... Bindings>
 constexpr Members bound(Members members, BindingList<Bindings...>)
 {
     [[maybe_unused]] auto* record = members.data();
-    (bindOne<C, Bindings>(*record++), ...);
+    [[maybe_unused]] const bool done[] = {true, (bindOne<C, Bindings>(*record++), true)...};
     return members;
 }
 } // namespace zt::detail

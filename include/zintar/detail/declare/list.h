@@ -23,14 +23,6 @@ constexpr std::size_t sumOf(std::initializer_list<std::size_t> numbers)
     return sum;
 }
 
-constexpr bool areAllTrue(std::initializer_list<bool> answers)
-{
-    for (bool answer : answers)
-        if (!answer)
-            return false;
-    return true;
-}
-
 /// The list that `zt::members` gives.
 ///
 /// A list may be long. What is asked of all its members together goes by hashes, since each name
