@@ -18,7 +18,8 @@ struct Trap {
     Trap(const Trap&) = default;
     Trap& operator=(const Trap& other)
     {
-        resource = other.resource;
+        auto taken = other.resource;
+        resource.swap(taken);
         delete std::exchange(victim, nullptr);
         return *this;
     }
@@ -43,19 +44,22 @@ public:
     void brightnessChanged(double value) { sendEvent<&Self::brightnessChanged>(value); }
     void labelChanged(const std::string& value) { sendEvent<&Self::labelChanged>(value); }
     void changed() { sendEvent<&Self::changed>(); }
+    void moved(int from, int to) { sendEvent<&Self::moved>(from, to); }
 
     double brightness = 0;
     std::string label;
     NotEqual part;
     Trap trap;
     int before = 5;
+    int place = 0;
 
 private:
     static constexpr auto members()
     {
         return zt::members(
             zt::event<&Self::brightnessChanged>(), zt::event<&Self::labelChanged>(),
-            zt::event<&Self::changed>(),
+            zt::event<&Self::changed>(), zt::event<&Self::moved>(),
+            zt::property<&Self::place>().notify<&Self::moved>(),
             zt::property<&Self::brightness>().notify<&Self::brightnessChanged>(),
             zt::property<&Self::label>().info("a", "b").notify<&Self::labelChanged>(),
             zt::property<&Self::part>().notify<&Self::changed>(),
@@ -129,6 +133,9 @@ TEST(DataMember, AnnouncesThatASetChangesIt)
     lamp.setProperty("part", NotEqual{1});
     lamp.setProperty("part", NotEqual{1});
     EXPECT_EQ(changes, 2) << "what cannot be compared is always told";
+    ZTBase::subscribe(&lamp, &Lamp::moved, &lamp, [] { FAIL() << "up to the host"; });
+    lamp.setProperty("place", 3);
+    EXPECT_EQ(lamp.place, 3) << "an event that takes something else is named only";
     EXPECT_NE(support::logOf([&] { lamp.setProperty("brightness", "dark"); }), "");
     EXPECT_EQ(heard.size(), 2U) << "what does not fit changes nothing";
 }

@@ -142,7 +142,7 @@ struct PropertyBinding {
     static constexpr void bind(MemberRecord& record)
     {
         record.property.getter = &getIn<C, Getter>;
-        if constexpr (!std::is_null_pointer_v<decltype(Event)>)
+        if constexpr (!std::is_null_pointer_v<decltype(Event)> && hasMember<C, Event>())
             record.property.setter = &setAndNotify<C, Setter, Event>;
         else if constexpr (!std::is_null_pointer_v<decltype(Setter)>)
             record.property.setter = &setIn<C, Setter>;

@@ -261,15 +261,12 @@ struct PropertyEntry : ListedMember<InfoCount> {
         return named;
     }
 
-    /// Names the event that announces a change of the property. Raising it is the setter's part; a
-    /// data member raises it when it is set to another value.
+    /// Names the event that announces a change of the property. Raising it is the setter's part. A
+    /// data member raises one that takes its value or nothing when it is set to another value.
     template <auto Event>
     constexpr auto notify() const
     {
-        constexpr bool isAnnounced = canAnnounce<Field, Event>();
-        static_assert(isAnnounced, "notify<...>(): the change event of a data member takes its "
-                                   "value, or nothing.");
-        if constexpr (!isAnnounced || std::is_null_pointer_v<decltype(Field)>) {
+        if constexpr (!canAnnounce<Field, Event>()) {
             return linkedTo<Event>(*this);
         } else if constexpr (std::is_void_v<Binding>) {
             PropertyEntry linked = linkedTo<Event>(*this);

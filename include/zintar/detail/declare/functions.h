@@ -109,22 +109,25 @@ ZTVariant setProperty(const ZTVariant& object, const ZTVariant& value)
         return setField(object, value, source, asRootMember<Setter>());
 }
 
-/// Whether a change of the data member can be announced by the event, which takes the value or
-/// nothing. What is no event is left to the check that finds it.
+/// Whether the event takes what there is to tell of a change: the value of the data member, or
+/// nothing.
+/// @tparam Field  null where the property is no data member that can be set
 template <auto Field, auto Event>
 constexpr bool canAnnounce()
 {
-    if constexpr (std::is_null_pointer_v<decltype(Field)>) {
-        return true;
-    } else if constexpr (!HasTraits<std::remove_cv_t<decltype(Event)>>) {
-        return true;
+    using Announced = std::remove_cv_t<decltype(Event)>;
+    constexpr bool isField = !std::is_null_pointer_v<decltype(Field)>;
+    if constexpr (isField && std::is_member_function_pointer_v<Announced> && HasTraits<Announced>) {
+        using FieldTraits = MemberTraits<std::remove_cv_t<decltype(Field)>>;
+        using Class = typename FieldTraits::Class;
+        using EventClass = typename MemberTraits<Announced>::Class;
+        using Params = typename MemberTraits<Announced>::Params;
+        constexpr bool areRelated = !isObjectClass<Class> || std::is_base_of_v<Class, EventClass> ||
+                                    std::is_base_of_v<EventClass, Class>;
+        return areRelated && Params::count <= 1 &&
+               Params::lead(Parameters<typename FieldTraits::Result>());
     } else {
-        using Traits = MemberTraits<std::remove_cv_t<decltype(Event)>>;
-        using Value = typename MemberTraits<std::remove_cv_t<decltype(Field)>>::Result;
-        if constexpr (!Traits::isFunction)
-            return true;
-        else
-            return Traits::Params::count <= 1 && Traits::Params::lead(Parameters<Value>());
+        return false;
     }
 }
 
@@ -148,23 +151,18 @@ ZTVariant setAndNotify(const ZTVariant& object, const ZTVariant& value)
 {
     using Value = typename MemberTraits<decltype(Field)>::Result;
     using Traits = MemberTraits<decltype(Event)>;
-    if constexpr (!Traits::isFunction) {
-        return {}; // which the checks refuse
-    } else {
-        return storeUnboxed<Value>(object, value, objectSource<Object>,
-                                   [](ZTBase& base, const Held<Value>& held) {
-                                       auto& self = static_cast<Object&>(base);
-                                       auto given = static_cast<Value>(held);
-                                       // What compares and assigns may be code of the host that
-                                       // ends the object.
-                                       const ZTLifeWatch watch(&base);
-                                       if constexpr (hasEquality<Value>)
-                                           if (self.*Field == given || !watch.isStill(&base))
-                                               return;
-                                       self.*Field = std::move(given);
-                                       if (watch.isStill(&base))
-                                           announce<Event>(self, typename Traits::Params(), held);
-                                   });
-    }
+    const auto setIn = [](ZTBase& base, const Held<Value>& held) {
+        auto& self = static_cast<Object&>(base);
+        auto given = static_cast<Value>(held);
+        // What compares and assigns may be code of the host that ends the object.
+        const ZTLifeWatch watch(&base);
+        if constexpr (hasEquality<Value>)
+            if (self.*Field == given || !watch.isStill(&base))
+                return;
+        self.*Field = std::move(given);
+        if (watch.isStill(&base))
+            announce<Event>(self, typename Traits::Params(), held);
+    };
+    return storeUnboxed<Value>(object, value, objectSource<Object>, setIn);
 }
 } // namespace zt::detail
