@@ -18,8 +18,8 @@ struct Trap {
     Trap(const Trap&) = default;
     Trap& operator=(const Trap& other)
     {
-        auto taken = other.resource;
-        resource.swap(taken);
+        if (this != &other)
+            resource = other.resource;
         delete std::exchange(victim, nullptr);
         return *this;
     }
