@@ -123,7 +123,8 @@ ZTClassReading::finish(const ZTKnownClasses& known, const ZTClassStore::Prepare&
             record.builder->setSuperClass(known(record.superName));
         if (prepare)
             prepare(*record.builder);
-        classes.emplace_back(record.builder->toMetaClass());
+        std::unique_ptr<ZTMetaClass> made(record.builder->toMetaClass());
+        classes.push_back(std::move(made));
         finished[number] = classes.back().get();
     }
     return classes;

@@ -7,6 +7,7 @@
 #include <zintar/classstore.h>
 
 #include "../reflection/classlist.h"
+#include "../stream/datastreamprivate.h"
 #include "classreading.h"
 
 #include <zintar/log.h>
@@ -195,14 +196,18 @@ bool readInto(ZTClassStorePrivate& store, ZTDataStream& stream, std::optional<st
         const ZTMetaClass* found = store.find(name);
         return found ? found : zt::detail::declaredClassNamed(name);
     };
-    ZTClassReading reading;
-    reading.read(stream, count);
-    if (reading.isGood())
-        reading.order(known);
-    if (reading.isGood())
-        return store.addAll(reading.finish(known, prepare));
-    warn("takes no class of the stream: " + reading.fault);
-    return false;
+    bool isTaken = false;
+    zt::detail::readWhole(stream, [&] {
+        ZTClassReading reading;
+        reading.read(stream, count);
+        if (reading.isGood())
+            reading.order(known);
+        if (reading.isGood())
+            isTaken = store.addAll(reading.finish(known, prepare));
+        else
+            warn("takes no class of the stream: " + reading.fault);
+    });
+    return isTaken;
 }
 } // namespace
 
@@ -218,6 +223,8 @@ bool ZTClassStore::read(ZTDataStream& stream, std::size_t count, const Prepare& 
 
 void ZTClassStore::write(ZTDataStream& stream) const
 {
-    for (const auto& one : priv->classes)
-        stream << *one;
+    zt::detail::writeWhole(stream, [&](ZTDataStream& target) {
+        for (const auto& one : priv->classes)
+            target << *one;
+    });
 }

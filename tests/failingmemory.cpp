@@ -572,6 +572,82 @@ TEST_F(FailingMemory, RunTimeClasses)
 }
 // clang-format on
 
+// Classes by name, and objects of them.
+
+class Sheet : public ZTDynamicBase
+{
+    ZT_OBJECT(Sheet, ZTDynamicBase)
+public:
+    Sheet() = default;
+    explicit Sheet(const std::string& title) { setProperty("title", title, true); }
+
+private:
+    static constexpr auto members() { return zt::members(zt::constructor<std::string>()); }
+};
+ZT_CLASS(Sheet)
+
+/// A store with a class and an object of it, and a stream with two more.
+struct Office {
+    Office()
+    {
+        build("Form", &Sheet::typeMetaClass());
+        store.add(builder);
+        form = ztCreate(*store.find("Form"));
+        {
+            ZTClassStore other;
+            build("Letter", &Sheet::typeMetaClass());
+            const ZTMetaClass* letter = other.add(builder);
+            build("Card", letter);
+            other.add(builder);
+            other.write(stream);
+        }
+        build("Bill", store.find("Form"));
+    }
+    void build(const char* name, const ZTMetaClass* super)
+    {
+        builder.setTypeName(name);
+        builder.setSuperClass(super);
+        while (builder.propertyCount() > 0)
+            builder.removeProperty(0);
+        while (builder.invokableCount() > 0)
+            builder.removeInvokable(0);
+        builder.addStoredProperty("sender", longText);
+    }
+    std::string describe() const
+    {
+        std::string text = textOf(form->property("sender")) + " " +
+                           std::to_string(room.children().size()) + " " +
+                           std::to_string(written.data().size()) + " " +
+                           std::to_string(builder.propertyCount() + builder.invokableCount());
+        for (const ZTMetaClass* one : store.classes())
+            text.append(" ").append(one->typeName()).append(ztClass(one->typeName()) ? "" : "!");
+        return text;
+    }
+
+    ZTMetaClassBuilder builder;
+    ZTClassStore store;
+    ZTDataStream stream, written;
+    ZTBase room;
+    std::unique_ptr<ZTBase> form;
+};
+
+// clang-format off
+TEST_F(FailingMemory, ClassesAndObjectsByName)
+{
+    tryAll<Office>({
+        {"create", [](Office& s) { ztCreate(Sheet::typeMetaClass(), &s.room); }},
+        {"create from a text", [](Office& s) { ztCreate(Sheet::typeMetaClass(), &s.room, longText); }},
+        {"create of a class made at run time", [](Office& s) { ztCreate(*s.store.find("Form"), &s.room); }},
+        {"make", [](Office& s) { ztMake<Sheet>(&s.room, longText); }},
+        {"add", [](Office& s) { s.store.add(s.builder); }},
+        {"read", [](Office& s) { s.store.read(s.stream); }},
+        {"write", [](Office& s) { s.store.write(s.written); }},
+        {"add a stored property", [](Office& s) { s.builder.addStoredProperty("copy", longText); }},
+        {"set a stored property", [](Office& s) { s.form->setProperty("sender", otherText); }},
+    });
+}
+// clang-format on
+
 // What is registered.
 
 template <std::size_t>
