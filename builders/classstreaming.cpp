@@ -341,9 +341,11 @@ ZTDataStream& operator<<(ZTDataStream& stream, const ZTMetaClass& metaClass)
 void zt::detail::readClassRecord(ZTDataStream& stream, ZTDynamicMetaClass& metaClass,
                                  std::string& superName)
 {
+    const Classes none; // it is asked for no super class
+    Names names(none, false);
     readWhole(stream, [&] {
         if (readAll(stream, metaClass.m_typeName, superName))
-            readMembers(stream, metaClass);
+            readMembers(stream, metaClass, names);
     });
 }
 
