@@ -54,8 +54,8 @@ private:
             zt::event<&Self::brightnessChanged>(), zt::event<&Self::modeChanged>(),
             zt::property<&Self::name>(),
             zt::property<&Self::brightness>().notify<&Self::brightnessChanged>(),
-            zt::property<&Self::mode>().notify<&Self::modeChanged>(),
-            zt::property<&Self::colour>(), zt::property<&Self::hours>().info("unit", "h"),
+            zt::property<&Self::mode>().notify<&Self::modeChanged>(), zt::property<&Self::colour>(),
+            zt::property<&Self::hours>().info("unit", "h"),
             zt::method<&Self::burn>().parameters("hours").defaults(1));
     }
     int m_hours = 0;
@@ -71,8 +71,8 @@ public:
     void press()
     {
         if (lamp)
-            lamp->setProperty("mode", lamp->mode == Lamp::Mode::Off ? Lamp::Mode::Warm
-                                                                    : Lamp::Mode::Off);
+            lamp->setProperty("mode",
+                              lamp->mode == Lamp::Mode::Off ? Lamp::Mode::Warm : Lamp::Mode::Off);
     }
 
 private:

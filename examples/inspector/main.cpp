@@ -81,11 +81,10 @@ private:
     void follow(ZTBase* object, const ZTMetaProperty& property)
     {
         if (property.changeEvent())
-            subscribe(object, property.changeEvent(), this,
-                      [object, &property](const ZTArgumentArray&) {
-                          tell(pathOf(object) + "." + std::string(property.name()),
-                               property.get(object));
-                      });
+            subscribe(
+                object, property.changeEvent(), this, [object, &property](const ZTArgumentArray&) {
+                    tell(pathOf(object) + "." + std::string(property.name()), property.get(object));
+                });
     }
 };
 
@@ -127,8 +126,8 @@ private:
         words >> name >> std::ws;
         std::getline(words, text);
         const ZTMetaProperty* property = object.metaClass()->property(name);
-        const ZTVariant value = property ? valueOf(text, property->metaType(), m_root)
-                                         : ZTVariant(text);
+        const ZTVariant value =
+            property ? valueOf(text, property->metaType(), m_root) : ZTVariant(text);
         if (auto outcome = ztTrySet(&object, name, value); !outcome)
             std::cout << outcome.error() << "\n";
     }

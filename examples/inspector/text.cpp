@@ -8,9 +8,9 @@ std::string fieldsOf(const ZTVariant& value)
 {
     const ZTRecordView record(value);
     std::string text;
-    for (unsigned int i = 0; i < record.size(); ++i)
-        text += (text.empty() ? "" : ", ") + std::string(record.name(i)) + " " +
-                textOf(record.value(i));
+    for (std::size_t i = 0; i < record.count(); ++i)
+        text +=
+            (text.empty() ? "" : ", ") + std::string(record.name(i)) + " " + textOf(record.at(i));
     return "(" + text + ")";
 }
 } // namespace
