@@ -124,6 +124,8 @@ TEST(Enumeration, TellsFlagsTogether)
 {
     const ZTMetaEnum& access = enumerationOf(ztMetaType<Access>());
     EXPECT_TRUE(access.isFlags());
+    EXPECT_EQ(ztKind(ztMetaType<Access>()), ZTKind::Flags);
+    EXPECT_EQ(ztKind(ztMetaType<Mode>()), ZTKind::Enumeration);
     EXPECT_EQ(access.valueOf("Read|Run"), 5);
     EXPECT_EQ(access.valueOf(" Run | Edit "), 7);
     EXPECT_EQ(access.valueOf(""), 0);

@@ -304,4 +304,6 @@ ZTPartialOrdering compareParts(const ZTMetaTypePrivate& type, const void* left, 
 }
 
 void useContainerForms() { containersHaveForms.store(true, std::memory_order_relaxed); }
+
+const Shape* shapeOfType(const ZTMetaType& type) { return ZTMetaTypePrivate::of(type).shape; }
 } // namespace zt::detail

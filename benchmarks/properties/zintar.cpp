@@ -38,6 +38,36 @@ void byName(benchmark::State& state)
 }
 BENCHMARK(byName)->Name("property_by_name/zintar");
 
+/// Calls with each name, and a value that differs from the last.
+template <class Set>
+void setEach(benchmark::State& state, Set set)
+{
+    TextField field;
+    int value = 0;
+    measure(state, [&] {
+        for (const std::string& name : propertyNames)
+            set(field, name, ++value);
+    });
+}
+
+void setPlainly(benchmark::State& state)
+{
+    setEach(state, [](TextField& field, const std::string& name, int value) {
+        bool isKnown = field.setProperty(name, value);
+        benchmark::DoNotOptimize(isKnown);
+    });
+}
+BENCHMARK(setPlainly)->Name("set_by_name/zintar");
+
+void setChecked(benchmark::State& state)
+{
+    setEach(state, [](TextField& field, const std::string& name, int value) {
+        ZTOutcome<> outcome = ztTrySet(&field, name, value);
+        benchmark::DoNotOptimize(outcome);
+    });
+}
+BENCHMARK(setChecked)->Name("set_checked/zintar");
+
 void found(benchmark::State& state)
 {
     TextField field;

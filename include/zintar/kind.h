@@ -20,7 +20,7 @@ struct ZTKind {
         Floating,
         Text,          ///< `std::string`
         Enumeration,   ///< `bits` and `isSigned` are those of the underlying integer
-        Flags,         ///< an enumeration that was declared as a set of flags; the same
+        Flags,         ///< an enumeration that a class lists as flags; the same
         ObjectPointer, ///< `metaClass()` of the type tells the class
         Reference,     ///< a `ZTRef` or a `ZTStrongRef`
         Sequence,      ///< for a `ZTSequenceView`
@@ -36,5 +36,6 @@ struct ZTKind {
     constexpr operator Value() const noexcept { return value; }
 };
 
-/// Cost: a look into the record of the type. Makes no class complete.
+/// Cost: a look into the record of the type, and its enumeration if it has one. Makes no class
+/// complete.
 [[nodiscard]] ZT_EXPORT ZTKind ztKind(const ZTMetaType& type);
