@@ -93,7 +93,17 @@ ZTVariant makeDefault(const ListedDefault& listed)
         return ZTVariant(static_cast<Wanted>(static_cast<Value>(listed.integer)));
 }
 
-/// Without a function to make it where the value is outside of what the parameter holds.
+/// Whether the value is within what the parameter holds.
+/// @tparam P  the type of the parameter
+template <class P, class Value>
+constexpr bool isDefaultOf([[maybe_unused]] const Value& value)
+{
+    if constexpr (std::is_integral_v<Value> || std::is_enum_v<Value>)
+        return isIn<Held<P>>(value);
+    else
+        return true;
+}
+
 /// @tparam P  the type of the parameter
 template <class P, class Value>
 constexpr ListedDefault listDefault(const Value& value)
@@ -107,8 +117,6 @@ constexpr ListedDefault listDefault(const Value& value)
         listed.number = static_cast<double>(value);
     } else if constexpr (std::is_integral_v<Type> || std::is_enum_v<Type>) {
         listed.integer = static_cast<long long>(value);
-        if (!isIn<Held<P>>(value))
-            listed.make = nullptr;
     }
     return listed;
 }

@@ -180,9 +180,8 @@ private:
         this->defaultArguments = {
             listDefault<ParameterFromEnd<Params, DefaultCount - I>>(values)...};
         this->record.invokable.defaultCount = DefaultCount;
-        for (const ListedDefault& listed : this->defaultArguments)
-            if (!listed.make)
-                this->fault = WordFault::DefaultValue;
+        if (!areAllTrue({isDefaultOf<ParameterFromEnd<Params, DefaultCount - I>>(values)...}))
+            this->fault = WordFault::DefaultValue;
     }
 };
 
