@@ -27,9 +27,9 @@ public:
         m_object.setProperty(name, value, dynamic);
     }
 
-    void operator()(const CallMethod& call) const
+    void operator()(const ZTCheckedCall& call) const
     {
-        const ZTMetaInvokable& method = *call.method;
+        const ZTMetaInvokable& method = *call.invokable;
         m_trace.line("call " + m_action.object + "." + std::string(method.name()) +
                      m_trace.show(call.arguments, method.parameterCount()));
         Trace::Level nested(m_trace);

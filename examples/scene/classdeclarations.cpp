@@ -1,12 +1,13 @@
 #include "classdeclarations.h"
 
-#include "converters.h"
+#include "classes.h"
 #include "declaredclass.h"
 #include "fit.h"
 #include "members.h"
 #include "mistake.h"
 
-#include <zintar/typedvalue.h>
+#include <zintar/classes.h>
+#include <zintar/classstore.h>
 
 #include <algorithm>
 #include <map>
@@ -20,7 +21,7 @@ namespace
 class ClassReader
 {
 public:
-    explicit ClassReader(Classes& classes) : m_classes(classes) {}
+    explicit ClassReader(ZTClassStore& store) : m_store(store) {}
 
     void read(const std::vector<Node>& nodes)
     {
@@ -47,7 +48,7 @@ private:
         readEvents(node, builder);
         readProperties(node, builder);
         readMethods(node, builder);
-        m_classes.add(finishClass(builder, node.pointer(), m_classes));
+        m_store.add(finishClass(builder, node.pointer()));
         m_made.insert(name);
     }
 
@@ -61,15 +62,15 @@ private:
             make(super);
             m_open.pop_back();
         }
-        if (const ZTMetaClass* known = m_classes.superClass(super))
+        if (const ZTMetaClass* known = superClassNamed(super))
             return *known;
-        if (m_classes.find(super))
+        if (ztClass(super))
             throw Mistake(superNode.place(), super +
                                                  " cannot be a super class: it does not derive "
                                                  "from " +
-                                                 nameOf(*dynamicRoot().metaClass));
+                                                 "ZTDynamicBase");
         throw Mistake(superNode.place(), "unknown super class \"" + super + "\"; known are " +
-                                             listed(m_classes.superClassNames()));
+                                             namesOf(superClasses()));
     }
 
     void refuseCircle(const std::string& super, const Node& node) const
@@ -121,8 +122,7 @@ private:
                 ZTVariant start =
                     fit(described["start"], std::string(builder.typeName()) + "." + name,
                         property.metaType());
-                auto text = convert(start, ztMetaType<std::string>());
-                property.addPropInfo(startKey, ztVariantValue<std::string>(*text));
+                property.addPropInfo(startKey, textOf(start));
             }
             if (described.has("event"))
                 linkChangeEvent(described["event"], builder, property);
@@ -164,15 +164,15 @@ private:
 
     static constexpr std::size_t deepestChain = 60;
 
-    Classes& m_classes;
+    ZTClassStore& m_store;
     std::map<std::string, Node> m_waiting;
     std::set<std::string> m_made;
     std::vector<std::string> m_open; ///< waiting for their super classes
 };
 } // namespace
 
-void declareClasses(const Node& scene, Classes& classes)
+void declareClasses(const Node& scene, ZTClassStore& store)
 {
-    ClassReader(classes).read(scene.elements("classes"));
+    ClassReader(store).read(scene.elements("classes"));
 }
 } // namespace scene

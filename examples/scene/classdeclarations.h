@@ -7,5 +7,5 @@ namespace scene
 {
 /// Makes the classes that the scene file declares under "classes", in any order, and adds them.
 /// Throws the first `Mistake` that it meets.
-void declareClasses(const Node& scene, Classes& classes);
+void declareClasses(const Node& scene, ZTClassStore& store);
 } // namespace scene

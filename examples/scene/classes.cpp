@@ -3,72 +3,63 @@
 #include "members.h"
 #include "mistake.h"
 
+#include <zintar/classes.h>
+#include <zintar/dynamicbase.h>
+#include <zintar/shortname.h>
+
 namespace scene
 {
-std::unique_ptr<ZTBase> SceneClass::make() const
+namespace
 {
-    return metaClass == host->metaClass ? host->make() : host->makeAs(*metaClass);
+const ZTMetaClass& root() { return ZTDynamicBase::typeMetaClass(); }
+
+bool canBeSuperClass(const ZTMetaClass* metaClass)
+{
+    while (metaClass && metaClass != &root())
+        metaClass = metaClass->superClass();
+    return metaClass;
 }
 
-Classes::Classes()
+const ZTMetaClass* named(const std::vector<const ZTMetaClass*>& classes, std::string_view name)
 {
-    for (const Factory& factory : factories())
-        m_all.push_back({factory.metaClass, &factory});
-}
-
-const SceneClass* Classes::find(std::string_view name) const
-{
-    for (const SceneClass& known : m_all)
-        if (nameOf(*known.metaClass) == name)
-            return &known;
+    for (const ZTMetaClass* known : classes)
+        if (ztShortName(*known) == name)
+            return known;
     return nullptr;
 }
+} // namespace
 
-const SceneClass& Classes::named(const std::string& name, const std::string& place) const
+std::vector<const ZTMetaClass*> sceneClasses()
 {
-    if (const SceneClass* known = find(name))
+    // No scene has an object of one of the library's own classes alone.
+    auto classes = ztClasses();
+    std::erase(classes, &ZTBase::typeMetaClass());
+    std::erase(classes, &root());
+    return classes;
+}
+
+const ZTMetaClass& classNamed(const std::string& name, const std::string& place)
+{
+    auto classes = sceneClasses();
+    if (const ZTMetaClass* known = named(classes, name))
         return *known;
+    throw Mistake(place, "unknown class \"" + name + "\"; known are " + namesOf(classes));
+}
+
+std::vector<const ZTMetaClass*> superClasses()
+{
+    auto classes = ztClasses();
+    std::erase_if(classes, [](const ZTMetaClass* known) { return !canBeSuperClass(known); });
+    return classes;
+}
+
+const ZTMetaClass* superClassNamed(std::string_view name) { return named(superClasses(), name); }
+
+std::string namesOf(const std::vector<const ZTMetaClass*>& classes)
+{
     std::vector<std::string> names;
-    for (const SceneClass& known : m_all)
-        names.push_back(nameOf(*known.metaClass));
-    throw Mistake(place, "unknown class \"" + name + "\"; known are " + listed(names));
-}
-
-std::unordered_map<std::string, const ZTMetaClass*> Classes::superClasses() const
-{
-    const ZTMetaClass* root = dynamicRoot().metaClass;
-    std::unordered_map<std::string, const ZTMetaClass*> supers{
-        {std::string(root->typeName()), root}};
-    for (const SceneClass& known : m_all)
-        if (known.host->makeAs)
-            supers.emplace(known.metaClass->typeName(), known.metaClass);
-    return supers;
-}
-
-std::vector<std::string> Classes::superClassNames() const
-{
-    std::vector<std::string> names{nameOf(*dynamicRoot().metaClass)};
-    for (const SceneClass& known : m_all)
-        if (known.host->makeAs)
-            names.push_back(nameOf(*known.metaClass));
-    return names;
-}
-
-const ZTMetaClass* Classes::superClass(std::string_view name) const
-{
-    for (const auto& [typeName, metaClass] : superClasses())
-        if (nameOf(*metaClass) == name)
-            return metaClass;
-    return nullptr;
-}
-
-void Classes::add(std::unique_ptr<ZTMetaClass> declared)
-{
-    const Factory* host = &dynamicRoot();
-    for (const SceneClass& known : m_all)
-        if (known.metaClass == declared->superClass())
-            host = known.host;
-    m_all.push_back({declared.get(), host});
-    m_declared.push_back(std::move(declared));
+    for (const ZTMetaClass* known : classes)
+        names.push_back(ztShortName(*known));
+    return listed(names);
 }
 } // namespace scene

@@ -1,51 +1,28 @@
 #pragma once
 
-#include "factories.h"
-
 #include <zintar/metaclass.h>
 
-#include <deque>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+/// @file
+/// The classes of a scene, among all that the library knows: those of the host, and those of a file
+/// as long as a `ZTClassStore` holds them.
 
 namespace scene
 {
-/// A class that an object of the scene can have.
-struct SceneClass {
-    const ZTMetaClass* metaClass;
-    /// The host's class of the same name, or the nearest one that a declared class derives from.
-    const Factory* host;
+/// Those that an object can have: the host's first, then the declared ones, each behind its super
+/// class.
+std::vector<const ZTMetaClass*> sceneClasses();
+/// The one of that name; an unknown name is a `Mistake` at the place.
+const ZTMetaClass& classNamed(const std::string& name, const std::string& place);
 
-    std::unique_ptr<ZTBase> make() const;
-};
+/// Those that a declared class can derive from.
+std::vector<const ZTMetaClass*> superClasses();
+/// Null for an unknown name.
+const ZTMetaClass* superClassNamed(std::string_view name);
 
-/// The classes of the host and those that a file declares. Must outlive the objects.
-class Classes
-{
-public:
-    Classes();
-
-    /// Null for an unknown name.
-    const SceneClass* find(std::string_view name) const;
-    /// The same; an unknown name is a `Mistake` at the place.
-    const SceneClass& named(const std::string& name, const std::string& place) const;
-    /// The host's first, then the declared ones, each behind its super class.
-    const std::deque<SceneClass>& all() const { return m_all; }
-    const std::vector<std::unique_ptr<ZTMetaClass>>& declared() const { return m_declared; }
-
-    /// The classes that a declared one can derive from, by the names that a stream has for them.
-    std::unordered_map<std::string, const ZTMetaClass*> superClasses() const;
-    /// What a file calls those classes.
-    std::vector<std::string> superClassNames() const;
-    const ZTMetaClass* superClass(std::string_view name) const;
-
-    void add(std::unique_ptr<ZTMetaClass> declared);
-
-private:
-    std::deque<SceneClass> m_all;
-    std::vector<std::unique_ptr<ZTMetaClass>> m_declared;
-};
+/// "one, two, three"
+std::string namesOf(const std::vector<const ZTMetaClass*>& classes);
 } // namespace scene

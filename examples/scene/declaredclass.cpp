@@ -1,13 +1,13 @@
 #include "declaredclass.h"
 
 #include "classes.h"
-#include "converters.h"
-#include "declaredobject.h"
 #include "fit.h"
 #include "members.h"
 #include "methodbody.h"
 #include "mistake.h"
 
+#include <zintar/checked.h>
+#include <zintar/classes.h>
 #include <zintar/typedvalue.h>
 
 #include <set>
@@ -20,59 +20,11 @@ namespace
 /// stack.
 constexpr int deepestClass = 60;
 
-DeclaredValues* valuesOf(const ZTVariant& object)
-{
-    return dynamic_cast<DeclaredValues*>(ztVariantValue<ZTBase*>(object));
-}
-
-/// A declared property as its functions see it.
-struct DeclaredProperty {
-    std::string name;
-    const ZTMetaType& type;
-    ZTVariant start;
-    int changeEvent; ///< class-wide; -1 for none
-
-    ZTVariant get(const ZTVariant& object) const
-    {
-        DeclaredValues* values = valuesOf(object);
-        if (!values)
-            return {};
-        auto found = values->values.find(name);
-        return found == values->values.end() ? start : found->second;
-    }
-
-    void set(const ZTVariant& object, const ZTVariant& value) const
-    {
-        DeclaredValues* values = valuesOf(object);
-        auto fitting = convert(value, type);
-        if (!values || !fitting)
-            return;
-        ZTVariant before = get(object);
-        values->values[name] = *fitting;
-        bool changes =
-            type.compare(before.data(), fitting->data()) != ZTPartialOrdering::Equivalent;
-        if (changes && changeEvent >= 0)
-            announce(object, *fitting);
-    }
-
-    /// Whoever hears of it may delete the object.
-    void announce(const ZTVariant& object, const ZTVariant& value) const
-    {
-        const ZTMetaClass& metaClass = *ztVariantValue<ZTBase*>(object)->metaClass();
-        ZTArgumentArray arguments;
-        arguments[0] = value;
-        metaClass.invokable(static_cast<unsigned int>(changeEvent))->invoke(object, arguments);
-    }
-};
-
 class Finisher
 {
 public:
-    Finisher(ZTMetaClassBuilder& builder, Node::Place place, const Classes& classes)
-        : m_builder(builder),
-          m_place(std::move(place)),
-          m_classes(classes),
-          m_name(builder.typeName())
+    Finisher(ZTMetaClassBuilder& builder, Node::Place place)
+        : m_builder(builder), m_place(std::move(place)), m_name(builder.typeName())
     {}
 
     std::unique_ptr<ZTMetaClass> finish()
@@ -105,7 +57,7 @@ private:
             fail(m_place / "name", "a class needs a name of letters, digits and _");
         if (m_name.starts_with("ZT"))
             fail(m_place / "name", "names that begin with ZT are the library's");
-        if (m_classes.find(m_name) || m_classes.superClass(m_name))
+        if (ztClass(m_name))
             fail(m_place / "name", "there is a class \"" + m_name + "\" already");
         int depth = 0;
         for (auto* super = m_builder.superClass(); super; super = super->superClass())
@@ -113,9 +65,8 @@ private:
         if (depth > deepestClass)
             fail(m_place,
                  "the class has more than " + std::to_string(deepestClass) + " super classes");
-        if (!m_builder.superClass() || !m_classes.superClass(nameOf(*m_builder.superClass())))
-            fail(m_place / "super",
-                 "the class does not derive from " + nameOf(*dynamicRoot().metaClass));
+        if (!m_builder.superClass() || !superClassNamed(nameOf(*m_builder.superClass())))
+            fail(m_place / "super", "the class does not derive from ZTDynamicBase");
     }
 
     /// Refuses a name that no member can have, or that another one has.
@@ -161,14 +112,8 @@ private:
         takeName(name, place, false);
         if (!isValueType(property.metaType()))
             fail(place, "a property cannot be of type " + nameOf(property.metaType()));
-        DeclaredProperty declared{name, property.metaType(), startOf(property, place),
-                                  property.changeEventIndex()};
-        checkChangeEvent(declared, place);
-        property.setGetter([declared](const ZTVariant& object) { return declared.get(object); });
-        property.setSetter([declared](const ZTVariant& object, const ZTVariant& value) {
-            declared.set(object, value);
-            return ZTVariant();
-        });
+        checkChangeEvent(property, place);
+        property.setStored(startOf(property, place));
     }
 
     static ZTVariant startOf(const ZTMetaPropertyBuilder& property, const Node::Place& place)
@@ -177,7 +122,7 @@ private:
             if (property.propInfoKey(i) != startKey)
                 continue;
             std::string text(property.propInfoValue(i));
-            if (auto start = convert(ZTVariant(text), property.metaType()))
+            if (auto start = ztTryConvert(ZTVariant(text), property.metaType()))
                 return *std::move(start);
             fail(place / "start", Json(text).dump(-1, ' ', true, Json::error_handler_t::replace) +
                                       " does not fit the type " + nameOf(property.metaType()));
@@ -185,19 +130,19 @@ private:
         return {property.metaType(), nullptr};
     }
 
-    void checkChangeEvent(const DeclaredProperty& property, const Node::Place& place)
+    void checkChangeEvent(const ZTMetaPropertyBuilder& property, const Node::Place& place)
     {
-        if (property.changeEvent < 0)
+        if (property.changeEventIndex() < 0)
             return;
         auto inherited = m_builder.superClass()->invokableCount();
         auto event =
-            m_builder.invokable(static_cast<unsigned int>(property.changeEvent) - inherited);
+            m_builder.invokable(static_cast<unsigned int>(property.changeEventIndex()) - inherited);
         auto types = event.parameterMetaTypes();
-        bool fits = types.empty() || (types.size() == 1 && *types[0] == property.type);
+        bool fits = types.empty() || (types.size() == 1 && *types[0] == property.metaType());
         if (!event.isEvent() || !fits)
-            fail(place / "event", std::string(event.name()) + " cannot announce " + property.name +
-                                      ": it needs no parameter, or one of type " +
-                                      nameOf(property.type));
+            fail(place / "event",
+                 std::string(event.name()) + " cannot announce " + std::string(property.name()) +
+                     ": it needs no parameter, or one of type " + nameOf(property.metaType()));
     }
 
     void finishMethod(unsigned int index, const ZTMetaClass& shape)
@@ -240,15 +185,13 @@ private:
 
     ZTMetaClassBuilder& m_builder;
     Node::Place m_place;
-    const Classes& m_classes;
     std::string m_name;
     std::set<std::string> m_taken;
 };
 } // namespace
 
-std::unique_ptr<ZTMetaClass> finishClass(ZTMetaClassBuilder& builder, const Node::Place& place,
-                                         const Classes& classes)
+std::unique_ptr<ZTMetaClass> finishClass(ZTMetaClassBuilder& builder, const Node::Place& place)
 {
-    return Finisher(builder, place, classes).finish();
+    return Finisher(builder, place).finish();
 }
 } // namespace scene

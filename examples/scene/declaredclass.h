@@ -15,14 +15,11 @@
 
 namespace scene
 {
-class Classes;
-
 inline constexpr std::string_view startKey = "start";
 inline constexpr std::string_view methodKey = "method ";
 
 /// Checks a class that has no functions yet, whether it comes from a scene file or from a stream,
 /// and gives it those that its annotations ask for.
 /// @param place  of the class in its file; what is wrong with the class is a `Mistake` there
-std::unique_ptr<ZTMetaClass> finishClass(ZTMetaClassBuilder& builder, const Node::Place& place,
-                                         const Classes& classes);
+std::unique_ptr<ZTMetaClass> finishClass(ZTMetaClassBuilder& builder, const Node::Place& place);
 } // namespace scene

@@ -1,57 +1,45 @@
 #include "fit.h"
 
-#include "converters.h"
 #include "members.h"
+#include "mistake.h"
+
+#include <zintar/checked.h>
+#include <zintar/classes.h>
 
 #include <algorithm>
 
 namespace scene
 {
-namespace
-{
-/// What was expected of a value that does not fit: "Thermostat::Mode (Off, Heat, Cool)".
-std::string expectation(const ZTMetaType& type)
-{
-    std::string text = nameOf(type);
-    if (const ZTMetaEnum* enumeration = enumerationOf(type)) {
-        std::vector<std::string> names;
-        for (unsigned int i = 0; i < enumeration->count(); ++i)
-            names.emplace_back(enumeration->enumerator(i));
-        text += " (" + listed(names) + ")";
-    }
-    return text;
-}
-} // namespace
-
-Mistake misfit(const Node& value, const std::string& where, const ZTMetaType& type)
-{
-    return {value.place(),
-            value.written() + " does not fit " + where + " of type " + expectation(type)};
-}
-
 ZTVariant fit(const Node& value, const std::string& where, const ZTMetaType& type)
 {
-    auto fitting = convert(value.value(), type);
+    auto fitting = ztTryConvert(value.value(), type, where);
     if (!fitting)
-        throw misfit(value, where, type);
+        throw Mistake(value.place(), fitting.error());
     return *std::move(fitting);
 }
 
-const std::vector<const ZTMetaType*>& valueTypes()
+std::string textOf(const ZTVariant& value)
 {
-    static const std::vector<const ZTMetaType*> types = [] {
-        std::vector<const ZTMetaType*> all{&ztMetaType<bool>(), &ztMetaType<int>(),
-                                           &ztMetaType<double>(), &ztMetaType<std::string>()};
-        for (const ZTMetaType* enumeration : enumerationTypes())
-            all.push_back(enumeration);
-        return all;
-    }();
+    auto text = ztTryConvert(value, ztMetaType<std::string>());
+    return text ? ztVariantValue<std::string>(*text) : std::string();
+}
+
+std::vector<const ZTMetaType*> valueTypes()
+{
+    // What JSON writes, and below it the enumerations of all classes, which it writes as text.
+    std::vector<const ZTMetaType*> types{&ztMetaType<bool>(), &ztMetaType<int>(),
+                                         &ztMetaType<double>(), &ztMetaType<std::string>()};
+    for (const ZTMetaClass* known : ztClasses())
+        for (unsigned int i = known->enumOffset(); i < known->enumCount(); ++i)
+            types.push_back(&known->metaEnum(i)->metaType());
+    std::sort(types.begin() + 4, types.end(),
+              [](const auto* a, const auto* b) { return a->name() < b->name(); });
     return types;
 }
 
 bool isValueType(const ZTMetaType& type)
 {
-    const auto& types = valueTypes();
+    const auto types = valueTypes();
     return std::find(types.begin(), types.end(), &type) != types.end();
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "jsonfile.h"
-#include "mistake.h"
 
 #include <zintar/metatype.h>
 
@@ -10,15 +9,15 @@
 
 namespace scene
 {
-/// "a" value in the file that does not fit "parameter 1 of grow" of that type, and what would.
-Mistake misfit(const Node& value, const std::string& where, const ZTMetaType& type);
-
 /// The value as one of that type; a `Mistake` when it does not fit.
-/// @param where  what it is for
+/// @param where  what it is for: "parameter 1 of grow"
 ZTVariant fit(const Node& value, const std::string& where, const ZTMetaType& type);
 
+/// A value as text, which every type of the scene has.
+std::string textOf(const ZTVariant& value);
+
 /// The types that a declared class can use: those that a file can write a value of.
-const std::vector<const ZTMetaType*>& valueTypes();
+std::vector<const ZTMetaType*> valueTypes();
 bool isValueType(const ZTMetaType& type);
 /// The type of that name, as a file calls it.
 const ZTMetaType& readType(const Node& node);

@@ -5,8 +5,8 @@
 #include <utility>
 
 ZT_CLASS(Room)
-ZT_CLASS(Crop)
 ZT_CLASS(Bed)
+ZT_CLASS(Crop)
 ZT_CLASS(Device)
 ZT_CLASS(Heater)
 ZT_CLASS(Thermostat)
@@ -141,11 +141,9 @@ void Journal::note(const std::string& text)
 
 namespace
 {
-/// "Heater" for "struct Heater".
 std::string classOf(const ZTBase* object)
 {
-    std::string_view name = object ? object->metaClass()->typeName() : "nobody";
-    return std::string(name.substr(name.rfind(' ') + 1));
+    return object ? ztShortName(*object->metaClass()) : "nobody";
 }
 } // namespace
 

@@ -21,6 +21,14 @@
 ///       ZTDynamicBase
 ///         Crop
 
+/// A class whose saved objects get back what their properties can only tell.
+class Restorable
+{
+public:
+    virtual ~Restorable() = default;
+    virtual void restore(std::string_view property, const ZTVariant& value) = 0;
+};
+
 class Room : public ZTBase
 {
     ZT_OBJECT(Room, ZTBase)
@@ -44,7 +52,7 @@ private:
 };
 
 /// A crop. Each sort may be given a class of its own at run time, with what only that sort has.
-class Crop : public ZTDynamicBase
+class Crop : public ZTDynamicBase, public Restorable
 {
     ZT_OBJECT(Crop, ZTDynamicBase)
 public:
@@ -56,8 +64,7 @@ public:
 
     /// Whoever hears of `ripened` may delete the crop.
     Stage grow(int days);
-    /// Gives a saved crop back what a property that can only be read said. So in each class here.
-    void restore(std::string_view property, const ZTVariant& value);
+    void restore(std::string_view property, const ZTVariant& value) override;
 
     void ripened(int age) { sendEvent<&Self::ripened>(age); }
 
@@ -182,7 +189,7 @@ private:
     }
 };
 
-class Sensor : public Device
+class Sensor : public Device, public Restorable
 {
     ZT_OBJECT(Sensor, Device)
 public:
@@ -192,7 +199,7 @@ public:
 
     /// Takes a raw value and gives the corrected one.
     double measure(double raw);
-    void restore(std::string_view property, const ZTVariant& value);
+    void restore(std::string_view property, const ZTVariant& value) override;
 
     void measured(const std::string& what, double value)
     {
@@ -235,7 +242,7 @@ private:
 };
 
 /// Keeps what it is told, one line for each thing.
-class Journal : public ZTBase
+class Journal : public ZTBase, public Restorable
 {
     ZT_OBJECT(Journal, ZTBase)
 public:
@@ -249,7 +256,7 @@ public:
     void noteReading(const std::string& quantity, double value);
     void noteArrival(ZTBase* newcomer);
     int clear();
-    void restore(std::string_view property, const ZTVariant& value);
+    void restore(std::string_view property, const ZTVariant& value) override;
 
     void full() { sendEvent<&Self::full>(); }
 

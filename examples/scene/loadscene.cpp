@@ -1,14 +1,18 @@
 #include "savedscene.h"
 
-#include "converters.h"
+#include "classes.h"
 #include "declaredclass.h"
 #include "files.h"
 #include "fit.h"
+#include "hostclasses.h"
 #include "librarymessages.h"
 #include "members.h"
+#include "mistake.h"
 #include "population.h"
 
+#include <zintar/checked.h>
 #include <zintar/datastream.h>
+#include <zintar/enumeration.h>
 #include <zintar/typedvalue.h>
 
 #include <map>
@@ -20,7 +24,7 @@ namespace
 class SceneLoader
 {
 public:
-    SceneLoader(const std::string& bytes, Classes& classes) : m_classes(classes)
+    SceneLoader(const std::string& bytes, ZTClassStore& store) : m_store(store)
     {
         m_stream.setData(bytes);
     }
@@ -44,16 +48,18 @@ private:
     /// @return false for the nameless class, which ends the classes
     bool loadClass()
     {
-        m_place = "class record " + std::to_string(m_classes.declared().size() + 1);
-        auto supers = m_classes.superClasses();
-        supers.emplace("ZTNone", nullptr); // the nameless class has no super class
+        m_place = "class record " + std::to_string(m_store.classes().size() + 1);
+        // The nameless class has no super class.
+        std::unordered_map<std::string, const ZTMetaClass*> supers{{"ZTNone", nullptr}};
+        for (const ZTMetaClass* known : superClasses())
+            supers.emplace(known->typeName(), known);
         ZTMetaClassBuilder builder;
         builder.deserialize(m_stream, supers);
         refuseDamage();
         std::string name(builder.typeName());
         if (name.empty())
             return false;
-        m_classes.add(finishClass(builder, Node::Place() / "classes" / name, m_classes));
+        m_store.add(finishClass(builder, Node::Place() / "classes" / name));
         return true;
     }
 
@@ -61,14 +67,14 @@ private:
     {
         m_place = "object " + std::to_string(index + 1);
         ObjectPlan object;
-        object.sceneClass = &m_classes.named(read<std::string>(), m_place);
+        object.metaClass = &classNamed(read<std::string>(), m_place);
         object.name = readName();
         auto parent = read<std::string>();
         if (parent.empty() != (index == 0))
             throw Mistake(m_place, "the first object, and no other, is the root");
         if (index > 0)
             m_population.classOf(parent, m_place);
-        m_population.add(object.name, *object.sceneClass->metaClass, parent, m_place);
+        m_population.add(object.name, *object.metaClass, parent, m_place);
         int count = read<int>();
         for (int i = 0; i < count; ++i)
             loadProperty(object);
@@ -82,13 +88,13 @@ private:
         property.name = readName();
         property.value = readValue();
         property.dynamic = read<bool>();
-        const ZTMetaClass& metaClass = *object.sceneClass->metaClass;
+        const ZTMetaClass& metaClass = *object.metaClass;
         const ZTMetaProperty* declared = metaClass.property(property.name);
         if (property.dynamic == (declared != nullptr))
             throw Mistake(m_place, property.dynamic
                                        ? nameOf(metaClass) + "." + property.name + " is not dynamic"
-                                       : unknownProperty(metaClass, property.name));
-        if (declared && enumerationOf(declared->metaType()))
+                                       : ztTryFindProperty(metaClass, property.name).error());
+        if (declared && ztEnumeration(declared->metaType()))
             property.value = enumeratorOf(property, declared->metaType());
         const ZTMetaType& type = property.value.type();
         if (declared ? type != declared->metaType()
@@ -100,7 +106,7 @@ private:
 
     ZTVariant enumeratorOf(const PropertyPlan& property, const ZTMetaType& type) const
     {
-        if (auto enumerator = convert(property.value, type))
+        if (auto enumerator = ztTryConvert(property.value, type))
             return *std::move(enumerator);
         throw Mistake(m_place, property.name + " cannot have a value that is no " + nameOf(type));
     }
@@ -157,7 +163,7 @@ private:
 
     ZTLogCapture m_messages;
     ZTDataStream m_stream;
-    Classes& m_classes;
+    ZTClassStore& m_store;
     Population m_population;
     std::vector<ObjectPlan> m_objects; ///< without their children
     std::map<std::string, std::vector<std::size_t>> m_childrenOf;
@@ -175,17 +181,17 @@ bool isSame(const ZTVariant& a, const ZTVariant& b)
 }
 } // namespace
 
-ScenePlan loadScene(const std::string& file, Classes& classes)
+ScenePlan loadScene(const std::string& file, ZTClassStore& store)
 {
-    return SceneLoader(readFile(file), classes).load();
+    return SceneLoader(readFile(file), store).load();
 }
 
 void restoreState(const ObjectPlan& plan, const Scene& scene)
 {
     ZTBase& object = *scene.find(plan.name);
     for (const PropertyPlan& property : plan.readOnly)
-        if (auto restore = plan.sceneClass->host->restore)
-            restore(object, property.name, property.value);
+        if (auto* restorable = dynamic_cast<Restorable*>(&object))
+            restorable->restore(property.name, property.value);
     for (const PropertyPlan& property : plan.properties)
         if (!isSame(object.property(property.name), property.value))
             object.setProperty(property.name, property.value, property.dynamic);

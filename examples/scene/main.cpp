@@ -1,7 +1,7 @@
 #include "actions.h"
+#include "classes.h"
 #include "classlist.h"
 #include "commandline.h"
-#include "converters.h"
 #include "files.h"
 #include "members.h"
 #include "mistake.h"
@@ -9,6 +9,9 @@
 #include "recorder.h"
 #include "savedscene.h"
 #include "scenefile.h"
+
+#include <zintar/classstore.h>
+#include <zintar/standardconverters.h>
 
 #include <iostream>
 #include <string>
@@ -20,33 +23,33 @@ constexpr int mistaken = 2;
 
 void listClasses(const scene::CommandLine& line)
 {
-    scene::Classes classes;
+    ZTClassStore store;
     if (!line.file.empty())
-        (void)scene::readScene(line.file, classes);
+        (void)scene::readScene(line.file, store);
     if (!line.load.empty())
-        (void)scene::loadScene(line.load, classes);
-    for (const scene::SceneClass& known : classes.all()) {
-        if (&known != &classes.all().front())
+        (void)scene::loadScene(line.load, store);
+    for (const ZTMetaClass* known : scene::sceneClasses()) {
+        if (known != scene::sceneClasses().front())
             std::cout << "\n";
-        scene::printClass(std::cout, *known.metaClass);
+        scene::printClass(std::cout, *known);
     }
 }
 
-void save(const std::string& file, const scene::Classes& classes, const scene::Scene& scene,
+void save(const std::string& file, const ZTClassStore& store, const scene::Scene& scene,
           const scene::Names& names)
 {
-    scene::SavedScene saved = scene::saveScene(classes, scene, names);
+    scene::SavedScene saved = scene::saveScene(store, scene, names);
     scene::writeFile(file, saved.bytes);
     std::cout << "\nSaved in " << file << "\n  the first " << saved.classesEnd
-              << " bytes: " << classes.declared().size() << " class records\n  from byte "
+              << " bytes: " << store.classes().size() << " class records\n  from byte "
               << saved.objectsBegin + 1 << " on: " << saved.objects
               << " objects, as variants in a row\n";
 }
 
 void run(const scene::CommandLine& line)
 {
-    scene::Classes classes;
-    scene::ScenePlan plan = scene::readScene(line.file, classes);
+    ZTClassStore store;
+    scene::ScenePlan plan = scene::readScene(line.file, store);
     scene::Names names;
     scene::Trace trace(std::cout, names);
     scene::Scene scene(plan, names, trace);
@@ -63,13 +66,13 @@ void run(const scene::CommandLine& line)
         recorder.print(std::cout);
     }
     if (!line.save.empty())
-        save(line.save, classes, scene, names);
+        save(line.save, store, scene, names);
 }
 
 void load(const scene::CommandLine& line)
 {
-    scene::Classes classes;
-    scene::ScenePlan plan = scene::loadScene(line.load, classes);
+    ZTClassStore store;
+    scene::ScenePlan plan = scene::loadScene(line.load, store);
     scene::Names names;
     scene::Trace trace(std::cout, names);
     scene::Scene scene(plan, names, trace);
@@ -78,7 +81,7 @@ void load(const scene::CommandLine& line)
     std::cout << "Loaded\n";
     scene::printTree(std::cout, scene.top(), names);
     if (!line.save.empty())
-        save(line.save, classes, scene, names);
+        save(line.save, store, scene, names);
 }
 
 void carryOut(const scene::CommandLine& line)
@@ -96,8 +99,7 @@ void carryOut(const scene::CommandLine& line)
 
 int main(int argc, char** argv)
 {
-    scene::registerConverters();
-    scene::registerHostEnumerations();
+    ztRegisterStandardConverters();
 
     auto line = scene::readCommandLine({argv + 1, argv + argc});
     if (!line) {

@@ -1,30 +1,19 @@
 #include "members.h"
 
-#include <zintar/metatype.h>
+#include <zintar/metatypeof.h>
+#include <zintar/shortname.h>
 
 #include <algorithm>
 #include <set>
 
 namespace scene
 {
-std::string nameOf(const ZTMetaClass& metaClass)
-{
-    std::string_view name = metaClass.typeName();
-    return std::string(name.substr(name.rfind(' ') + 1));
-}
+std::string nameOf(const ZTMetaClass& metaClass) { return ztShortName(metaClass); }
 
 std::string nameOf(const ZTMetaType& type)
 {
-    if (auto aliases = type.aliases(); !aliases.empty()) {
-        // Text, among others, has a spelled name that nobody wants to read.
-        const std::string& alias = *std::min_element(aliases.begin(), aliases.end());
-        return alias.substr(alias.starts_with("std::") ? 5 : 0);
-    }
-    std::string name = type.name();
-    for (std::string_view key : {"const ", "struct ", "enum "})
-        if (name.starts_with(key))
-            name.erase(0, key.size());
-    return name;
+    std::string name = type == ztMetaType<std::string>() ? "string" : ztShortName(type);
+    return name.substr(name.starts_with("const ") ? 6 : 0); // a file has no use for it
 }
 
 std::string parametersOf(const ZTMetaInvokable& invokable)
@@ -72,14 +61,6 @@ std::string unknownInvokable(const ZTMetaClass& metaClass, Kind kind, std::strin
                    " but a" + (other == "event" ? "n " : " ") + std::string(other);
     }
     return noSuch(metaClass, wanted, name, known);
-}
-
-std::string unknownProperty(const ZTMetaClass& metaClass, std::string_view name)
-{
-    std::set<std::string> known;
-    for (unsigned int i = 0; i < metaClass.propertyCount(); ++i)
-        known.emplace(metaClass.property(i)->name());
-    return noSuch(metaClass, "property", name, known);
 }
 
 bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event)

@@ -11,7 +11,7 @@
 
 namespace scene
 {
-/// "Heater" for the class whose descriptor says "struct Heater".
+/// The library's short names, but for text: a file calls it "string".
 std::string nameOf(const ZTMetaClass& metaClass);
 /// "int", "string", "Thermostat::Mode", "ZTBase*".
 std::string nameOf(const ZTMetaType& type);
@@ -24,9 +24,8 @@ enum class Kind { Method, Event };
 std::vector<const ZTMetaInvokable*> invokablesNamed(const ZTMetaClass& metaClass, Kind kind,
                                                     std::string_view name);
 
-/// Why a class has no method, event or property of that name, with those that it has.
+/// Why a class has no method or event of that name, with those that it has.
 std::string unknownInvokable(const ZTMetaClass& metaClass, Kind kind, std::string_view name);
-std::string unknownProperty(const ZTMetaClass& metaClass, std::string_view name);
 
 /// Whether a handler can take what an event sends: its parameters are the event's leading ones.
 bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event);

@@ -1,11 +1,11 @@
 #include "methodbody.h"
 
-#include "converters.h"
 #include "fit.h"
 #include "members.h"
 #include "mistake.h"
 
 #include <zintar/base.h>
+#include <zintar/checked.h>
 #include <zintar/reference.h>
 #include <zintar/typedvalue.h>
 
@@ -124,9 +124,10 @@ private:
     const ZTMetaProperty& ownProperty(const Node& node) const
     {
         std::string name = node.name();
-        if (const ZTMetaProperty* property = m_class.property(name))
-            return *property;
-        throw Mistake(node.place(), unknownProperty(m_class, name));
+        auto property = ztTryFindProperty(m_class, name);
+        if (!property)
+            throw Mistake(node.place(), property.error());
+        return **property;
     }
 
     std::string fullName(const ZTMetaProperty& property) const
@@ -214,8 +215,7 @@ private:
             value = m_arguments[parameter->index];
         else
             value = m_object.property(std::get<OfProperty>(operand.source).name);
-        auto fitting = convert(value, *operand.type);
-        return fitting ? *std::move(fitting) : ZTVariant(*operand.type, nullptr);
+        return ztTryConvert(value, *operand.type).valueOr(ZTVariant(*operand.type, nullptr));
     }
 
     ZTBase& m_object;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "classes.h"
-
+#include <zintar/checked.h>
 #include <zintar/metaclass.h>
 #include <zintar/variant.h>
 
@@ -23,7 +22,7 @@ struct PropertyPlan {
 };
 
 struct ObjectPlan {
-    const SceneClass* sceneClass = nullptr;
+    const ZTMetaClass* metaClass = nullptr;
     std::string name;
     std::vector<PropertyPlan> properties;
     /// Of properties that can only be read: what a saved object had.
@@ -42,10 +41,6 @@ struct ConnectionPlan {
 struct SetProperty {
     PropertyPlan property;
 };
-struct CallMethod {
-    const ZTMetaInvokable* method = nullptr;
-    ZTArgumentArray arguments;
-};
 struct MoveObject {
     std::string parent;
 };
@@ -54,7 +49,7 @@ struct DeleteObject {};
 struct ActionPlan {
     std::string place; ///< in the file
     std::string object;
-    std::variant<SetProperty, CallMethod, MoveObject, DeleteObject> what;
+    std::variant<SetProperty, ZTCheckedCall, MoveObject, DeleteObject> what;
 };
 
 struct ScenePlan {

@@ -1,9 +1,8 @@
 #include "print.h"
 
-#include "converters.h"
 #include "members.h"
 
-#include <zintar/typedvalue.h>
+#include <zintar/checked.h>
 
 #include <nlohmann/json.hpp>
 
@@ -21,7 +20,7 @@ std::string shown(const ZTVariant& value, const Names& names)
         return nlohmann::json(*text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     if (value.type().metaClass())
         return names.of(ztVariantValue<const ZTBase*>(value));
-    if (auto text = convert(value, ztMetaType<std::string>()))
+    if (auto text = ztTryConvert(value, ztMetaType<std::string>()))
         return ztVariantValue<std::string>(*text);
     std::ostringstream printed;
     if (!value.type().print(printed, value.data()))

@@ -4,6 +4,8 @@
 #include "plan.h"
 #include "scene.h"
 
+#include <zintar/classstore.h>
+
 #include <cstddef>
 #include <string>
 
@@ -36,11 +38,11 @@ struct SavedScene {
     std::size_t objects;      ///< how many there are
 };
 
-SavedScene saveScene(const Classes& classes, const Scene& scene, const Names& names);
+SavedScene saveScene(const ZTClassStore& store, const Scene& scene, const Names& names);
 
 /// Reads a saved scene, makes its classes, and checks all of it. No object is made. Anything that
 /// cannot be is a `Mistake`.
-ScenePlan loadScene(const std::string& file, Classes& classes);
+ScenePlan loadScene(const std::string& file, ZTClassStore& store);
 
 /// Gives the objects of a loaded scene what properties alone could not: what can only be read, and
 /// what the setter of another property has changed. A value that does not come back is a `Mistake`.

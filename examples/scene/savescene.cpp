@@ -1,9 +1,10 @@
 #include "savedscene.h"
 
-#include "converters.h"
+#include "fit.h"
 #include "members.h"
 
 #include <zintar/datastream.h>
+#include <zintar/enumeration.h>
 #include <zintar/metaclassbuilder.h>
 
 #include <algorithm>
@@ -18,10 +19,9 @@ class SceneWriter
 public:
     explicit SceneWriter(const Names& names) : m_names(names) {}
 
-    SavedScene write(const Classes& classes, const ZTBase& top)
+    SavedScene write(const ZTClassStore& store, const ZTBase& top)
     {
-        for (const auto& declared : classes.declared())
-            m_stream << *declared;
+        store.write(m_stream);
         std::size_t classesEnd = m_stream.data().size();
         m_stream << nameless();
         std::size_t objectsBegin = m_stream.data().size();
@@ -78,8 +78,7 @@ private:
         writeValue(std::string(name));
         ZTVariant value = object.property(name);
         // As text, so that a reader need not know the host's enumerations.
-        m_stream << (enumerationOf(value.type()) ? *convert(value, ztMetaType<std::string>())
-                                                 : value);
+        m_stream << (ztEnumeration(value.type()) ? ZTVariant(textOf(value)) : value);
         writeValue(isDynamic);
     }
 
@@ -89,8 +88,8 @@ private:
 };
 } // namespace
 
-SavedScene saveScene(const Classes& classes, const Scene& scene, const Names& names)
+SavedScene saveScene(const ZTClassStore& store, const Scene& scene, const Names& names)
 {
-    return SceneWriter(names).write(classes, scene.top());
+    return SceneWriter(names).write(store, scene.top());
 }
 } // namespace scene

@@ -1,5 +1,6 @@
 #include "scene.h"
 
+#include <zintar/create.h>
 #include <zintar/metaclass.h>
 
 namespace scene
@@ -14,8 +15,7 @@ Scene::Scene(const ScenePlan& plan, Names& names, Trace& trace) : m_names(names)
 
 void Scene::build(const ObjectPlan& plan, ZTBase* parent)
 {
-    ZTBase* object = plan.sceneClass->make().release();
-    object->setParent(parent); // which deletes it from here on
+    ZTBase* object = ztCreate(*plan.metaClass, parent);
     m_names.add(object, plan.name);
     for (const PropertyPlan& property : plan.properties)
         object->setProperty(property.name, property.value, property.dynamic);

@@ -1,14 +1,14 @@
 #include "scenefile.h"
 
 #include "classdeclarations.h"
-#include "converters.h"
+#include "classes.h"
 #include "fit.h"
 #include "jsonfile.h"
 #include "members.h"
 #include "mistake.h"
 #include "population.h"
 
-#include <optional>
+#include <zintar/checked.h>
 
 namespace scene
 {
@@ -17,8 +17,6 @@ namespace
 class SceneReader
 {
 public:
-    explicit SceneReader(const Classes& classes) : m_classes(classes) {}
-
     ScenePlan read(const Node& file)
     {
         file.allowOnly({"classes", "tree", "connections", "actions"});
@@ -36,9 +34,9 @@ private:
     {
         node.allowOnly({"class", "name", "properties", "dynamic", "children"});
         ObjectPlan object;
-        object.sceneClass = &m_classes.named(node["class"].name(), node["class"].place());
+        object.metaClass = &classNamed(node["class"].name(), node["class"].place());
         object.name = node["name"].name();
-        const ZTMetaClass& metaClass = *object.sceneClass->metaClass;
+        const ZTMetaClass& metaClass = *object.metaClass;
         m_population.add(object.name, metaClass, parent, node["name"].place());
         for (const auto& [name, value] : node.members("properties"))
             object.properties.push_back(readDeclared(metaClass, name, value, value));
@@ -53,13 +51,13 @@ private:
     static PropertyPlan readDeclared(const ZTMetaClass& metaClass, const std::string& name,
                                      const Node& naming, const Node& value)
     {
-        const ZTMetaProperty* property = metaClass.property(name);
+        auto property = ztTryFindProperty(metaClass, name);
         if (!property)
-            throw Mistake(naming.place(), unknownProperty(metaClass, name));
-        std::string fullName = nameOf(metaClass) + "." + name;
-        if (!property->canSet())
-            throw Mistake(naming.place(), fullName + " can only be read");
-        return {name, fit(value, fullName, property->metaType()), false};
+            throw Mistake(naming.place(), property.error());
+        auto fitting = ztTryFit(value.value(), metaClass, **property);
+        if (!fitting)
+            throw Mistake(((*property)->canSet() ? value : naming).place(), fitting.error());
+        return {name, *std::move(fitting), false};
     }
 
     static PropertyPlan readDynamic(const ZTMetaClass& metaClass, const std::string& name,
@@ -136,43 +134,17 @@ private:
     {
         node.allowOnly({"call", "method", "arguments"});
         ActionPlan action{node.place(), node["call"].name(), {}};
+        // Events are raised by their senders alone.
         auto methods = find(Kind::Method, action.object, node["call"], node["method"]);
-        auto given = node.elements("arguments");
-        std::optional<Mistake> misfitting;
-        for (const ZTMetaInvokable* method : methods) {
-            if (method->parameterCount() != given.size())
-                continue;
-            CallMethod call{method, {}};
-            auto wrong = readArguments(given, call);
-            if (!wrong) {
-                action.what = std::move(call);
-                return action;
-            }
-            if (!misfitting)
-                misfitting = wrong;
-        }
-        if (misfitting)
-            throw *misfitting;
-        throw Mistake(node.place(), std::string(methods[0]->name()) + parametersOf(*methods[0]) +
-                                        " of " + action.object + " cannot be called with " +
-                                        std::to_string(given.size()) + " argument" +
-                                        (given.size() == 1 ? "" : "s"));
-    }
-
-    /// @return what does not fit
-    static std::optional<Mistake> readArguments(const std::vector<Node>& given, CallMethod& call)
-    {
-        for (unsigned int i = 0; i < given.size(); ++i) {
-            const ZTMetaType& type = call.method->parameterMetaType(i);
-            auto fitting = convert(given[i].value(), type);
-            if (!fitting)
-                return misfit(given[i],
-                              "parameter " + std::to_string(i + 1) + " of " +
-                                  std::string(call.method->name()),
-                              type);
-            call.arguments[i] = *std::move(fitting);
-        }
-        return std::nullopt;
+        std::vector<ZTVariant> arguments;
+        for (const Node& argument : node.elements("arguments"))
+            arguments.push_back(argument.value());
+        auto call = ztTryFindCall(m_population.classOf(action.object, node["call"].place()),
+                                  methods[0]->name(), arguments);
+        if (!call)
+            throw Mistake(node.place(), call.error());
+        action.what = *std::move(call);
+        return action;
     }
 
     ActionPlan readMove(const Node& node)
@@ -195,16 +167,15 @@ private:
         return action;
     }
 
-    const Classes& m_classes;
     Population m_population;
 };
 } // namespace
 
-ScenePlan readScene(const std::string& file, Classes& classes)
+ScenePlan readScene(const std::string& file, ZTClassStore& store)
 {
     Json document = readJson(file);
     Node scene(document);
-    declareClasses(scene, classes);
-    return SceneReader(classes).read(scene);
+    declareClasses(scene, store);
+    return SceneReader().read(scene);
 }
 } // namespace scene
