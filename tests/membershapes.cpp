@@ -1,5 +1,6 @@
 #include "support/logs.h"
 
+#include <zintar/create.h>
 #include <zintar/declare.h>
 
 #include <memory>
@@ -39,6 +40,9 @@ class Lamp : public ZTBase, public Dimmable
 {
     ZT_OBJECT(Lamp, ZTBase)
 public:
+    Lamp() = default;
+    explicit Lamp(double start) : brightness(start) {}
+
     virtual double first(double) { return -1; }
     double dim(double by) override { return Dimmable::dim(by) * 100; }
     void brightnessChanged(double value) { sendEvent<&Self::brightnessChanged>(value); }
@@ -64,6 +68,7 @@ private:
             zt::property<&Self::label>().info("a", "b").notify<&Self::labelChanged>(),
             zt::property<&Self::part>().notify<&Self::changed>(),
             zt::property<&Self::trap>().notify<&Self::changed>(),
+            zt::constructor<double>(), // which is no member, and moves none
             // Of the other base.
             zt::property<&Self::level>().notify<&Self::brightnessChanged>().info("unit", "1"),
             zt::property<&Self::steps, &Self::setSteps>(), zt::property<&Self::serial>(),
@@ -184,6 +189,14 @@ TEST(PlainBase, GivesPropertiesAndMethods)
     ZTBase other;
     EXPECT_NE(support::logOf([&] { type.property("level")->set(&other, 0.1); }), "");
     EXPECT_NE(support::logOf([&] { EXPECT_FALSE(dim->invoke(&other, 0.1)); }), "");
+}
+
+TEST(PlainBase, StandsBesideConstructors)
+{
+    const std::unique_ptr<ZTBase> lamp(ztCreate(Lamp::typeMetaClass(), nullptr, 0.7));
+    ASSERT_TRUE(lamp);
+    EXPECT_EQ(lamp->property<double>("brightness"), 0.7);
+    EXPECT_EQ(lamp->property<int>("serial"), 12);
 }
 
 TEST(PlainBase, AnnouncesItsDataMember)

@@ -58,6 +58,7 @@ const ZTMetaClass* superClassNamed(std::string_view name) { return named(superCl
 std::string namesOf(const std::vector<const ZTMetaClass*>& classes)
 {
     std::vector<std::string> names;
+    names.reserve(classes.size());
     for (const ZTMetaClass* known : classes)
         names.push_back(ztShortName(*known));
     return listed(names);

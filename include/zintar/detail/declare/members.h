@@ -8,9 +8,12 @@
 #include <zintar/detail/declare/memberchecks.h>
 #include <zintar/detail/declare/names.h>
 
+#include <array>
 #include <cstddef>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
+#include <utility>
 
 /// @file
 /// What a class lists with `zt::members`: each member becomes one constant record.
@@ -256,27 +259,45 @@ inline constexpr detail::ConstructorMaker<P...> constructor{};
 
 namespace detail
 {
-/// Of one entry; a constructor is no member and has none.
-template <class Entry>
-using BindingOf = std::conditional_t<Entry::memberCount == 0, BindingList<>,
-                                     BindingList<typename Entry::Binding>>;
+/// The places of the members among what is listed, where constructors stand between them.
+template <class... Entries>
+constexpr auto placesOfMembers()
+{
+    std::array<std::size_t, sumOf({Entries::memberCount...})> places{};
+    std::size_t place = 0;
+    std::size_t count = 0;
+    for (std::size_t members : {Entries::memberCount...}) {
+        if (members > 0)
+            places[count++] = place;
+        ++place;
+    }
+    return places;
+}
 
-template <class... A, class... B>
-BindingList<A..., B...> operator+(BindingList<A...>, BindingList<B...>);
+template <class... Entries, std::size_t... n>
+auto bindingsOfMembers(std::index_sequence<n...>)
+    -> BindingList<typename std::tuple_element_t<placesOfMembers<Entries...>()[n],
+                                                 std::tuple<Entries...>>::Binding...>;
 
-template <bool isAny, class... Entries>
+template <bool isAny, bool areAllMembers, class... Entries>
 struct Bindings {
     using type = BindingList<>;
 };
 template <class... Entries>
-struct Bindings<true, Entries...> {
-    using type = decltype((BindingList<>() + ... + BindingOf<Entries>()));
+struct Bindings<true, true, Entries...> {
+    using type = BindingList<typename Entries::Binding...>;
+};
+template <class... Entries>
+struct Bindings<true, false, Entries...> {
+    using type = decltype(bindingsOfMembers<Entries...>(
+        std::make_index_sequence<sumOf({Entries::memberCount...})>()));
 };
 
 /// Of all members, so that they keep their positions; empty where none has one.
 template <class... Entries>
-using BindingsAmong = typename Bindings<!areAllTrue({std::is_void_v<typename Entries::Binding>...}),
-                                        Entries...>::type;
+using BindingsAmong =
+    typename Bindings<!areAllTrue({std::is_void_v<typename Entries::Binding>...}),
+                      areAllTrue({Entries::memberCount == 1 ...}), Entries...>::type;
 
 template <class T>
 inline constexpr bool isEntry = requires(const T& entry)
