@@ -1,5 +1,7 @@
 #include "metaclassbuilderprivate.h"
 
+#include "../reflection/parameters.h"
+
 #include <zintar/metaclassbuilder.h>
 
 #include <algorithm>
@@ -208,14 +210,8 @@ ZTMetaClassBuilder::superMethod(std::string_view name,
     // Those of the nearest class stand last.
     for (unsigned int i = super ? super->invokableCount() : 0; i-- > 0;) {
         const ZTMetaInvokable* method = super->invokable(i);
-        if (!method || method->isEvent() || method->name() != name ||
-            method->parameterCount() != parameterTypes.size())
-            continue;
-        unsigned int same = 0;
-        while (same < parameterTypes.size() &&
-               &method->parameterMetaType(same) == parameterTypes[same])
-            ++same;
-        if (same == parameterTypes.size())
+        if (method && !method->isEvent() && method->name() == name &&
+            zt::detail::takesExactly(*method, parameterTypes))
             return method;
     }
     return nullptr;

@@ -1,9 +1,9 @@
 #include "../object/fit.h"
+#include "../reflection/parameters.h"
 #include "sentences.h"
 
 #include <zintar/checked.h>
 #include <zintar/detail/lifewatch.h>
-#include <zintar/shortname.h>
 
 #include <array>
 #include <optional>
@@ -26,7 +26,7 @@ struct Candidate {
     ZTArgumentArray values;
 };
 
-/// An invokable, and what it needs for a call; or why it cannot be called.
+/// A candidate, or why the invokable is none.
 using Trial = ZTOutcome<Candidate>;
 
 std::string argumentCount(std::size_t count)
@@ -43,7 +43,8 @@ std::string parameterText(const ZTMetaInvokable& invokable, unsigned int positio
     return "parameter " + which + " of " + std::string(invokable.name());
 }
 
-/// What else a parameter takes, if anything: a run-time class may declare more than a call carries.
+/// Whether a call can have that many arguments. A class made at run time may declare more
+/// parameters than a call carries.
 bool areGiven(const ZTMetaInvokable& invokable, std::size_t given)
 {
     return given <= invokable.parameterCount() && given >= invokable.requiredArgumentCount() &&
@@ -76,12 +77,8 @@ Trial tryCandidate(const ZTMetaClass& metaClass, const ZTMetaInvokable& invokabl
 /// that may be changed.
 bool hides(const ZTMetaInvokable& later, const ZTMetaInvokable& earlier)
 {
-    if (later.parameterCount() != earlier.parameterCount())
-        return false;
-    for (unsigned int i = 0; i < later.parameterCount(); ++i)
-        if (&later.parameterMetaType(i) != &earlier.parameterMetaType(i))
-            return false;
-    return later.isConst() == earlier.isConst() || !later.isConst();
+    return zt::detail::haveSameParameters(later, earlier) &&
+           (later.isConst() == earlier.isConst() || !later.isConst());
 }
 
 /// The invokables with that name, the class's own first, without those that others hide.
@@ -189,7 +186,7 @@ ZTOutcome<ZTVariant> call(ZTBase& object, const ZTLifeWatch& watch, const Trial&
 ZTOutcome<ZTVariant> ztTryInvoke(ZTBase* object, std::string_view name, Arguments arguments)
 {
     if (!object)
-        return ZTOutcome<ZTVariant>::failure("there is no object");
+        return ZTOutcome<ZTVariant>::failure(zt::detail::noObject);
     const ZTLifeWatch watch(object);
     return call(*object, watch, findCall(*object->metaClass(), name, arguments));
 }
@@ -199,11 +196,10 @@ ZTOutcome<ZTVariant> ztTryInvoke(ZTBase* object, const ZTMetaInvokable& invokabl
 {
     using Outcome = ZTOutcome<ZTVariant>;
     if (!object)
-        return Outcome::failure("there is no object");
+        return Outcome::failure(zt::detail::noObject);
     const ZTMetaClass& metaClass = *object->metaClass();
     if (!isOf(invokable, metaClass))
-        return Outcome::failure("the method \"" + std::string(invokable.name()) +
-                                "\" is of another class than " + ztShortName(metaClass));
+        return Outcome::failure(zt::detail::foreignMember("method", invokable.name(), metaClass));
     const ZTLifeWatch watch(object);
     return call(*object, watch, tryCandidate(metaClass, invokable, arguments));
 }

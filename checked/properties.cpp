@@ -3,7 +3,6 @@
 
 #include <zintar/checked.h>
 #include <zintar/detail/lifewatch.h>
-#include <zintar/shortname.h>
 
 #include <algorithm>
 
@@ -12,7 +11,7 @@ namespace
 using zt::detail::Fit;
 using zt::detail::LentVariant;
 
-constexpr const char* noObject = "there is no object";
+using zt::detail::noObject;
 constexpr const char* objectEnded = "the object ended while the value was converted";
 
 bool hasDynamicProperty(const ZTBase& object, std::string_view name)
@@ -47,12 +46,6 @@ bool isOf(const ZTMetaProperty& property, const ZTMetaClass& metaClass)
         if (metaClass.property(i) == &property)
             return true;
     return false;
-}
-
-std::string foreign(const ZTMetaProperty& property, const ZTMetaClass& metaClass)
-{
-    return "the property \"" + std::string(property.name()) + "\" is of another class than " +
-           ztShortName(metaClass);
 }
 
 /// Why the property does not take the value; empty if it does.
@@ -118,7 +111,8 @@ ZTOutcome<> ztTrySet(ZTBase* object, const ZTMetaProperty& property, const ZTVar
     if (!object)
         return ZTOutcome<>::failure(noObject);
     if (!isOf(property, *object->metaClass()))
-        return ZTOutcome<>::failure(foreign(property, *object->metaClass()));
+        return ZTOutcome<>::failure(
+            zt::detail::foreignMember("property", property.name(), *object->metaClass()));
     return setFound(*object, property, value);
 }
 
@@ -140,7 +134,8 @@ ZTOutcome<ZTVariant> ztTryGet(const ZTBase* object, const ZTMetaProperty& proper
     if (!object)
         return ZTOutcome<ZTVariant>::failure(noObject);
     if (!isOf(property, *object->metaClass()))
-        return ZTOutcome<ZTVariant>::failure(foreign(property, *object->metaClass()));
+        return ZTOutcome<ZTVariant>::failure(
+            zt::detail::foreignMember("property", property.name(), *object->metaClass()));
     return getFound(*object, property);
 }
 

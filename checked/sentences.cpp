@@ -119,6 +119,14 @@ std::string noSuchMember(const ZTMetaClass& metaClass, std::string_view what, st
     return text + "; it has " + (known.empty() ? "none" : listed(known));
 }
 
+std::string foreignMember(std::string_view what, std::string_view name,
+                          const ZTMetaClass& metaClass)
+{
+    std::string text = "the ";
+    text.append(what).append(" ").append(quoted(name));
+    return text + " is of another class than " + ztShortName(metaClass);
+}
+
 std::string misfit(const ZTVariant& value, std::string_view what, const ZTMetaType& type)
 {
     std::string text = shownValue(value) + " does not fit ";

@@ -25,6 +25,13 @@ std::string shownValue(const ZTVariant& value);
 std::string noSuchMember(const ZTMetaClass& metaClass, std::string_view what, std::string_view name,
                          std::vector<std::string_view> known);
 
+/// For a property or a method that the class does not have.
+/// @param what  "property", "method"
+std::string foreignMember(std::string_view what, std::string_view name,
+                          const ZTMetaClass& metaClass);
+
+inline constexpr const char* noObject = "there is no object";
+
 /// "warm" does not fit Lamp.brightness of type double
 /// @param what  what the value was for; empty where nobody knows
 std::string misfit(const ZTVariant& value, std::string_view what, const ZTMetaType& type);

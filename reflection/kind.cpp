@@ -2,7 +2,7 @@
 
 #include "../types/metatypeprivate.h"
 
-#include <zintar/detail/values/shapes.h>
+#include <zintar/detail/values/shape.h>
 #include <zintar/enumeration.h>
 #include <zintar/metaclass.h>
 

@@ -99,11 +99,8 @@ namespace
 bool matches(const ZTMetaInvokable& invokable, std::string_view name, bool isConst,
              const std::vector<const ZTMetaType*>& parameterTypes)
 {
-    return invokable.parameterCount() == parameterTypes.size() && invokable.isConst() == isConst &&
-           invokable.name() == name &&
-           zt::detail::firstMisfit(invokable, [&](unsigned int i, const ZTMetaType& type) {
-               return &type == parameterTypes[i];
-           }) == parameterTypes.size();
+    return invokable.isConst() == isConst && invokable.name() == name &&
+           zt::detail::takesExactly(invokable, parameterTypes);
 }
 } // namespace
 

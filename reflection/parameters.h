@@ -3,6 +3,7 @@
 #include <zintar/metaclass.h>
 
 #include <algorithm>
+#include <vector>
 
 /// @file
 /// Whether parameters agree: those of events, methods and handlers, and values for them. What has
@@ -36,6 +37,15 @@ bool takesLeadingOf(const Taker& taker, const Giver& giver)
            firstMisfit(taker, [&](unsigned int position, const ZTMetaType& type) {
                return giver.parameterMetaType(position) == type;
            }) == count;
+}
+
+/// By identity.
+inline bool takesExactly(const ZTMetaInvokable& taker, const std::vector<const ZTMetaType*>& types)
+{
+    return taker.parameterCount() == types.size() &&
+           firstMisfit(taker, [&](unsigned int position, const ZTMetaType& type) {
+               return &type == types[position];
+           }) == types.size();
 }
 
 inline bool haveSameParameters(const ZTMetaInvokable& a, const ZTMetaInvokable& b)

@@ -2,7 +2,7 @@
 
 #include "metatypeprivate.h"
 
-#include <zintar/detail/values/shapes.h>
+#include <zintar/detail/values/shape.h>
 
 #include <iosfwd>
 

@@ -6,7 +6,7 @@ function(plugins_prints test exitCode)
              COMMAND ${CMAKE_COMMAND} -D PROGRAM=$<TARGET_FILE:plugins> -D "ARGUMENTS=${ARGN}"
                      -D EXIT_CODE=${exitCode}
                      -D EXPECTED=${CMAKE_CURRENT_SOURCE_DIR}/cases/${test}.txt
-                     -P ${CMAKE_CURRENT_SOURCE_DIR}/checkoutput.cmake
+                     -P ${CMAKE_CURRENT_SOURCE_DIR}/../checkoutput.cmake
              WORKING_DIRECTORY $<TARGET_FILE_DIR:plugins_climate>)
 endfunction()
 

@@ -136,15 +136,28 @@ private:
         ActionPlan action{node.place(), node["call"].name(), {}};
         // Events are raised by their senders alone.
         auto methods = find(Kind::Method, action.object, node["call"], node["method"]);
+        const std::vector<Node> given = node.elements("arguments");
         std::vector<ZTVariant> arguments;
-        for (const Node& argument : node.elements("arguments"))
+        for (const Node& argument : given)
             arguments.push_back(argument.value());
         auto call = ztTryFindCall(m_population.classOf(action.object, node["call"].place()),
                                   methods[0]->name(), arguments);
         if (!call)
-            throw Mistake(node.place(), call.error());
+            throw Mistake(placeOfMisfit(methods, given, node), call.error());
         action.what = *std::move(call);
         return action;
+    }
+
+    /// Where the argument stands that the first method of as many parameters does not take.
+    static std::string placeOfMisfit(const std::vector<const ZTMetaInvokable*>& methods,
+                                     const std::vector<Node>& given, const Node& call)
+    {
+        for (const ZTMetaInvokable* method : methods)
+            for (unsigned int i = 0; method->parameterCount() == given.size() && i < given.size();
+                 ++i)
+                if (!ztTryConvert(given[i].value(), method->parameterMetaType(i)))
+                    return given[i].place();
+        return call.place();
     }
 
     ActionPlan readMove(const Node& node)

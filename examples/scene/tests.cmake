@@ -5,8 +5,8 @@
 # expected   the file with all that the run prints, the line of a mistake last
 function(scene_prints test arguments exitCode expected)
     add_test(NAME scene_${test}
-             COMMAND ${CMAKE_COMMAND} -D SCENE=$<TARGET_FILE:scene> -D "ARGUMENTS=${arguments}"
-                     -D EXIT_CODE=${exitCode} -D EXPECTED=${expected} -P checkoutput.cmake
+             COMMAND ${CMAKE_COMMAND} -D PROGRAM=$<TARGET_FILE:scene> -D "ARGUMENTS=${arguments}"
+                     -D EXIT_CODE=${exitCode} -D EXPECTED=${expected} -P ../checkoutput.cmake
              WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
 endfunction()
 

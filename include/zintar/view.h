@@ -1,7 +1,7 @@
 #pragma once
 
 #include <zintar/detail/lent.h>
-#include <zintar/detail/values/shapes.h>
+#include <zintar/detail/values/shape.h>
 #include <zintar/export.h>
 #include <zintar/variant.h>
 
