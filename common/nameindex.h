@@ -41,6 +41,13 @@ struct NameKey {
             (first ^ size) * 0x9E3779B97F4A7C15u ^ last * 0xD6E8FEB86659FD93u;
         return size <= twoWords ? mixed : mixedWithMiddle(mixed);
     }
+    /// For a table that looks at the lower bits: the uppermost ones alone know of a digit at the
+    /// end of a name.
+    [[nodiscard]] std::size_t shortHash() const noexcept
+    {
+        const std::uint64_t mixed = hash();
+        return static_cast<std::size_t>(mixed >> 32 ^ mixed >> 56);
+    }
     /// Whether there is more of a name than its beginning and its end.
     static bool isLong(std::string_view name) noexcept { return name.size() > twoWords; }
 

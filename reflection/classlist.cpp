@@ -28,13 +28,7 @@ namespace zt::detail
 {
 struct ClassName {
     explicit ClassName(std::string_view name) : text(name), key(text) {}
-    [[nodiscard]] std::size_t hash() const { return hashOf(key); }
-    static std::size_t hashOf(const NameKey& key)
-    {
-        // The uppermost bits alone know of a digit at the end of a name.
-        const std::uint64_t hash = key.hash();
-        return static_cast<std::size_t>(hash >> 32 ^ hash >> 56);
-    }
+    [[nodiscard]] std::size_t hash() const { return key.shortHash(); }
 
     /// Another class has the name, in full or as its last part.
     void add(const ZTMetaClass& metaClass, bool isFull) noexcept
@@ -81,7 +75,7 @@ struct DeclaredClasses {
     [[nodiscard]] ClassName* find(std::string_view name) const
     {
         const NameKey key(name);
-        return names.find(ClassName::hashOf(key),
+        return names.find(key.shortHash(),
                           [&](const ClassName& candidate) { return candidate.key == key; });
     }
 };

@@ -2,11 +2,15 @@
 
 #include "support/logs.h"
 
+#include <zintar/containers.h>
 #include <zintar/converter.h>
 #include <zintar/declare.h>
+#include <zintar/kind.h>
 #include <zintar/metaclassbuilder.h>
 
 #include <memory>
+#include <sstream>
+#include <vector>
 
 namespace house
 {
@@ -118,6 +122,14 @@ TEST(Enumeration, TellsValuesAndNames)
         EXPECT_EQ(mode.valueOf(none), std::nullopt) << none;
     EXPECT_EQ(mode.nameOf(-1), std::nullopt);
     EXPECT_EQ(mode.nameOf(3), std::nullopt);
+}
+
+TEST(Enumeration, IsANumberWithinAContainerAlsoAsFlags)
+{
+    const ZTVariant held(std::vector<Access>{Access::Read, Access::Run});
+    std::ostringstream out;
+    ASSERT_TRUE(held.type().print(out, held.data()));
+    EXPECT_EQ(out.str(), "[1, 4]");
 }
 
 TEST(Enumeration, TellsFlagsTogether)

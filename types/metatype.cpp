@@ -29,9 +29,8 @@ ZTMetaTypePrivate::ZTMetaTypePrivate(std::string_view typeName, const std::type_
 const ZTMetaType* ZTMetaTypeRegistry::find(std::string_view name) const
 {
     const zt::detail::NameKey key(name);
-    const ZTMetaTypeName* found =
-        m_names.find(ZTMetaTypeName::hashOf(key),
-                     [&](const ZTMetaTypeName& candidate) { return candidate.key == key; });
+    const ZTMetaTypeName* found = m_names.find(
+        key.shortHash(), [&](const ZTMetaTypeName& candidate) { return candidate.key == key; });
     return found ? &found->type : nullptr;
 }
 

@@ -22,13 +22,7 @@ struct ZTMetaTypeName {
     ZTMetaTypeName(std::string_view name, const ZTMetaType& named)
         : text(name), key(text), type(named)
     {}
-    [[nodiscard]] std::size_t hash() const { return hashOf(key); }
-    static std::size_t hashOf(const zt::detail::NameKey& key)
-    {
-        // The uppermost bits alone know of a digit at the end of a name.
-        const std::uint64_t hash = key.hash();
-        return static_cast<std::size_t>(hash >> 32 ^ hash >> 56);
-    }
+    [[nodiscard]] std::size_t hash() const { return key.shortHash(); }
 
     const std::string text;
     const zt::detail::NameKey key;

@@ -189,7 +189,7 @@ void printHeld(std::ostream& stream, const ZTVariant& variant)
 void printPart(std::ostream& stream, const ZTMetaType& type, const void* value)
 {
     const ZTMetaTypePrivate& record = ZTMetaTypePrivate::of(type);
-    const ZTKind kind = ztKind(type);
+    const ZTKind kind = record.shape ? record.shape->kind : ZTKind();
     if (&type == &::ztMetaType<ZTVariant>())
         printHeld(stream, *static_cast<const ZTVariant*>(value));
     else if (kind == ZTKind::Text)
