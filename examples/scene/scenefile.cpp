@@ -138,6 +138,7 @@ private:
         auto methods = find(Kind::Method, action.object, node["call"], node["method"]);
         const std::vector<Node> given = node.elements("arguments");
         std::vector<ZTVariant> arguments;
+        arguments.reserve(given.size());
         for (const Node& argument : given)
             arguments.push_back(argument.value());
         auto call = ztTryFindCall(m_population.classOf(action.object, node["call"].place()),
