@@ -1,6 +1,7 @@
 #include "delivery.h"
 
 #include "eventvalues.h"
+#include "queuedsubscription.h"
 
 #include <zintar/detail/lent.h>
 #include <zintar/metaclass.h>
@@ -13,8 +14,8 @@
 inline ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot,
                               const ZTMetaInvokable& event, void* const* typed)
     : m_sender(&sender),
-      m_slot(slot),
-      m_event(event),
+      m_slot(&slot),
+      m_event(&event),
       m_index(slot.index),
       m_end(slot.subscriptions.size()),
       m_typed(typed)
@@ -25,13 +26,25 @@ inline ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot,
     activeEvents.enter(*this);
 }
 
+ZTDelivery::ZTDelivery(const ZTMetaInvokable* event, int index, const ZTBasePrivate* receiver)
+    : m_sender(nullptr),
+      m_slot(nullptr),
+      m_event(event),
+      m_index(index),
+      m_end(0),
+      m_typed(nullptr),
+      m_receiver(receiver)
+{
+    activeEvents.enter(*this);
+}
+
 inline ZTDelivery::~ZTDelivery()
 {
     activeEvents.leave(*this);
     if (!m_sender) [[unlikely]]
         return;
-    if (--m_slot.dispatching == 0 && m_slot.emptyCount() > 0) [[unlikely]]
-        m_slot.compact();
+    if (--m_slot->dispatching == 0 && m_slot->emptyCount() > 0) [[unlikely]]
+        m_slot->compact();
 }
 
 const ZTDelivery* ZTDelivery::activeEvent(const ZTBasePrivate* receiver)
@@ -60,17 +73,39 @@ void callForeign(zt::detail::ZTHandlerBase& handler, const ZTBase* subscriber,
     handler.invoke(handler.isMemberFunction() ? subscriber : nullptr, nullptr, leading);
 }
 
-void callHandler(const zt::detail::Handler& handler, const ZTBase* subscriber,
-                 ZTEventValues& values)
+/// Whether the condition of a subscription, if it has one, holds.
+bool holds(ZTSpecialSubscription& special, ZTEventValues& values)
 {
-    if (isForeign(handler))
-        callForeign(foreignOf(handler), subscriber, values.addresses(handler));
+    zt::detail::Condition* condition = special.condition.get();
+    if (!condition)
+        return true;
+    if (condition->takesArray)
+        return condition->holds(&values.array());
+    return values.areTakenBy(*condition) && condition->holds(values.addresses(*condition));
+}
+
+void endAtOnce(const std::shared_ptr<ZTSubscriptionPrivate>& record)
+{
+    ZTLetGo ended;
+    ZTEventEnds::end(*record, ended);
+}
+} // namespace
+
+/// Calls any handler on the present receiver.
+void ZTDelivery::callHandler(const zt::detail::Handler& handler, ZTEventValues& values) const
+{
+    const ZTBase* subscriber = m_receiver ? m_receiver->object : nullptr;
+    if (isInvokable(handler))
+        (void)invokableOf(handler).invoke(zt::detail::LentVariant(subscriber), values.array());
+    else if (isForeign(handler))
+        callForeign(foreignOf(handler), subscriber,
+                    values.addresses(zt::detail::HandlerView{handler}));
     else if (handler.kind->takesArray)
         handler.kind->call(handler.word, subscriber, &values.array());
     else
-        handler.kind->call(handler.word, subscriber, values.addresses(handler));
+        handler.kind->call(handler.word, subscriber,
+                           values.addresses(zt::detail::HandlerView{handler}));
 }
-} // namespace
 
 /// Whether a subscription is to be called now.
 inline bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues& values) const
@@ -87,19 +122,37 @@ inline bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues&
     m_receiver = nullptr;
     if (!isReached(entry, values))
         return;
+    if (entry.record->kind != ZTSubscriptionPrivate::Kind::Plain) [[unlikely]]
+        return callSpecial(entry.record->self, values);
     m_receiver = entry.subscriber;
-    const zt::detail::Handler& handler = entry.record->handler;
-    if (!isInvokable(handler))
-        return callHandler(handler, entry.subscriber ? entry.subscriber->object : nullptr, values);
-    const ZTBase* subscriber = entry.subscriber->object;
-    invokableOf(handler).invoke(zt::detail::LentVariant(subscriber), values.array());
+    callHandler(entry.record->handler, values);
+}
+
+/// Looks at the options of a subscription first. The slot may look otherwise behind this, and the
+/// sender may have died.
+[[gnu::noinline]] void ZTDelivery::callSpecial(const std::shared_ptr<ZTSubscriptionPrivate>& record,
+                                               ZTEventValues& values)
+{
+    const std::shared_ptr<ZTSubscriptionPrivate> kept = record;
+    ZTSpecialSubscription& special = *specialOf(*kept);
+    if (!special.isBound())
+        return endAtOnce(kept);
+    if (!holds(special, values) || !kept->isActive())
+        return;
+    if (special.kind == ZTSubscriptionPrivate::Kind::Queued)
+        return ZTQueuedSubscription::enqueue(kept, *m_event, values);
+    m_receiver = special.subscriber;
+    const zt::detail::KeptCall running(special.handler);
+    if (special.isOnce)
+        endAtOnce(kept);
+    callHandler(special.handler, values);
 }
 
 // What a handler may end, and what may move meanwhile, is not used behind its call.
 inline void ZTDelivery::callAll(ZTEventValues& values)
 {
     while (m_next < m_end) {
-        const ZTSlotEntry& entry = m_slot.subscriptions[m_next++];
+        const ZTSlotEntry& entry = m_slot->subscriptions[m_next++];
         const auto call = entry.typedCall;
         const ZTBasePrivate* receiver = entry.subscriber;
         // Nothing stands between typed values and a function that takes them.

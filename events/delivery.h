@@ -19,6 +19,12 @@ public:
                          const ZTArgumentArray& arguments);
     /// The innermost delivery that calls a handler for the object; null if there is none.
     static const ZTDelivery* activeEvent(const ZTBasePrivate* receiver);
+    /// Among the active events of its thread as long as it lives; a queue has its own walk.
+    /// @param event     null where there is none any more
+    /// @param receiver  may be null
+    ZTDelivery(const ZTMetaInvokable* event, int index, const ZTBasePrivate* receiver);
+    ~ZTDelivery();
+
     /// An object has died.
     static void forget(const ZTBasePrivate& receiver) noexcept;
     /// The deliveries that walk a slot.
@@ -31,7 +37,7 @@ public:
     /// Null once the sender has died; the slot is gone then.
     [[nodiscard]] ZTBasePrivate* sender() const { return m_sender; }
     [[nodiscard]] int index() const { return m_index; }
-    [[nodiscard]] const ZTMetaInvokable* event() const { return &m_event; }
+    [[nodiscard]] const ZTMetaInvokable* event() const { return m_event; }
 
 private:
     friend struct ZTEventSlot;
@@ -40,21 +46,22 @@ private:
 
     ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, const ZTMetaInvokable& event,
                void* const* typed);
-    ~ZTDelivery();
 
     template <class... Values>
     static void run(ZTBasePrivate& sender, ZTEventSlot& slot, const Values&... given);
     static void reportNoEvent(const ZTBase& sender, int index);
-    [[nodiscard]] bool walks(const ZTEventSlot& slot) const { return m_sender && &m_slot == &slot; }
+    [[nodiscard]] bool walks(const ZTEventSlot& slot) const { return m_sender && m_slot == &slot; }
     void callAll(ZTEventValues& values);
     void callOther(const ZTSlotEntry& entry, ZTEventValues& values);
+    void callSpecial(const std::shared_ptr<ZTSubscriptionPrivate>& record, ZTEventValues& values);
+    void callHandler(const zt::detail::Handler& handler, ZTEventValues& values) const;
     [[nodiscard]] bool isReached(const ZTSlotEntry& entry, const ZTEventValues& values) const;
 
     [[gnu::tls_model("initial-exec")]] static thread_local ZTThreadList<ZTDelivery> activeEvents;
 
     ZTBasePrivate* m_sender;
-    ZTEventSlot& m_slot;
-    const ZTMetaInvokable& m_event;
+    ZTEventSlot* m_slot;
+    const ZTMetaInvokable* m_event;
     int m_index;
     std::size_t m_next = 0;
     std::size_t m_end;

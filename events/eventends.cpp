@@ -2,6 +2,7 @@
 
 #include "../object/baseprivate.h"
 #include "delivery.h"
+#include "queuedsubscription.h"
 
 namespace
 {
@@ -29,14 +30,17 @@ void reserveReceived(ZTBasePrivate& subscriber)
 
 ZTSubscription ZTEventEnds::add(std::shared_ptr<ZTSubscriptionPrivate> record)
 {
+    ZTLetGo ended;
     ZTSubscription subscription(record);
     ZTBasePrivate* subscriber = record->subscriber;
+    ZTBasePrivate& sender = *record->sender;
+    sender.takeQueueNews();
     if (subscriber)
         reserveReceived(*subscriber);
-    ZTBasePrivate& sender = *record->sender;
     ZTEventSlot& slot = sender.events.eventSlots.findOrMake(record->eventIndex);
     // What the slot knows of its handlers is about the class that this one fits.
     (void)slot.eventOf(*sender.object);
+    slot.endUnbound(ended);
     slot.add(record);
     if (!subscriber)
         return subscription;
@@ -61,6 +65,14 @@ void ZTEventEnds::leaveSubscriber(ZTSubscriptionPrivate& record)
 
 void ZTEventEnds::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
+    if (record.kind == ZTSubscriptionPrivate::Kind::Queued) [[unlikely]]
+        (void)ZTQueuedSubscription::end(record, ended);
+    else
+        leaveSlot(record, ended);
+}
+
+void ZTEventEnds::leaveSlot(ZTSubscriptionPrivate& record, ZTLetGo& ended)
+{
     ZTEventSlot& slot = *record.sender->events.eventSlots.find(record.eventIndex);
     slot.end(record, ended);
     slot.compact();
@@ -70,6 +82,7 @@ void ZTEventEnds::endReceived(ZTBasePrivate& subscriber, ZTLetGo& ended)
 {
     if (ZTExtras::Parts* parts = subscriber.extras.parts())
         parts->receivedIndex.reset(); // nobody searches any more
+    ZTQueuedSubscription::endReceived(subscriber, ended);
     while (subscriber.events.senders)
         end(*subscriber.events.senders, ended);
 }

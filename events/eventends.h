@@ -11,12 +11,21 @@
 struct ZTEventEnds {
     [[nodiscard]] bool areNone() const { return !senders && eventSlots.areNone(); }
 
+    [[nodiscard]] static ZTSubscription
+    handleOf(const std::shared_ptr<ZTSubscriptionPrivate>& record)
+    {
+        return ZTSubscription(record);
+    }
     /// Adds a subscription to the ends of both its objects. May throw, and changes nothing then.
     static ZTSubscription add(std::shared_ptr<ZTSubscriptionPrivate> record);
     /// Takes a subscription out of the list of its subscriber.
     static void leaveSubscriber(ZTSubscriptionPrivate& record);
 
+    /// Somebody else keeps the record meanwhile, unless it is a plain one.
     static void end(ZTSubscriptionPrivate& record, ZTLetGo& ended);
+    static void leaveSlot(ZTSubscriptionPrivate& record, ZTLetGo& ended);
+    /// The first subscription that the pattern means; null if there is none: unsubscribe.cpp.
+    static ZTSubscriptionPrivate* findMeant(const ZTSubscriptionPattern& pattern);
     /// Ends what the pattern means, and tells whether there was any: unsubscribe.cpp.
     static bool endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
 

@@ -2,6 +2,7 @@
 
 #include "../reflection/parameters.h"
 #include "delivery.h"
+#include "specialsubscription.h"
 
 #include <utility>
 
@@ -11,12 +12,18 @@ namespace
 {
 decltype(ZTSlotEntry::typedCall) typedCallOf(const ZTSubscriptionPrivate& record)
 {
-    return record.takesEvent && !record.handler.kind->takesArray ? record.handler.kind->call
-                                                                 : nullptr;
+    const bool isCalledSo = record.takesEvent && !record.handler.kind->takesArray &&
+                            record.kind == ZTSubscriptionPrivate::Kind::Plain;
+    return isCalledSo ? record.handler.kind->call : nullptr;
 }
 
+/// One that goes through a queue has only left its slot: what else is of it is for the queue.
 void endRecord(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 {
+    if (ZTSpecialSubscription* special = specialOf(record))
+        ended.add(special->condition.release());
+    if (record.kind == ZTSubscriptionPrivate::Kind::Queued)
+        return;
     ZTEventEnds::leaveSubscriber(record);
     record.active.store(false, std::memory_order_release);
     ended.add(keptOf(record.handler));
@@ -29,8 +36,22 @@ void ZTEventSlot::add(std::shared_ptr<ZTSubscriptionPrivate> record)
     ZTSubscriptionPrivate& added = *record;
     added.position = static_cast<std::uint32_t>(subscriptions.size());
     subscriptions.push_back({&added, {added.subscriber}, typedCallOf(added), added.handler.word});
-    added.self = std::move(record);
+    if (!added.self) // one that goes through a queue owns itself already
+        added.self = std::move(record);
     ++listed;
+}
+
+void ZTEventSlot::endUnbound(ZTLetGo& ended)
+{
+    if (subscriptions.size() < subscriptions.capacity() || dispatching > 0)
+        return;
+    for (const ZTSlotEntry& entry : subscriptions) {
+        const ZTSpecialSubscription* special =
+            entry.record && !entry.typedCall ? specialOf(*entry.record) : nullptr;
+        if (special && special->kind == ZTSubscriptionPrivate::Kind::Special && !special->isBound())
+            end(*entry.record, ended);
+    }
+    compact();
 }
 
 void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)

@@ -60,6 +60,9 @@ struct ZTEventSlot : zt::detail::InBlocks {
 
     /// May throw, and changes nothing then.
     void add(std::shared_ptr<ZTSubscriptionPrivate> record);
+    /// Ends what is not bound to anything living any more, if the next one to be added needs more
+    /// room than there is.
+    void endUnbound(ZTLetGo& ended);
     /// Takes the subscription out of the slot and out of its subscriber's list, and its handler
     /// along.
     void end(ZTSubscriptionPrivate& record, ZTLetGo& ended);

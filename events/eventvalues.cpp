@@ -55,16 +55,10 @@ const ZTArgumentArray& ZTEventValues::array()
 }
 
 /// A value of another type than the handler takes is not handed to it as if it were one.
-void* const* ZTEventValues::collectAddresses(const zt::detail::HandlerView& handler)
+void* ZTEventValues::addressFor(unsigned int position, const ZTMetaType& taken) const
 {
-    const ZTMetaType& variantType = ::ztMetaType<ZTVariant>();
-    for (unsigned int i = 0; i < handler.parameterCount(); ++i) {
-        const ZTVariant& value = (*m_array)[i];
-        const ZTMetaType& taken = handler.parameterMetaType(i);
-        if (taken == variantType)
-            m_collected[i] = const_cast<ZTVariant*>(&value);
-        else
-            m_collected[i] = ::isValueOf(value.type(), taken) ? value.data() : nullptr;
-    }
-    return m_collected;
+    const ZTVariant& value = (*m_array)[position];
+    if (taken == ::ztMetaType<ZTVariant>())
+        return const_cast<ZTVariant*>(&value);
+    return ::isValueOf(value.type(), taken) ? value.data() : nullptr;
 }

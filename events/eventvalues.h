@@ -40,10 +40,16 @@ struct ZTEventValues {
     }
 
     const ZTArgumentArray& array();
-    /// Ten addresses, of which those of the handler's parameters are set.
-    void* const* addresses(const zt::detail::Handler& handler)
+    /// Ten addresses, of which those of the parameters of a handler or a condition are set. Good
+    /// until those for another one are asked for.
+    template <class Taker>
+    void* const* addresses(const Taker& taker)
     {
-        return m_addresses ? m_addresses : collectAddresses({handler});
+        if (m_addresses)
+            return m_addresses;
+        for (unsigned int i = 0; i < taker.parameterCount(); ++i)
+            m_collected[i] = addressFor(i, taker.parameterMetaType(i));
+        return m_collected;
     }
     /// The addresses of typed values; null when the values are an array.
     [[nodiscard]] void* const* typedAddresses() const { return m_addresses; }
@@ -51,7 +57,7 @@ struct ZTEventValues {
 private:
     [[nodiscard]] bool isValueOf(unsigned int position, const ZTMetaType& type) const;
     void fitToOther(const ZTMetaInvokable& event);
-    void* const* collectAddresses(const zt::detail::HandlerView& handler);
+    [[nodiscard]] void* addressFor(unsigned int position, const ZTMetaType& taken) const;
 
     const ZTArgumentArray* m_array = nullptr;
     const ZTMetaInvokable* m_declared = nullptr;

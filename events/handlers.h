@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -44,6 +45,39 @@ inline KeptHandler* keptOf(const Handler& handler)
 {
     return handler.kind && handler.kind->isKept ? pointerIn<KeptHandler>(handler.word) : nullptr;
 }
+
+/// Sees to the end of a handler that does not get into a subscription.
+class OwnedHandler
+{
+public:
+    explicit OwnedHandler(const Handler& handler) : m_handler(handler) {}
+    OwnedHandler(const OwnedHandler&) = delete;
+    OwnedHandler& operator=(const OwnedHandler&) = delete;
+    ~OwnedHandler()
+    {
+        if (KeptHandler* kept = keptOf(m_handler))
+            kept->end();
+    }
+    [[nodiscard]] const Handler& get() const { return m_handler; }
+    Handler release() { return std::exchange(m_handler, {}); }
+
+private:
+    Handler m_handler;
+};
+
+/// Keeps what a handler calls alive, as one that runs.
+class KeptCall
+{
+public:
+    explicit KeptCall(const Handler& handler)
+    {
+        if (KeptHandler* kept = keptOf(handler))
+            m_call.emplace(*kept);
+    }
+
+private:
+    std::optional<KeptHandler::Call> m_call;
+};
 
 /// As what handlers can be found: two of the same identity may be the same handler.
 struct HandlerIdentity {

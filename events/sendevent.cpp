@@ -97,7 +97,8 @@ void ZTBase::sendValues(const zt::detail::DeclaredEvent& declared, void** addres
     ZTEventSlot* slot = priv ? priv->events.eventSlots.findSingle(declared.index) : nullptr;
     if (slot && slot->listed > 0 && priv->extras.areNone())
         return ZTDelivery::runTyped(*priv, *slot, declared.descriptor, addresses);
-    if (!priv || (priv->events.eventSlots.areNone() && declared.index >= 0)) [[likely]]
+    if (!priv || (priv->events.eventSlots.areNone() && priv->extras.areNone() &&
+                  declared.index >= 0)) [[likely]]
         return;
     sendOtherwise(*priv, declared, addresses);
 }

@@ -1,5 +1,6 @@
 #include "../object/baseprivate.h"
 #include "../reflection/parameters.h"
+#include "queuedsubscription.h"
 
 #include <zintar/log.h>
 
@@ -11,24 +12,6 @@ using zt::detail::HandlerView;
 
 namespace
 {
-/// Sees to the end of a handler that does not get into a subscription.
-class OwnedHandler
-{
-public:
-    explicit OwnedHandler(const Handler& handler) : m_handler(handler) {}
-    OwnedHandler(const OwnedHandler&) = delete;
-    OwnedHandler& operator=(const OwnedHandler&) = delete;
-    ~OwnedHandler()
-    {
-        if (zt::detail::KeptHandler* kept = keptOf(m_handler))
-            kept->end();
-    }
-    void release() { m_handler = {}; }
-
-private:
-    Handler m_handler;
-};
-
 bool fail(const ZTMetaInvokable& event, const std::string& reason)
 {
     ztLog("Zintar: Subscription failed with event " + std::string(event.name()) + " and " + reason,
@@ -92,12 +75,22 @@ bool hasSubscriber(const ZTMetaInvokable& event, const ZTBase* subscriber, const
 
 bool isMovedFrom(const ZTBase* object) { return object && !ZTBasePrivate::of(object); }
 
-std::shared_ptr<ZTSubscriptionPrivate> makeRecord(const ZTBase* sender,
-                                                  const ZTMetaInvokable& event,
-                                                  const ZTBase* subscriber, const Handler& handler)
+/// Whether the subscription can be; what is against it is told in the log, or plain to see.
+bool canSubscribe(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBase* subscriber,
+                  const Handler& handler)
 {
-    using Allocator = zt::detail::BlockAllocator<ZTSubscriptionPrivate>;
-    auto record = std::allocate_shared<ZTSubscriptionPrivate>(Allocator());
+    return canBeSubscribedTo(sender, event) && !isMovedFrom(subscriber) && handler &&
+           hasSubscriber(*event, subscriber, handler) && checkParameters(*event, {handler}) &&
+           checkClass(*sender, *event, {handler});
+}
+
+template <class Record, class... Options>
+std::shared_ptr<ZTSubscriptionPrivate>
+makeRecord(const ZTBase* sender, const ZTMetaInvokable& event, const ZTBase* subscriber,
+           const Handler& handler, Options&... options)
+{
+    using Allocator = zt::detail::BlockAllocator<Record>;
+    auto record = std::allocate_shared<Record>(Allocator(), options...);
     record->sender = ZTBasePrivate::of(sender);
     record->subscriber = ZTBasePrivate::of(subscriber);
     record->event = &event;
@@ -105,6 +98,36 @@ std::shared_ptr<ZTSubscriptionPrivate> makeRecord(const ZTBase* sender,
     record->active = true;
     record->eventIndex = event.index();
     return record;
+}
+
+/// A handler that a receiver bounds is refused without one: it would outlive what it captured.
+bool hasBound(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBase* receiver,
+              const Handler& handler)
+{
+    if (receiver || !handler || isInvokable(handler) || HandlerView{handler}.isMemberFunction())
+        return true;
+    if (canBeSubscribedTo(sender, event))
+        fail(*event,
+             "handler. The handler was given with a subscriber, but the subscriber was null");
+    return false;
+}
+
+/// Its parameters may be more than the handler has.
+bool checkCondition(const ZTMetaInvokable& event, const zt::detail::Condition* condition)
+{
+    return !condition || zt::detail::takesLeadingOf(*condition, event) ||
+           fail(event, "a condition. It takes other values than the event supplies");
+}
+
+/// The subscription of the same handler that is there already, or null.
+ZTSubscriptionPrivate* findEqual(const ZTBase* sender, const ZTMetaInvokable& event,
+                                 const ZTBase* subscriber, const Handler& handler,
+                                 const zt::detail::SubscriptionOptions& options)
+{
+    return ZTEventEnds::findMeant({ZTBasePrivate::of(sender), ZTBasePrivate::of(subscriber), &event,
+                                   event.index(),
+                                   isInvokable(handler) ? &invokableOf(handler) : nullptr,
+                                   options.key ? &*options.key : nullptr});
 }
 } // namespace
 
@@ -117,13 +140,11 @@ ZTSubscription ZTBase::subscribe(const ZTBase* sender, const ZTMetaInvokable* ev
 ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                      const ZTBase* subscriber, Handler handler)
 {
-    OwnedHandler owned(handler);
-    if (!canBeSubscribedTo(sender, event) || isMovedFrom(subscriber) || !handler)
+    zt::detail::OwnedHandler owned(handler);
+    if (!canSubscribe(sender, event, subscriber, handler))
         return {};
-    if (!hasSubscriber(*event, subscriber, handler) || !checkParameters(*event, {handler}) ||
-        !checkClass(*sender, *event, {handler}))
-        return {};
-    ZTSubscription subscription = ZTEventEnds::add(makeRecord(sender, *event, subscriber, handler));
+    ZTSubscription subscription =
+        ZTEventEnds::add(makeRecord<ZTSubscriptionPrivate>(sender, *event, subscriber, handler));
     owned.release();
     return subscription;
 }
@@ -131,18 +152,42 @@ ZTSubscription ZTBase::subscribeImpl(const ZTBase* sender, const ZTMetaInvokable
 ZTSubscription ZTBase::subscribeFor(const ZTBase* receiver, const ZTBase* sender,
                                     const ZTMetaInvokable* event, Handler handler)
 {
-    // Without a subscriber a callable would outlive what it captured.
-    if (receiver || !handler || HandlerView{handler}.isMemberFunction())
+    if (hasBound(sender, event, receiver, handler))
         return subscribeImpl(sender, event, receiver, handler);
-    OwnedHandler owned(handler);
-    if (canBeSubscribedTo(sender, event))
-        fail(*event,
-             "handler. The handler was given with a subscriber, but the subscriber was null");
+    const zt::detail::OwnedHandler refused(handler);
     return {};
+}
+
+ZTSubscription ZTBase::subscribeWith(const ZTBase* sender, const ZTMetaInvokable* event,
+                                     const ZTBase* subscriber, Handler handler,
+                                     zt::detail::SubscriptionOptions& options)
+{
+    zt::detail::OwnedHandler owned(handler);
+    if ((options.needsReceiver && !hasBound(sender, event, subscriber, handler)) ||
+        !canSubscribe(sender, event, subscriber, handler) ||
+        !checkCondition(*event, options.condition.get()) ||
+        (options.bound && !options.bound->isThere()))
+        return {};
+    if (options.queue)
+        return ZTQueuedSubscription::add(*ZTBasePrivate::of(sender), *event,
+                                         ZTBasePrivate::of(subscriber), owned, options);
+    if (options.isUnique)
+        if (ZTSubscriptionPrivate* equal = findEqual(sender, *event, subscriber, handler, options))
+            return ZTEventEnds::handleOf(equal->self);
+    ZTSubscription subscription = ZTEventEnds::add(
+        makeRecord<ZTSpecialSubscription>(sender, *event, subscriber, handler, options));
+    owned.release();
+    return subscription;
 }
 
 namespace zt::detail
 {
+Condition::~Condition() = default;
+
+LifeBound::~LifeBound() = default;
+
+Handler invokableHandler(const ZTMetaInvokable* invokable) { return handlerOf(invokable); }
+
 void warnUnknownEvent(const ZTMetaClass& metaClass)
 {
     ztLog("Zintar: Subscription failed. The member function is not an event of class " +

@@ -1,6 +1,6 @@
 #include <zintar/subscription.h>
 
-#include "subscriptionrecord.h"
+#include "specialsubscription.h"
 
 #include <memory>
 #include <utility>
@@ -11,7 +11,10 @@ std::shared_ptr<ZTSubscriptionPrivate>
 activeRecord(const std::weak_ptr<ZTSubscriptionPrivate>& handle)
 {
     auto record = handle.lock();
-    return record && record->isActive() ? record : nullptr;
+    if (!record || !record->isActive())
+        return nullptr;
+    const ZTSpecialSubscription* special = specialOf(*record);
+    return !special || special->isBound() ? record : nullptr;
 }
 } // namespace
 
@@ -27,7 +30,9 @@ bool ZTSubscription::operator==(const ZTSubscription& other) const noexcept
     if (a == b)
         return true;
     return a && b && a->sender == b->sender && a->event == b->event &&
-           a->subscriber == b->subscriber && a->hasSameInvokable(*b);
+           a->subscriber == b->subscriber && a->hasSameInvokable(*b) &&
+           a->kind != ZTSubscriptionPrivate::Kind::Queued &&
+           b->kind != ZTSubscriptionPrivate::Kind::Queued;
 }
 
 ZTScopedSubscription& ZTScopedSubscription::operator=(ZTScopedSubscription&& other) noexcept

@@ -2,10 +2,15 @@
 
 bool ZTSubscriptionPattern::means(const ZTSubscriptionPrivate& record) const
 {
-    if ((sender && sender != record.sender) || (subscriber && subscriber != record.subscriber) ||
-        (event && event != record.event))
+    if (record.kind == ZTSubscriptionPrivate::Kind::Queued || (sender && sender != record.sender) ||
+        (subscriber && subscriber != record.subscriber) || (event && event != record.event))
         return false;
+    return meansHandler(record.handler);
+}
+
+bool ZTSubscriptionPattern::meansHandler(const zt::detail::Handler& handler) const
+{
     if (invokable)
-        return isInvokable(record.handler) && &invokableOf(record.handler) == invokable;
-    return !key || zt::detail::HandlerView{record.handler}.equals(*key);
+        return isInvokable(handler) && &invokableOf(handler) == invokable;
+    return !key || zt::detail::HandlerView{handler}.equals(*key);
 }

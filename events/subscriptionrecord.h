@@ -16,7 +16,7 @@
 /// 2. What a handle on another thread reads, `active` apart, does not change from the moment on
 ///    when there is a handle.
 struct ZTSubscriptionPrivate {
-    ZTSubscriptionPrivate() = default;
+    ZTSubscriptionPrivate() : ZTSubscriptionPrivate(Kind::Plain) {}
     ZTSubscriptionPrivate(const ZTSubscriptionPrivate&) = delete;
     ZTSubscriptionPrivate& operator=(const ZTSubscriptionPrivate&) = delete;
 
@@ -45,12 +45,19 @@ struct ZTSubscriptionPrivate {
     /// Whether the handler takes the values of the event that the sender's class has at that index,
     /// as the slot has found out last.
     bool takesEvent = true;
+    /// Which record it is: a special one has options, a queued one goes through a queue besides.
+    enum class Kind : unsigned char { Plain, Special, Queued };
+    const Kind kind;
+
+protected:
+    explicit ZTSubscriptionPrivate(Kind kindOfRecord) : kind(kindOfRecord) {}
 };
 
-/// What to search subscriptions for: null means any.
+/// What to search subscriptions for: null means any. Those through queues are not meant.
 struct ZTSubscriptionPattern {
     /// Whether a subscription, which is in a slot, is one of those that are meant.
     [[nodiscard]] bool means(const ZTSubscriptionPrivate& record) const;
+    [[nodiscard]] bool meansHandler(const zt::detail::Handler& handler) const;
     /// Whether only a handler that can be found by its value can be meant.
     [[nodiscard]] bool hasHandler() const { return invokable || key; }
     /// The word of that handler, if it has one that tells it from others.

@@ -1,59 +1,42 @@
 #include "../object/baseprivate.h"
+#include "queuedsubscription.h"
 
 // Whatever a pattern means is in the lists of both ends. That of the subscriber, if one is meant,
 // is the one to search: it is short, or has an index.
 
 namespace
 {
-/// Ends one subscription after the other, as far as the pattern means it.
-class EndingMeant
-{
-public:
-    EndingMeant(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
-        : m_pattern(pattern), m_ended(ended)
-    {}
-    void operator()(ZTSubscriptionPrivate& record)
-    {
-        if (!m_pattern.means(record))
-            return;
-        ZTEventEnds::end(record, m_ended);
-        m_any = true;
-    }
-    [[nodiscard]] bool any() const { return m_any; }
-
-private:
-    const ZTSubscriptionPattern& m_pattern;
-    ZTLetGo& m_ended;
-    bool m_any = false;
-};
-
-void endIndexed(const ZTReceivedIndex& index, int eventIndex, const ZTSubscriptionPattern& pattern,
-                EndingMeant& endMeant)
+template <class Action>
+void forEachIndexed(const ZTReceivedIndex& index, int eventIndex,
+                    const ZTSubscriptionPattern& pattern, Action& action)
 {
     using zt::detail::HandlerIdentity;
     ZTReceivedIndex::Key key{pattern.sender, eventIndex};
     if (!pattern.hasHandler())
-        return index.forEachOfEvent(key, endMeant);
+        return index.forEachOfEvent(key, action);
     key.handler = {HandlerIdentity::ByWord, pattern.wordOfHandler()};
-    index.forEachOfHandler(key, endMeant);
+    index.forEachOfHandler(key, action);
     key.handler = {HandlerIdentity::ByAsking};
-    index.forEachOfHandler(key, endMeant);
+    index.forEachOfHandler(key, action);
 }
 
-void endAmongReceived(const ZTSubscriptionPattern& pattern, EndingMeant& endMeant)
+/// Calls `action` with each subscription of the subscriber that the pattern may mean. It may end
+/// the one that it is given.
+template <class Action>
+void forEachReceived(const ZTSubscriptionPattern& pattern, Action& action)
 {
     const ZTReceivedIndex* index = pattern.subscriber->extras.receivedIndex();
     if (index && pattern.event)
-        return endIndexed(*index, pattern.eventIndex, pattern, endMeant);
+        return forEachIndexed(*index, pattern.eventIndex, pattern, action);
     if (index) {
         pattern.sender->events.eventSlots.forEach(
-            [&](const ZTEventSlot& slot) { endIndexed(*index, slot.index, pattern, endMeant); });
+            [&](const ZTEventSlot& slot) { forEachIndexed(*index, slot.index, pattern, action); });
         return;
     }
     ZTSubscriptionPrivate* next = nullptr;
     for (auto* record = pattern.subscriber->events.senders; record; record = next) {
         next = record->next;
-        endMeant(*record);
+        action(*record);
     }
 }
 
@@ -75,9 +58,33 @@ bool ZTEventEnds::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& end
 {
     if (!pattern.subscriber)
         return endAmongSent(pattern, ended);
-    EndingMeant endMeant(pattern, ended);
-    endAmongReceived(pattern, endMeant);
-    return endMeant.any();
+    bool any = false;
+    auto endMeant = [&](ZTSubscriptionPrivate& record) {
+        if (!pattern.means(record))
+            return;
+        end(record, ended);
+        any = true;
+    };
+    forEachReceived(pattern, endMeant);
+    return any;
+}
+
+ZTSubscriptionPrivate* ZTEventEnds::findMeant(const ZTSubscriptionPattern& pattern)
+{
+    ZTSubscriptionPrivate* found = nullptr;
+    auto find = [&](ZTSubscriptionPrivate& record) {
+        if (!found && pattern.means(record))
+            found = &record;
+    };
+    if (pattern.subscriber) {
+        forEachReceived(pattern, find);
+        return found;
+    }
+    if (const ZTEventSlot* slot = pattern.sender->events.eventSlots.find(pattern.eventIndex))
+        for (const ZTSlotEntry& entry : slot->subscriptions)
+            if (entry.record && !entry.record->subscriber)
+                find(*entry.record);
+    return found;
 }
 
 bool ZTBase::unsubscribe(const ZTBase* subscriber) const
@@ -89,6 +96,8 @@ bool ZTBase::unsubscribe(const ZTSubscription& subscription)
 {
     ZTLetGo ended;
     auto record = subscription.m_record.lock();
+    if (record && record->kind == ZTSubscriptionPrivate::Kind::Queued)
+        return ZTQueuedSubscription::end(*record, ended);
     if (!record || !record->isActive())
         return false;
     if (isInvokable(record->handler)) {
@@ -109,7 +118,10 @@ void ZTScopedSubscription::reset() noexcept
     ZTLetGo ended;
     ZTSubscription subscription = release();
     auto record = subscription.m_record.lock();
-    if (record && record->isActive())
+    if (!record)
+        return;
+    // What has been raised already is not to be delivered either.
+    if (record->isActive() || record->kind == ZTSubscriptionPrivate::Kind::Queued)
         ZTEventEnds::end(*record, ended);
 }
 
@@ -130,7 +142,8 @@ bool endByPattern(const ZTBase* sender, const ZTMetaInvokable* event, const ZTBa
         (pattern.hasHandler() && !subscriber))
         return false;
     ZTLetGo ended;
-    return ZTEventEnds::endMatching(pattern, ended);
+    const bool any = ZTEventEnds::endMatching(pattern, ended);
+    return ZTQueuedSubscription::endMatching(pattern, ended) || any;
 }
 } // namespace
 

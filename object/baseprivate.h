@@ -39,6 +39,13 @@ struct ZTBasePrivate final : zt::detail::InBlocks, ZTTreeNode {
     /// Whether the object's record can still be handed over.
     static bool hasRecordToGive(const ZTBase& object);
 
+    /// Sees to the slots of subscriptions through queues that have come or gone meanwhile.
+    void takeQueueNews() const
+    {
+        ZTQueueEnds* ends = extras.areNone() ? nullptr : extras.queueEnds();
+        if (ends && ends->hasNews.load(std::memory_order_relaxed)) [[unlikely]]
+            takeNewsOf(*ends); // events/queuedsubscription.cpp
+    }
     /// The slot of an event that somebody hears; null when a send would reach nobody.
     [[nodiscard]] ZTEventSlot* heardSlot(int index) const;
     [[nodiscard]] bool isBlockingSent() const;
@@ -47,6 +54,9 @@ struct ZTBasePrivate final : zt::detail::InBlocks, ZTTreeNode {
 
     ZTEventEnds events;
     ZTExtras extras;
+
+private:
+    static void takeNewsOf(ZTQueueEnds& ends);
 };
 
 inline bool ZTBasePrivate::isBlockingSent() const
@@ -61,6 +71,7 @@ inline bool ZTBasePrivate::isBlockingReceived() const
 
 inline ZTEventSlot* ZTBasePrivate::heardSlot(int index) const
 {
+    takeQueueNews();
     ZTEventSlot* slot = events.eventSlots.find(index);
     return slot && slot->listed > 0 && !isBlockingSent() ? slot : nullptr;
 }

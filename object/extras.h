@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../events/eventblockers.h"
+#include "../events/queueends.h"
 #include "../events/receivedindex.h"
 #include "dynamicproperties.h"
 #include "references.h"
@@ -8,12 +9,15 @@
 #include <zintar/detail/blocks.h>
 #include <zintar/detail/words.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
-#include <utility>
 
 /// What few objects have, and its place in the record: one word, as long as there is nothing, or
 /// nothing but blockers. Those take no memory, so that silencing an object cannot fail.
+///
+/// The parts may come into being on another thread than the object's, for its subscriptions through
+/// queues; all that is in them, those apart, is for the thread of the object.
 class ZTExtras
 {
 public:
@@ -24,20 +28,25 @@ public:
         std::unique_ptr<ZTDynamicProperties> storedValues;
         ZTEventBlockers blockers;
         std::unique_ptr<ZTReceivedIndex> receivedIndex;
+        /// Owned; null as long as no subscription through a queue needed them.
+        std::atomic<ZTQueueEnds*> queueEnds = nullptr;
+
+        Parts() = default;
+        Parts(const Parts&) = delete;
+        Parts& operator=(const Parts&) = delete;
+        ~Parts() { delete queueEnds.load(std::memory_order_relaxed); }
     };
 
     ZTExtras() = default;
-    ZTExtras(ZTExtras&& other) noexcept : m_word(std::exchange(other.m_word, 0)) {}
+    ZTExtras(ZTExtras && other) noexcept : m_word(other.m_word.exchange(0)) {}
     ZTExtras& operator=(ZTExtras&&) = delete;
     ~ZTExtras() { delete parts(); }
 
-    [[nodiscard]] bool areNone() const { return m_word == 0; }
+    [[nodiscard]] bool areNone() const { return m_word.load(std::memory_order_relaxed) == 0; }
     /// Null as long as nobody needed them.
-    [[nodiscard]] Parts* parts() const
-    {
-        return m_word & 1 ? nullptr : zt::detail::pointerIn<Parts>(m_word);
-    }
+    [[nodiscard]] Parts* parts() const { return partsIn(word()); }
     /// May throw, and changes nothing then.
+    /// Threads: any, as long as the object lives.
     Parts& needParts();
 
     /// Null as long as the object has few subscriptions to others.
@@ -46,34 +55,59 @@ public:
         const Parts* all = parts();
         return all ? all->receivedIndex.get() : nullptr;
     }
+    /// Null as long as the object has had no subscription through a queue.
+    [[nodiscard]] ZTQueueEnds* queueEnds() const
+    {
+        const Parts* all = parts();
+        return all ? all->queueEnds.load(std::memory_order_acquire) : nullptr;
+    }
     [[nodiscard]] ZTEventBlockers blockers() const
     {
-        return m_word & 1 ? ZTEventBlockers(zt::detail::pointerIn<ZTEventBlocker>(m_word - 1))
-               : m_word   ? parts()->blockers
-                          : ZTEventBlockers();
+        const std::uintptr_t now = word();
+        const Parts* all = partsIn(now);
+        return all ? all->blockers : blockersIn(now);
     }
     template <class Change>
     void changeBlockers(const Change& change)
     {
+        std::uintptr_t before = word();
         ZTEventBlockers changed = blockers();
         change(changed);
-        if (Parts* all = parts())
-            all->blockers = changed;
-        else
-            m_word = changed.areNone() ? 0 : reinterpret_cast<std::uintptr_t>(changed.first()) + 1;
+        const std::uintptr_t after =
+            changed.areNone() ? 0 : reinterpret_cast<std::uintptr_t>(changed.first()) + 1;
+        // Parts that have come meanwhile have the blockers of before.
+        if (partsIn(before) || !m_word.compare_exchange_strong(before, after))
+            parts()->blockers = changed;
     }
 
 private:
+    [[nodiscard]] std::uintptr_t word() const { return m_word.load(std::memory_order_acquire); }
+    static Parts* partsIn(std::uintptr_t word)
+    {
+        return word & 1 ? nullptr : zt::detail::pointerIn<Parts>(word);
+    }
+    static ZTEventBlockers blockersIn(std::uintptr_t word)
+    {
+        return word & 1 ? ZTEventBlockers(zt::detail::pointerIn<ZTEventBlocker>(word - 1))
+                        : ZTEventBlockers();
+    }
+
     /// The address of the parts, or one more than that of the first blocker; 0 for none.
-    std::uintptr_t m_word = 0;
+    std::atomic<std::uintptr_t> m_word = 0;
 };
 
 inline ZTExtras::Parts& ZTExtras::needParts()
 {
-    if (!parts()) {
+    std::uintptr_t now = word();
+    if (!partsIn(now)) {
         auto made = std::make_unique<Parts>();
-        made->blockers = blockers();
-        m_word = reinterpret_cast<std::uintptr_t>(made.release());
+        do {
+            if (partsIn(now))
+                return *partsIn(now);
+            made->blockers = blockersIn(now);
+        } while (!m_word.compare_exchange_weak(now, reinterpret_cast<std::uintptr_t>(made.get()),
+                                               std::memory_order_acq_rel));
+        return *made.release();
     }
-    return *parts();
+    return *partsIn(now);
 }

@@ -5,6 +5,8 @@
 
 #include <zintar/detail/handlers.h>
 
+#include <utility>
+
 ZTLetGo::~ZTLetGo()
 {
     while (zt::detail::KeptHandler* handler = m_first) {
@@ -19,6 +21,14 @@ void ZTLetGo::add(zt::detail::KeptHandler* handler) noexcept
         return;
     *m_end = handler;
     m_end = &handler->m_nextEnded;
+}
+
+void ZTLetGo::take(ZTLetGo& other) noexcept
+{
+    if (!other.m_first)
+        return;
+    *m_end = std::exchange(other.m_first, nullptr);
+    m_end = std::exchange(other.m_end, &other.m_first);
 }
 
 namespace

@@ -39,6 +39,10 @@
 // raising an event        copies of typed values              watches sender, looks slot up again
 //                         handlers                            ZTDelivery
 //                         end of a handler that has ended     when it has returned: Call
+//  through a queue        copies of the values                keeps the subscription
+//                         the condition of a subscription     keeps it, asks whether it is active
+// delivery of a queue     handlers, ends of dropped values    keeps the queue, takes out one by one
+//                         ends of handlers that others ended  last act
 // declared property,      copies, conversions of values       watches the object
 //  method by name         getter, setter, method              nothing is used behind it
 // ZTEventListener         copies of what it records           watches the listener
@@ -57,6 +61,8 @@ public:
 
     /// @param handler  null adds nothing
     void add(zt::detail::KeptHandler* handler) noexcept;
+    /// All that `other` has.
+    void take(ZTLetGo& other) noexcept;
 
 private:
     zt::detail::KeptHandler* m_first = nullptr;

@@ -1,5 +1,7 @@
 #include "lifetime.h"
 
+#include "../events/queuedsubscription.h"
+
 #include <utility>
 
 namespace
@@ -98,6 +100,8 @@ void ZTBasePrivate::takeApart() noexcept
     }
     lastParts.blockers().clear();
     events.endSent(ended);
+    if (ZTQueueEnds* queueEnds = lastParts.queueEnds())
+        ZTQueuedSubscription::leaveSender(*queueEnds, ended);
     if (object->priv == this)
         object->priv = nullptr;
     vanish();

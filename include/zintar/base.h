@@ -2,6 +2,7 @@
 
 #include <zintar/detail/lent.h>
 #include <zintar/detail/makehandler.h>
+#include <zintar/detail/subscriptionoptions.h>
 #include <zintar/detail/typedevent.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
@@ -149,7 +150,9 @@ public:
     /// a null receiver is refused, which is told in the log.
     /// Whatever the compiler can see to be wrong does not compile.
     template <class Sender, class Event, class Receiver, class Handler>
-        requires(!(zt::detail::isInvokableOrNull<Event> && zt::detail::isInvokableOrNull<Handler>))
+        requires(!(zt::detail::isInvokableOrNull<Event> &&
+                   zt::detail::isInvokableOrNull<
+                       Handler>)&&zt::detail::isReceiverAndHandler<Receiver, Handler>)
     static ZTSubscription subscribe(const Sender& sender, Event event, const Receiver& receiver,
                                     Handler handler)
     {
@@ -189,6 +192,45 @@ public:
                 subscribeImpl(sender, descriptor, nullptr,
                               makeHandler<ZTBase, EventParams<Event>>(std::move(handler))));
         }
+    }
+
+    /// The same with options of `subscribeoptions.h` behind the handler.
+    template <class Sender, class Event, class Receiver, class Handler, class... Options>
+        requires(sizeof...(Options) > 0 && zt::detail::isReceiverAndHandler<Receiver, Handler>)
+    static ZTSubscription subscribe(const Sender& sender, Event event, const Receiver& receiver,
+                                    Handler handler, Options... options)
+    {
+        return subscribeWithOptions<false>(sender, event, nullptr, receiver, std::move(handler),
+                                           std::move(options)...);
+    }
+    template <class Sender, class Event, class Handler, zt::detail::IsSubscribeOption First,
+              zt::detail::IsSubscribeOption... Options>
+    static zt::detail::FreeSubscription<Handler, First, Options...>
+    subscribe(const Sender& sender, Event event, Handler handler, First first, Options... options)
+    {
+        return zt::detail::FreeSubscription<Handler, First, Options...>(subscribeWithOptions<false>(
+            sender, event, nullptr, zt::detail::NoReceiver(), std::move(handler), std::move(first),
+            std::move(options)...));
+    }
+
+    /// Subscribes through a queue: the handler runs when the queue delivers, on its thread. Sender
+    /// and receiver may belong to different threads; see `eventqueue.h`.
+    template <class Sender, class Event, class Receiver, class Handler, class... Options>
+        requires(!zt::detail::IsSubscribeOption<Handler>)
+    static ZTSubscription subscribe(const Sender& sender, Event event, ZTEventQueue& queue,
+                                    const Receiver& receiver, Handler handler, Options... options)
+    {
+        return subscribeWithOptions<true>(sender, event, &queue, receiver, std::move(handler),
+                                          std::move(options)...);
+    }
+    template <class Sender, class Event, class Handler, zt::detail::IsSubscribeOption... Options>
+    static zt::detail::FreeSubscription<Handler, Options...>
+    subscribe(const Sender& sender, Event event, ZTEventQueue& queue, Handler handler,
+              Options... options)
+    {
+        return zt::detail::FreeSubscription<Handler, Options...>(
+            subscribeWithOptions<true>(sender, event, &queue, zt::detail::NoReceiver(),
+                                       std::move(handler), std::move(options)...));
     }
 
     // Unsubscribing. Each form ends every subscription that fits, at once, also while the event is
@@ -279,6 +321,45 @@ private:
                                        const ZTMetaInvokable* event, zt::detail::Handler handler);
     static bool unsubscribeImpl(const ZTBase* sender, const ZTMetaInvokable* event,
                                 const ZTBase* subscriber, void* key);
+
+    static ZTSubscription subscribeWith(const ZTBase* sender, const ZTMetaInvokable* event,
+                                        const ZTBase* subscriber, zt::detail::Handler handler,
+                                        zt::detail::SubscriptionOptions& options);
+    /// @param queue     null where the handler is called at once
+    /// @param receiver  a null pointer of type `std::nullptr_t` where there is none
+    template <bool hasQueue, class Sender, class Event, class Receiver, class Handler,
+              class... Options>
+    static ZTSubscription subscribeWithOptions(const Sender& sender, Event event,
+                                               ZTEventQueue* queue, const Receiver& receiver,
+                                               Handler handler, Options... options)
+    {
+        using namespace zt::detail;
+        constexpr bool isFree = std::is_same_v<Receiver, NoReceiver>;
+        constexpr SubscribeFault fault =
+            isFree ? faultOfFreeSubscription<Sender, Event, Handler>()
+                   : faultOfSubscription<Sender, Event, Receiver, Handler>();
+        tell<fault>();
+        if constexpr (fault != SubscribeFault::None ||
+                      !areOptions<Handler, EventParams<Event>, hasQueue, Options...>()) {
+            return {};
+        } else {
+            const ZTMetaInvokable* descriptor = eventOf(sender, event);
+            SubscriptionOptions all;
+            all.queue = queue;
+            all.needsReceiver = !isFree;
+            (options.template addTo<EventParams<Event>>(all), ...);
+            if constexpr (isInvokablePointer<Handler>) {
+                return subscribeWith(sender, descriptor, receiver, invokableHandler(handler), all);
+            } else {
+                using Object = std::conditional_t<isFree, ZTBase, std::remove_pointer_t<Receiver>>;
+                if constexpr ((Options::needsComparableHandler || ...))
+                    all.key.emplace(keyOf(handler));
+                return subscribeWith(sender, descriptor, receiver,
+                                     makeHandler<Object, EventParams<Event>>(std::move(handler)),
+                                     all);
+            }
+        }
+    }
 
     /// The subscribers of that event; null when a send would reach nobody. Reports a negative
     /// index.

@@ -36,6 +36,7 @@ class ZTEventBlocker;
 class ZTSubscription;
 class ZTScopedSubscription;
 class ZTEventListener;
+class ZTEventQueue;
 template <class T>
 class ZTRef;
 template <class T>
@@ -51,6 +52,7 @@ class ZTMetaPropertyBuilder;
 struct ZTBasePrivate;
 struct ZTDynamicBasePrivate;
 struct ZTSubscriptionPrivate;
+struct ZTSpecialSubscription;
 struct ZTEventSlot;
 struct ZTEventEnds;
 class ZTEventBlockers;
@@ -64,6 +66,7 @@ struct ClassGiving;
 struct ZTHandlerBase;
 struct Handler;
 struct HandlerKey;
+struct SubscriptionOptions;
 struct KeptHandler;
 struct ZTRefImpl;
 struct ZTStrongRefImpl;

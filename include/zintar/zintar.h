@@ -21,6 +21,7 @@
 #include <zintar/enumeration.h>
 #include <zintar/eventblocker.h>
 #include <zintar/eventlistener.h>
+#include <zintar/eventqueue.h>
 #include <zintar/find.h>
 #include <zintar/fwd.h>
 #include <zintar/integers.h>
@@ -38,6 +39,7 @@
 #include <zintar/shortname.h>
 #include <zintar/standardconverters.h>
 #include <zintar/staticmetaclass.h>
+#include <zintar/subscribeoptions.h>
 #include <zintar/subscription.h>
 #include <zintar/typedvalue.h>
 #include <zintar/typename.h>

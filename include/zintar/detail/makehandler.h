@@ -3,7 +3,6 @@
 #include <zintar/detail/handlers.h>
 #include <zintar/detail/signature.h>
 #include <zintar/metaclass.h>
-#include <zintar/subscription.h>
 
 #include <concepts>
 #include <type_traits>
@@ -306,12 +305,6 @@ constexpr void tell()
                   "A callable cannot be found by its value: keep the ZTSubscription and end it "
                   "through that.");
 }
-
-/// What subscribing a handler without a receiver gives: a callable with captures is safe only as
-/// long as somebody sees to it.
-template <class F>
-using FreeSubscription = std::conditional_t<std::is_class_v<F> && !std::is_empty_v<F>,
-                                            ZTScopedSubscription, ZTSubscription>;
 
 /// Makes the handler for what a host wrote. None for a null pointer and an empty `std::function`.
 template <class Receiver, class EventParams, class F>

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "queueends.h"
+#include "specialsubscription.h"
+
+#include <zintar/subscription.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+
+// The rules of subscriptions through queues. Sender and receiver may belong to two threads; the
+// queue belongs to the thread that delivers, as the receivers of its handlers do. Any thread may
+// subscribe, unsubscribe and post, as long as what it names lives meanwhile.
+//
+// 1. Raising copies the values and pushes them. Of the receiver it touches nothing, and of the
+//    subscription what the sender's slot has. Options that ask (when, once) are asked then.
+// 2. Delivery is in the order of raising, as the lock of the queue has it.
+// 3. Who begins or ends a subscription does so in the rings of its sender, its receiver and its
+//    queue at once, under one lock. What the sender's slots have to learn of it is left as news.
+// 4. Whoever ends a subscription cancels what waits of it, and so do the deaths of the receiver and
+//    of the queue. The sender's death does not: what it has said, it has said. The subscription is
+//    drained then, and ends with the last value that waits.
+// 5. A handler is called and destroyed on the thread that delivers: at once where that ends the
+//    subscription, or else at the next delivery. A condition belongs to the thread of the sender.
+// 6. A blocker of the sender acts when the event is raised, one of the receiver when it is
+//    delivered.
+// 7. A handler that throws has had its turn. What waits behind it stays where it is.
+// 8. The lock of the subscriptions comes before that of a queue. Under neither runs code of the
+//    host: events that are dropped are destroyed behind them.
+
+struct ZTEventValues;
+class ZTQueueCore;
+struct ZTQueuedEvent;
+
+/// One subscription through a queue, or one callable that was posted.
+struct ZTQueuedSubscription final : ZTSpecialSubscription,
+                                    zt::detail::RingLink<ZTSentRing>,
+                                    zt::detail::RingLink<ZTReceivedRing>,
+                                    zt::detail::RingLink<ZTQueueRing>,
+                                    zt::detail::RingLink<ZTNewsRing> {
+    using Shared = std::shared_ptr<ZTQueuedSubscription>;
+    using Time = std::chrono::steady_clock::time_point;
+
+    ZTQueuedSubscription(zt::detail::SubscriptionOptions& options,
+                         std::shared_ptr<ZTQueueCore> through, ZTBasePrivate* receiverRecord);
+
+    // Beginning.
+    /// May throw, and changes nothing then. The handler is owned from then on.
+    static ZTSubscription add(ZTBasePrivate& sender, const ZTMetaInvokable& event,
+                              ZTBasePrivate* receiver, zt::detail::OwnedHandler& handler,
+                              zt::detail::SubscriptionOptions& options);
+    /// The same for a callable to be called once, which no event precedes.
+    static Shared addPost(std::shared_ptr<ZTQueueCore> queue, ZTBasePrivate* receiver,
+                          zt::detail::OwnedHandler& handler);
+
+    /// Sees to the slots of a sender, on its thread.
+    static void takeNews(ZTQueueEnds& sender);
+    /// Pushes the values of an event.
+    static void enqueue(const std::shared_ptr<ZTSubscriptionPrivate>& subscription,
+                        const ZTMetaInvokable& event, ZTEventValues& values);
+
+    // Ending. What may be destroyed on this thread is left in `ended`.
+    /// Tells whether there was anything to end.
+    static bool end(ZTSubscriptionPrivate& record, ZTLetGo& ended);
+    static bool endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
+    static void endReceived(ZTBasePrivate& receiver, ZTLetGo& ended);
+    /// The slots of a sender that dies are gone already.
+    static void leaveSender(ZTQueueEnds& sender, ZTLetGo& ended);
+    static void endOfQueue(ZTQueueCore& queue, ZTLetGo& ended);
+    /// Ends a drained one, if nothing waits any more.
+    static void endIfDrained(ZTQueuedSubscription& subscription);
+
+    [[nodiscard]] bool isEnded() const { return state.load(std::memory_order_acquire) == Ended; }
+
+    enum State : unsigned char { Living, Drained, Ended };
+    /// Where the sender has it.
+    enum class Place : unsigned char { Nowhere, Arriving, InSlot, Leaving };
+
+    const std::shared_ptr<ZTQueueCore> queue;
+    /// Read on its own thread alone, as long as the subscription has not ended.
+    ZTBasePrivate* const receiver;
+    /// Those of the sender, as long as it lives.
+    ZTQueueEnds* senderEnds = nullptr;
+    std::atomic<State> state = Living;
+    Place place = Place::Nowhere;
+    const zt::detail::Pace pace;
+    /// Whether the descriptor of the event is one that never ends.
+    bool isEventForEver = false;
+
+    // Under the lock of the queue.
+    const std::chrono::nanoseconds interval;
+    std::size_t waitingCount = 0;
+    /// The one that waits, where there is at most one.
+    ZTQueuedEvent* waiting = nullptr;
+    /// When the next one may be delivered.
+    Time nextTime{};
+
+private:
+    static void endLocked(ZTQueuedSubscription& subscription, ZTLetGo& ended);
+    static void drainLocked(ZTQueuedSubscription& subscription);
+    void enterSlot();
+    bool tryToEnterSlot();
+};
