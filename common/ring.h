@@ -39,6 +39,18 @@ public:
     [[nodiscard]] Node* next(Node& node) { return nodeAt(linkOf(node).m_next); }
     /// Adds a node that is in no such ring, as the last one.
     void add(Node& node) noexcept { insertBefore(linkOf(node), m_head); }
+    /// Adds all nodes of another ring.
+    void take(Ring& other) noexcept
+    {
+        if (other.isEmpty())
+            return;
+        RingLink<Tag>& theirs = other.m_head;
+        theirs.m_next->m_previous = m_head.m_previous;
+        m_head.m_previous->m_next = theirs.m_next;
+        theirs.m_previous->m_next = &m_head;
+        m_head.m_previous = theirs.m_previous;
+        theirs.m_previous = theirs.m_next = &theirs;
+    }
     /// Puts a node that is in no such ring in front of one that is in this.
     void insertBefore(Node& node, Node& following) noexcept
     {

@@ -84,10 +84,10 @@ bool holds(ZTSpecialSubscription& special, ZTEventValues& values)
     return values.areTakenBy(*condition) && condition->holds(values.addresses(*condition));
 }
 
-void endAtOnce(const std::shared_ptr<ZTSubscriptionPrivate>& record)
+void endAtOnce(ZTSubscriptionPrivate& record)
 {
     ZTLetGo ended;
-    ZTEventEnds::end(*record, ended);
+    ZTEventEnds::end(record, ended);
 }
 } // namespace
 
@@ -122,29 +122,33 @@ inline bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues&
     m_receiver = nullptr;
     if (!isReached(entry, values))
         return;
-    if (entry.record->kind != ZTSubscriptionPrivate::Kind::Plain) [[unlikely]]
-        return callSpecial(entry.record->self, values);
+    if (ZTSpecialSubscription* special = specialOf(*entry.record)) [[unlikely]]
+        return callSpecial(*special, values);
     m_receiver = entry.subscriber;
     callHandler(entry.record->handler, values);
 }
 
 /// Looks at the options of a subscription first. The slot may look otherwise behind this, and the
 /// sender may have died.
-[[gnu::noinline]] void ZTDelivery::callSpecial(const std::shared_ptr<ZTSubscriptionPrivate>& record,
+[[gnu::noinline]] void ZTDelivery::callSpecial(ZTSpecialSubscription& special,
                                                ZTEventValues& values)
 {
-    const std::shared_ptr<ZTSubscriptionPrivate> kept = record;
-    ZTSpecialSubscription& special = *specialOf(*kept);
+    auto* queued = special.kind == ZTSubscriptionPrivate::Kind::Queued
+                       ? static_cast<ZTQueuedSubscription*>(&special)
+                       : nullptr;
+    if (queued && !special.bound && !special.condition)
+        return queued->isActive() ? queued->enqueue(*m_event, values) : void();
+    const std::shared_ptr<ZTSubscriptionPrivate> kept = special.self;
     if (!special.isBound())
-        return endAtOnce(kept);
-    if (!holds(special, values) || !kept->isActive())
+        return endAtOnce(special);
+    if (!holds(special, values) || !special.isActive())
         return;
-    if (special.kind == ZTSubscriptionPrivate::Kind::Queued)
-        return ZTQueuedSubscription::enqueue(kept, *m_event, values);
+    if (queued)
+        return queued->enqueue(*m_event, values);
     m_receiver = special.subscriber;
     const zt::detail::KeptCall running(special.handler);
     if (special.isOnce)
-        endAtOnce(kept);
+        endAtOnce(special);
     callHandler(special.handler, values);
 }
 

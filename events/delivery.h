@@ -53,7 +53,7 @@ private:
     [[nodiscard]] bool walks(const ZTEventSlot& slot) const { return m_sender && m_slot == &slot; }
     void callAll(ZTEventValues& values);
     void callOther(const ZTSlotEntry& entry, ZTEventValues& values);
-    void callSpecial(const std::shared_ptr<ZTSubscriptionPrivate>& record, ZTEventValues& values);
+    void callSpecial(ZTSpecialSubscription& special, ZTEventValues& values);
     void callHandler(const zt::detail::Handler& handler, ZTEventValues& values) const;
     [[nodiscard]] bool isReached(const ZTSlotEntry& entry, const ZTEventValues& values) const;
 

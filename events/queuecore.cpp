@@ -14,13 +14,37 @@ ZTQueueCore::ZTQueueCore(ZTEventQueue::Options options)
       m_thread(std::this_thread::get_id())
 {}
 
+namespace
+{
+void giveAllBack(ZTEventBlock* block) noexcept
+{
+    while (block)
+        ZTEventBlock::giveBack(std::exchange(block, block->next));
+}
+} // namespace
+
+ZTQueueCore::~ZTQueueCore()
+{
+    giveAllBack(m_spare);
+    giveAllBack(m_delivered);
+}
+
 ZTQueueCore::Time ZTQueueCore::now() const { return m_now ? m_now() : ZTEventQueue::Clock::now(); }
+
+namespace
+{
+bool isPaced(const ZTQueuedEvent& event)
+{
+    return event.subscription.pace != zt::detail::Pace::All;
+}
+} // namespace
 
 void ZTQueueCore::append(ZTQueuedEvent& event)
 {
     event.sequence = ++m_lastSequence;
     m_ready.add(event);
     ++m_readyCount;
+    m_pacedCount += isPaced(event);
 }
 
 void ZTQueueCore::appendTimed(ZTQueuedEvent& event, Time time)
@@ -38,11 +62,11 @@ ZTQueuedEvent::Owner ZTQueueCore::takeOut(ZTQueuedEvent& event)
     } else {
         event.unlink();
         --m_readyCount;
+        m_pacedCount -= isPaced(event);
         if (m_overflow == ZTOverflow::Wait)
             m_room.notify_one();
     }
-    ZTQueuedSubscription& subscription = *event.subscription;
-    --subscription.waitingCount;
+    ZTQueuedSubscription& subscription = event.subscription;
     if (subscription.waiting == &event)
         subscription.waiting = nullptr;
     return ZTQueuedEvent::Owner(&event);
@@ -51,7 +75,7 @@ ZTQueuedEvent::Owner ZTQueueCore::takeOut(ZTQueuedEvent& event)
 /// Gives a new event the place of the one of its subscription that waits, which is left over.
 ZTQueuedEvent::Owner ZTQueueCore::replaceWaiting(ZTQueuedEvent::Owner& event)
 {
-    ZTQueuedSubscription& subscription = *event->subscription;
+    ZTQueuedSubscription& subscription = event->subscription;
     ZTQueuedEvent& old = *subscription.waiting;
     ZTQueuedEvent& replacing = *event.release();
     if (old.isTimed) {
@@ -71,7 +95,7 @@ ZTQueuedEvent::Owner ZTQueueCore::replaceWaiting(ZTQueuedEvent::Owner& event)
 /// Puts an event of a subscription that is thinned out in its place.
 void ZTQueueCore::pace(ZTQueuedEvent::Owner& event, Time time)
 {
-    ZTQueuedSubscription& subscription = *event->subscription;
+    ZTQueuedSubscription& subscription = event->subscription;
     using zt::detail::Pace;
     if (subscription.pace == Pace::Debounced) {
         appendTimed(*event, time + subscription.interval);
@@ -106,7 +130,7 @@ bool ZTQueueCore::makeRoom(Lock& lock, const ZTQueuedSubscription& subscription,
 void ZTQueueCore::push(ZTQueuedEvent::Owner event)
 {
     using zt::detail::Pace;
-    ZTQueuedSubscription& subscription = *event->subscription;
+    ZTQueuedSubscription& subscription = event->subscription;
     const bool isTimed =
         subscription.pace == Pace::Throttled || subscription.pace == Pace::Debounced;
     const Time time = isTimed ? now() : Time();
@@ -131,7 +155,8 @@ void ZTQueueCore::push(ZTQueuedEvent::Owner event)
             append(*event);
         else
             pace(event, time);
-        ++subscription.waitingCount;
+        if (m_spare && !subscription.spare)
+            subscription.spare = std::exchange(m_spare, m_spare->next);
         const ZTQueuedEvent* added = event.release();
         const bool isNews = added->isTimed ? m_timed.begin()->second != firstTimed : wasEmpty;
         if (isNews && m_waitingThreads > 0)
@@ -151,7 +176,6 @@ void ZTQueueCore::pushAt(ZTQueuedEvent::Owner event, Time time)
         if (m_isClosed)
             return;
         appendTimed(*event, time);
-        ++event->subscription->waitingCount;
         if (m_timed.begin()->second == event.release()) {
             m_arrived.notify_one();
             wake = m_wake;
@@ -169,16 +193,10 @@ void ZTQueueCore::letGo(zt::detail::KeptHandler* handler, ZTLetGo& ended)
         m_room.notify_all(); // whoever waits for room may have nothing to push any more
 }
 
-bool ZTQueueCore::isNoneWaiting(const ZTQueuedSubscription& subscription) const
-{
-    const Lock lock(m_mutex);
-    return subscription.waitingCount == 0;
-}
-
 std::size_t ZTQueueCore::waitingCount() const
 {
     const Lock lock(m_mutex);
-    return m_readyCount + m_timed.size();
+    return m_readyCount + m_timed.size() + m_takenCount.load(std::memory_order_relaxed);
 }
 
 std::size_t ZTQueueCore::droppedCount() const
@@ -190,7 +208,7 @@ std::size_t ZTQueueCore::droppedCount() const
 std::optional<ZTQueueCore::Time> ZTQueueCore::nextTime() const
 {
     const Lock lock(m_mutex);
-    if (!m_ready.isEmpty())
+    if (!m_ready.isEmpty() || m_takenCount.load(std::memory_order_relaxed) > 0)
         return Time::min();
     if (!m_timed.empty())
         return m_timed.begin()->first;
@@ -204,7 +222,7 @@ void ZTQueueCore::makeReady(Time time)
         ZTQueuedEvent& event = *m_timed.begin()->second;
         m_timed.erase(m_timed.begin());
         event.isTimed = false;
-        event.subscription->nextTime = time + event.subscription->interval;
+        event.subscription.nextTime = time + event.subscription.interval;
         append(event);
     }
 }
@@ -225,43 +243,73 @@ private:
 /// @return the last event that takes part
 std::uint64_t ZTQueueCore::begin()
 {
-    const bool isTimed = [this] {
-        const Lock lock(m_mutex);
-        m_thread = std::this_thread::get_id();
-        return !m_timed.empty();
-    }();
-    const Time time = isTimed ? now() : Time();
-    const Lock lock(m_mutex);
-    if (isTimed)
+    Lock lock(m_mutex);
+    m_thread = std::this_thread::get_id();
+    if (!m_spare)
+        m_spare = std::exchange(m_delivered, nullptr);
+    if (!m_timed.empty()) {
+        lock.unlock();
+        const Time time = now();
+        lock.lock();
         makeReady(time);
+    }
+    takeMore();
     return m_lastSequence;
+}
+
+/// Takes all that has come out of the hands of the threads that raise, unless they have something
+/// to do with it still: a bound counts what waits, and the value of a subscription that is thinned
+/// out may change up to its turn.
+void ZTQueueCore::takeMore()
+{
+    if (m_capacity > 0 || m_pacedCount > 0)
+        return;
+    m_taken.take(m_ready);
+    countTaken(static_cast<std::ptrdiff_t>(std::exchange(m_readyCount, 0)));
+    m_takenUpTo = m_lastSequence;
 }
 
 ZTQueuedEvent::Owner ZTQueueCore::takeFirst(std::uint64_t last)
 {
-    const Lock lock(m_mutex);
-    ZTQueuedEvent* first = m_ready.first();
-    return first && first->sequence <= last ? takeOut(*first) : nullptr;
+    if (m_taken.isEmpty()) {
+        if (m_takenUpTo >= last)
+            return nullptr;
+        const Lock lock(m_mutex);
+        ZTQueuedEvent* first = m_ready.first();
+        return first && first->sequence <= last ? takeOut(*first) : nullptr;
+    }
+    ZTQueuedEvent* first = m_taken.first();
+    if (first->sequence > last)
+        return nullptr;
+    first->unlink();
+    countTaken(-1);
+    return ZTQueuedEvent::Owner(first);
 }
+
+namespace
+{
+void endNow(ZTQueuedSubscription& subscription)
+{
+    ZTLetGo ended;
+    (void)ZTQueuedSubscription::end(subscription, ended);
+}
+} // namespace
 
 /// @return whether the handler was called
 bool ZTQueueCore::run(ZTQueuedEvent& event)
 {
-    ZTQueuedSubscription& subscription = *event.subscription;
+    ZTQueuedSubscription& subscription = event.subscription;
     if (subscription.isEnded())
         return false;
-    ZTLetGo ended;
     if (!subscription.isBound()) {
-        (void)ZTQueuedSubscription::end(subscription, ended);
+        endNow(subscription);
         return false;
     }
     if (subscription.receiver && subscription.receiver->isBlockingReceived())
         return false;
     const zt::detail::KeptCall running(subscription.handler);
-    if (subscription.isOnce) {
-        ZTLetGo endedBefore;
-        (void)ZTQueuedSubscription::end(subscription, endedBefore);
-    }
+    if (subscription.isOnce)
+        endNow(subscription);
     event.call();
     return true;
 }
@@ -273,11 +321,23 @@ void ZTQueueCore::finish()
     {
         const Lock lock(m_mutex);
         ended.take(m_ended);
-        if (!m_ready.isEmpty())
+        if (!m_ready.isEmpty() || !m_taken.isEmpty())
             wake = m_wake;
     }
     if (wake)
         (*wake)();
+}
+
+/// For the threads that raise, when they have used up what they have.
+void ZTQueueCore::keepMemory(ZTEventBlock* block)
+{
+    constexpr std::size_t most = 1000;
+    if (!m_delivered)
+        m_deliveredCount = 0;
+    if (!block || m_deliveredCount == most)
+        return ZTEventBlock::giveBack(block);
+    block->next = std::exchange(m_delivered, block);
+    ++m_deliveredCount;
 }
 
 std::size_t ZTQueueCore::deliver(std::size_t most)
@@ -287,11 +347,12 @@ std::size_t ZTQueueCore::deliver(std::size_t most)
     const std::uint64_t last = begin();
     std::size_t count = 0;
     while (count < most) {
-        const ZTQueuedEvent::Owner event = takeFirst(last);
+        ZTQueuedEvent::Owner event = takeFirst(last);
         if (!event)
             break;
         if (run(*event))
             ++count;
+        keepMemory(ZTQueuedEvent::destroy(event.release()));
     }
     return count;
 }
@@ -305,7 +366,7 @@ bool ZTQueueCore::wait(std::chrono::nanoseconds timeout)
         const Time time = now();
         Lock lock(m_mutex);
         makeReady(time);
-        if (!m_ready.isEmpty())
+        if (!m_ready.isEmpty() || !m_taken.isEmpty())
             return true;
         auto left = end - ZTEventQueue::Clock::now();
         if (left <= std::chrono::nanoseconds(0))
@@ -330,6 +391,11 @@ void ZTQueueCore::close()
         m_room.notify_all();
     }
     // Nothing comes any more.
+    while (ZTQueuedEvent* first = m_taken.first()) {
+        first->unlink();
+        countTaken(-1);
+        const ZTQueuedEvent::Owner left(first);
+    }
     while (true) {
         ZTQueuedEvent::Owner left;
         const Lock lock(m_mutex);

@@ -21,6 +21,7 @@ public:
     using Time = ZTEventQueue::Clock::time_point;
 
     explicit ZTQueueCore(ZTEventQueue::Options options);
+    ~ZTQueueCore();
     ZTQueueCore(const ZTQueueCore&) = delete;
     ZTQueueCore& operator=(const ZTQueueCore&) = delete;
 
@@ -35,8 +36,6 @@ public:
     [[nodiscard]] Time now() const;
     /// Sees to the end of a handler: leaves it in `ended` on the thread that delivers.
     void letGo(zt::detail::KeptHandler* handler, ZTLetGo& ended);
-    /// Whether nothing of a subscription waits.
-    [[nodiscard]] bool isNoneWaiting(const ZTQueuedSubscription& subscription) const;
     [[nodiscard]] std::size_t waitingCount() const;
     [[nodiscard]] std::size_t droppedCount() const;
     [[nodiscard]] std::optional<Time> nextTime() const;
@@ -68,9 +67,17 @@ private:
     {
         return m_capacity > 0 && m_readyCount >= m_capacity && !m_isClosed;
     }
+    void takeMore();
     std::uint64_t begin();
     [[nodiscard]] ZTQueuedEvent::Owner takeFirst(std::uint64_t last);
+    /// Only the thread that delivers changes the count.
+    void countTaken(std::ptrdiff_t change)
+    {
+        const std::size_t count = m_takenCount.load(std::memory_order_relaxed);
+        m_takenCount.store(count + static_cast<std::size_t>(change), std::memory_order_relaxed);
+    }
     static bool run(ZTQueuedEvent& event);
+    void keepMemory(ZTEventBlock* block);
     void finish();
 
     const std::size_t m_capacity;
@@ -84,7 +91,9 @@ private:
     std::shared_ptr<const std::function<void()>> m_wake;
     zt::detail::Ring<ZTQueuedEvent, ZTReadyRing> m_ready;
     ZTQueuedEvent::Timed m_timed;
+    ZTEventBlock* m_spare = nullptr; ///< memory of events that have been delivered
     std::size_t m_readyCount = 0;
+    std::size_t m_pacedCount = 0; ///< of those that are ready, how many are thinned out
     std::size_t m_droppedCount = 0;
     std::uint64_t m_lastSequence = 0;
     unsigned int m_waitingThreads = 0;
@@ -92,4 +101,12 @@ private:
     std::thread::id m_thread;
     /// Handlers that have ended on other threads.
     ZTLetGo m_ended;
+
+    // For the thread that delivers, the count apart.
+    zt::detail::Ring<ZTQueuedEvent, ZTReadyRing> m_taken;
+    std::atomic<std::size_t> m_takenCount = 0;
+    ZTEventBlock* m_delivered = nullptr; ///< memory of events that were taken
+    std::size_t m_deliveredCount = 0;
+    /// What was raised up to then is taken.
+    std::uint64_t m_takenUpTo = 0;
 };

@@ -9,25 +9,52 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
+#include <utility>
 
 using zt::detail::Handler;
 using zt::detail::HandlerView;
 
-ZTQueuedEvent::Owner ZTQueuedEvent::makeWithRoom(ZTQueuedSubscription::Shared subscription,
+namespace
+{
+std::size_t sizeFor(unsigned int room)
+{
+    return sizeof(ZTQueuedEvent) + room * ZTQueuedEvent::valueSize;
+}
+} // namespace
+
+void ZTEventBlock::giveBack(ZTEventBlock* block) noexcept
+{
+    if (block)
+        zt::detail::giveBlockBack(block, sizeFor(room));
+}
+
+ZTQueuedEvent::Owner ZTQueuedEvent::makeWithRoom(ZTQueuedSubscription& subscription,
                                                  unsigned int room)
 {
-    static_assert(alignof(Value) <= alignof(ZTQueuedEvent));
-    void* block = zt::detail::takeBlock(sizeof(ZTQueuedEvent) + room * sizeof(Value));
-    Owner made(new (block) ZTQueuedEvent(std::move(subscription)));
+    static_assert(alignof(Value) <= alignof(ZTQueuedEvent) && sizeof(Value) == valueSize);
+    room = std::max(room, ZTEventBlock::room);
+    void* block = room == ZTEventBlock::room ? std::exchange(subscription.spare, nullptr) : nullptr;
+    if (!block)
+        block = zt::detail::takeBlock(sizeFor(room));
+    Owner made(new (block) ZTQueuedEvent(subscription));
     made->m_room = static_cast<unsigned char>(room);
     return made;
 }
 
+ZTEventBlock* ZTQueuedEvent::destroy(ZTQueuedEvent* event) noexcept
+{
+    const unsigned int room = event->m_room;
+    event->~ZTQueuedEvent();
+    if (room == ZTEventBlock::room)
+        return new (event) ZTEventBlock;
+    zt::detail::giveBlockBack(event, sizeFor(room));
+    return nullptr;
+}
+
 void ZTQueuedEvent::Drop::operator()(ZTQueuedEvent* dropped) const noexcept
 {
-    const std::size_t size = sizeof(ZTQueuedEvent) + dropped->m_room * sizeof(Value);
-    dropped->~ZTQueuedEvent();
-    zt::detail::giveBlockBack(dropped, size);
+    ZTEventBlock::giveBack(destroy(dropped));
 }
 
 ZTQueuedEvent::~ZTQueuedEvent()
@@ -35,71 +62,90 @@ ZTQueuedEvent::~ZTQueuedEvent()
     for (unsigned int i = 0; i < m_count; ++i)
         if (!isPlain(i))
             values()[i].variant.~ZTVariant();
-    if (subscription->state.load(std::memory_order_relaxed) == ZTQueuedSubscription::Drained)
-        ZTQueuedSubscription::endIfDrained(*subscription);
+    subscription.removeEvent();
 }
 
 void ZTQueuedEvent::addVariant(const ZTVariant& value)
 {
-    (new (values() + m_count) Value)->variant = value;
+    new (&values()[m_count].variant) ZTVariant(value);
+    ++m_count;
+}
+
+void ZTQueuedEvent::addPlain(const ZTMetaType& type, unsigned char size, const void* value)
+{
+    auto& plain = values()[m_count].plain;
+    plain.type = &type;
+    switch (size) { // the sizes that plain values have
+    case 1:
+        std::memcpy(plain.bytes, value, 1);
+        break;
+    case 4:
+        std::memcpy(plain.bytes, value, 4);
+        break;
+    default:
+        std::memcpy(plain.bytes, value, 8);
+    }
+    m_plain = static_cast<std::uint16_t>(m_plain | 1U << m_count);
     ++m_count;
 }
 
 void ZTQueuedEvent::addTyped(const ZTMetaType& type, const void* value)
 {
-    const unsigned char size = ZTMetaTypePrivate::of(type).plainSize;
-    if (&type == &::ztMetaType<ZTVariant>())
-        return addVariant(*static_cast<const ZTVariant*>(value));
-    if (size == 0)
-        return addVariant(ZTVariant(type, value));
-    auto& plain = (new (values() + m_count) Value)->plain;
-    plain.type = &type;
-    std::memcpy(plain.bytes, value, size);
-    m_plain = static_cast<std::uint16_t>(m_plain | 1U << m_count);
-    ++m_count;
+    if (const unsigned char size = ZTMetaTypePrivate::of(type).plainSize) [[likely]]
+        addPlain(type, size, value);
+    else if (&type == &::ztMetaType<ZTVariant>())
+        addVariant(*static_cast<const ZTVariant*>(value));
+    else
+        addVariant(ZTVariant(type, value));
 }
 
-ZTQueuedEvent::Owner ZTQueuedEvent::make(ZTQueuedSubscription::Shared subscription,
+void ZTQueuedEvent::addArray(unsigned int count, const ZTArgumentArray& array)
+{
+    for (unsigned int i = 0; i < count; ++i)
+        addVariant(array[i]);
+}
+
+ZTQueuedEvent::Owner ZTQueuedEvent::make(ZTQueuedSubscription& subscription,
                                          const ZTMetaInvokable& event, ZTEventValues& values)
 {
-    const Handler& handler = subscription->handler;
+    const Handler& handler = subscription.handler;
     // An invokable may look at more values than it has parameters for.
-    const unsigned int count = isInvokable(handler) || handler.kind->takesArray
-                                   ? zt::detail::suppliedCount(event)
-                                   : HandlerView{handler}.parameterCount();
-    Owner made = makeWithRoom(std::move(subscription), count);
+    const bool takesAll = isInvokable(handler) || handler.kind->takesArray;
+    const unsigned int count =
+        takesAll ? zt::detail::suppliedCount(event) : handler.kind->parameterCount;
+    Owner made = makeWithRoom(subscription, count);
     made->event = &event;
-    made->index = event.index();
+    made->index = subscription.eventIndex;
     made->descriptorsEnded = zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
-    if (void* const* addresses = values.typedAddresses()) {
-        for (unsigned int i = 0; i < count; ++i)
-            made->addTyped(event.parameterMetaType(i), addresses[i]);
-    } else {
-        for (unsigned int i = 0; i < count; ++i)
-            made->addVariant(values.array()[i]);
-    }
+    void* const* addresses = values.typedAddresses();
+    if (!addresses)
+        made->addArray(count, values.array());
+    for (unsigned int i = 0; addresses && i < count; ++i)
+        made->addTyped(takesAll ? event.parameterMetaType(i) : handler.kind->types[i](),
+                       addresses[i]);
     return made;
 }
 
-ZTQueuedEvent::Owner ZTQueuedEvent::makePost(ZTQueuedSubscription::Shared subscription)
+ZTQueuedEvent::Owner ZTQueuedEvent::makePost(ZTQueuedSubscription& subscription)
 {
-    return makeWithRoom(std::move(subscription), 0);
+    return makeWithRoom(subscription, 0);
 }
 
 /// Another descriptor may stand where that of an event of a run-time class was.
 const ZTMetaInvokable* ZTQueuedEvent::livingEvent() const
 {
     const bool isThere =
-        subscription->isEventForEver ||
+        subscription.isEventForEver ||
         descriptorsEnded == zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
     return isThere ? event : nullptr;
 }
 
-void* ZTQueuedEvent::addressFor(unsigned int position, const ZTMetaType& taken)
+void* ZTQueuedEvent::addressFor(unsigned int position, zt::detail::TypeGetter typeTaken)
 {
     Value& value = values()[position];
     if (isPlain(position))
         return value.plain.bytes;
+    const ZTMetaType& taken = typeTaken();
     if (taken == ::ztMetaType<ZTVariant>())
         return &value.variant;
     return ztFits(value.variant, taken) ? value.variant.data() : nullptr;
@@ -107,8 +153,8 @@ void* ZTQueuedEvent::addressFor(unsigned int position, const ZTMetaType& taken)
 
 void ZTQueuedEvent::call()
 {
-    const Handler handler = subscription->handler;
-    const ZTBasePrivate* receiver = subscription->receiver;
+    const Handler handler = subscription.handler;
+    const ZTBasePrivate* receiver = subscription.receiver;
     const ZTBase* object = receiver ? receiver->object : nullptr;
     const ZTDelivery delivery(livingEvent(), index, receiver);
     if (isInvokable(handler) || handler.kind->takesArray) {
@@ -128,7 +174,7 @@ void ZTQueuedEvent::call()
     } else {
         void* addresses[zt::detail::maxParamCount];
         for (unsigned int i = 0; i < m_count; ++i)
-            addresses[i] = addressFor(i, handler.kind->types[i]());
+            addresses[i] = addressFor(i, handler.kind->types[i]);
         handler.kind->call(handler.word, object, addresses);
     }
 }

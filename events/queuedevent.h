@@ -13,6 +13,15 @@
 
 struct ZTReadyRing;
 
+/// Memory for an event, as nearly all of them are. It goes from the thread that delivers back to
+/// those that raise: what one thread takes and another gives back is dear.
+struct ZTEventBlock {
+    static constexpr unsigned int room = 2;             ///< for so many values
+    static void giveBack(ZTEventBlock* block) noexcept; ///< null gives nothing
+
+    ZTEventBlock* next = nullptr;
+};
+
 /// An event that waits in a queue for the handler of one subscription, with copies of the values
 /// that the handler takes. They stand behind it in the same block of memory.
 struct ZTQueuedEvent : zt::detail::RingLink<ZTReadyRing> {
@@ -22,14 +31,18 @@ struct ZTQueuedEvent : zt::detail::RingLink<ZTReadyRing> {
     using Owner = std::unique_ptr<ZTQueuedEvent, Drop>;
     using Timed = std::multimap<ZTQueuedSubscription::Time, ZTQueuedEvent*>;
 
-    static Owner make(ZTQueuedSubscription::Shared subscription, const ZTMetaInvokable& event,
+    static constexpr std::size_t valueSize = 16;
+
+    static Owner make(ZTQueuedSubscription& subscription, const ZTMetaInvokable& event,
                       ZTEventValues& values);
-    static Owner makePost(ZTQueuedSubscription::Shared subscription);
+    static Owner makePost(ZTQueuedSubscription& subscription);
 
     /// Calls the handler.
     void call();
+    /// Destroys the event; its memory is left over where it is that of a block.
+    static ZTEventBlock* destroy(ZTQueuedEvent* event) noexcept;
 
-    const ZTQueuedSubscription::Shared subscription;
+    ZTQueuedSubscription& subscription;
     const ZTMetaInvokable* event = nullptr;
     int index = -1;
     unsigned int descriptorsEnded = 0;
@@ -49,20 +62,21 @@ private:
             unsigned char bytes[sizeof(void*)];
         } plain;
 
-        Value() : variant() {}
         ~Value() {}
     };
 
-    explicit ZTQueuedEvent(ZTQueuedSubscription::Shared of) : subscription(std::move(of)) {}
+    explicit ZTQueuedEvent(ZTQueuedSubscription& of) noexcept : subscription(of) { of.addEvent(); }
     ~ZTQueuedEvent();
-    static Owner makeWithRoom(ZTQueuedSubscription::Shared subscription, unsigned int room);
+    static Owner makeWithRoom(ZTQueuedSubscription& subscription, unsigned int room);
 
     [[nodiscard]] Value* values() { return std::launder(reinterpret_cast<Value*>(this + 1)); }
     [[nodiscard]] bool isPlain(unsigned int position) const { return m_plain >> position & 1; }
+    void addPlain(const ZTMetaType& type, unsigned char size, const void* value);
     void addTyped(const ZTMetaType& type, const void* value);
     void addVariant(const ZTVariant& value);
+    void addArray(unsigned int count, const ZTArgumentArray& array);
     [[nodiscard]] const ZTMetaInvokable* livingEvent() const;
-    void* addressFor(unsigned int position, const ZTMetaType& taken);
+    void* addressFor(unsigned int position, zt::detail::TypeGetter typeTaken);
 
     unsigned char m_count = 0;
     unsigned char m_room = 0;

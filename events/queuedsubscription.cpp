@@ -34,11 +34,6 @@ void addNews(ZTQueueEnds& sender, ZTQueuedSubscription& subscription)
     sender.hasNews.store(true, std::memory_order_relaxed);
 }
 
-std::shared_ptr<ZTQueuedSubscription> sharedFrom(const std::shared_ptr<ZTSubscriptionPrivate>& one)
-{
-    return std::static_pointer_cast<ZTQueuedSubscription>(one);
-}
-
 using NewsLink = zt::detail::RingLink<ZTNewsRing>;
 using SentLink = zt::detail::RingLink<ZTSentRing>;
 using ReceivedLink = zt::detail::RingLink<ZTReceivedRing>;
@@ -54,6 +49,8 @@ ZTQueuedSubscription::ZTQueuedSubscription(zt::detail::SubscriptionOptions& opti
       pace(options.pace),
       interval(options.nanoseconds)
 {}
+
+ZTQueuedSubscription::~ZTQueuedSubscription() { ZTEventBlock::giveBack(spare); }
 
 ZTSubscription ZTQueuedSubscription::add(ZTBasePrivate& sender, const ZTMetaInvokable& event,
                                          ZTBasePrivate* receiver, zt::detail::OwnedHandler& handler,
@@ -97,9 +94,9 @@ ZTSubscription ZTQueuedSubscription::add(ZTBasePrivate& sender, const ZTMetaInvo
     return ZTEventEnds::handleOf(made);
 }
 
-ZTQueuedSubscription::Shared ZTQueuedSubscription::addPost(std::shared_ptr<ZTQueueCore> queue,
-                                                           ZTBasePrivate* receiver,
-                                                           zt::detail::OwnedHandler& handler)
+ZTQueuedSubscription& ZTQueuedSubscription::addPost(std::shared_ptr<ZTQueueCore> queue,
+                                                    ZTBasePrivate* receiver,
+                                                    zt::detail::OwnedHandler& handler)
 {
     ZTQueueEnds* received = receiver ? &needQueueEnds(*receiver) : nullptr;
     zt::detail::SubscriptionOptions options;
@@ -114,28 +111,26 @@ ZTQueuedSubscription::Shared ZTQueuedSubscription::addPost(std::shared_ptr<ZTQue
     if (received)
         received->received.add(*made);
     made->queue->subscriptions.add(*made);
-    return made;
+    return *made;
 }
 
-void ZTQueuedSubscription::enqueue(const std::shared_ptr<ZTSubscriptionPrivate>& subscription,
-                                   const ZTMetaInvokable& event, ZTEventValues& values)
+void ZTQueuedSubscription::enqueue(const ZTMetaInvokable& raised, ZTEventValues& values)
 {
-    auto queued = ZTQueuedEvent::make(sharedFrom(subscription), event, values);
-    ZTQueuedSubscription& own = *queued->subscription;
-    if (own.isOnce) {
+    auto queued = ZTQueuedEvent::make(*this, raised, values);
+    if (isOnce) {
         const Lock lock(changing);
-        if (!own.isActive())
+        if (!isActive())
             return;
-        drainLocked(own);
+        drainLocked(*this);
     }
-    own.queue->push(std::move(queued));
+    queue->push(std::move(queued));
 }
 
 /// It takes nothing any more, and ends with what waits.
 void ZTQueuedSubscription::drainLocked(ZTQueuedSubscription& subscription)
 {
     subscription.active.store(false, std::memory_order_release);
-    subscription.state.store(Drained, std::memory_order_release);
+    subscription.state.store(Drained, std::memory_order_seq_cst);
     subscription.SentLink::unlink();
     if (subscription.place == Place::InSlot) {
         subscription.place = Place::Leaving;
@@ -147,7 +142,7 @@ void ZTQueuedSubscription::drainLocked(ZTQueuedSubscription& subscription)
 void ZTQueuedSubscription::endLocked(ZTQueuedSubscription& subscription, ZTLetGo& ended)
 {
     subscription.active.store(false, std::memory_order_release);
-    subscription.state.store(Ended, std::memory_order_release);
+    subscription.state.store(Ended, std::memory_order_seq_cst);
     subscription.SentLink::unlink();
     subscription.ReceivedLink::unlink();
     subscription.QueueLink::unlink();
@@ -159,8 +154,23 @@ void ZTQueuedSubscription::endLocked(ZTQueuedSubscription& subscription, ZTLetGo
         subscription.place = Place::Leaving;
         addNews(*subscription.senderEnds, subscription);
     }
-    if (subscription.place == Place::Nowhere)
-        subscription.self.reset();
+    subscription.letGoOfSelf();
+}
+
+void ZTQueuedSubscription::letGoOfSelf() noexcept
+{
+    if (isEnded() && place == Place::Nowhere && !hasEvents())
+        const auto last = std::move(self); // it may be gone behind this
+}
+
+void ZTQueuedSubscription::settle() noexcept
+{
+    ZTLetGo ended;
+    const Lock lock(changing);
+    if (state.load(std::memory_order_relaxed) == Drained && !hasEvents())
+        endLocked(*this, ended);
+    else
+        letGoOfSelf();
 }
 
 bool ZTQueuedSubscription::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
@@ -214,15 +224,6 @@ void ZTQueuedSubscription::endOfQueue(ZTQueueCore& queue, ZTLetGo& ended)
     });
 }
 
-void ZTQueuedSubscription::endIfDrained(ZTQueuedSubscription& subscription)
-{
-    ZTLetGo ended;
-    const Lock lock(changing);
-    if (subscription.state.load(std::memory_order_relaxed) == Drained &&
-        subscription.queue->isNoneWaiting(subscription))
-        endLocked(subscription, ended);
-}
-
 void ZTQueuedSubscription::leaveSender(ZTQueueEnds& sender, ZTLetGo& ended)
 {
     const Lock lock(changing);
@@ -230,15 +231,13 @@ void ZTQueuedSubscription::leaveSender(ZTQueueEnds& sender, ZTLetGo& ended)
     sender.news.forEach([&](ZTQueuedSubscription& one) {
         one.NewsLink::unlink();
         one.place = Place::Nowhere;
-        const auto kept = one.self;
-        if (one.isEnded())
-            one.self.reset();
+        one.letGoOfSelf();
     });
     sender.sent.forEach([&](ZTQueuedSubscription& one) {
         const auto kept = one.self;
         one.place = Place::Nowhere;
         drainLocked(one);
-        if (one.queue->isNoneWaiting(one))
+        if (!one.hasEvents())
             endLocked(one, ended);
     });
 }
@@ -255,16 +254,17 @@ void ZTQueuedSubscription::takeNews(ZTQueueEnds& sender)
 {
     ZTLetGo ended;
     while (true) {
-        Shared next;
+        std::shared_ptr<ZTSubscriptionPrivate> kept;
+        ZTQueuedSubscription* next = nullptr;
         bool isArriving = false;
         {
             const Lock lock(changing);
-            ZTQueuedSubscription* first = sender.news.first();
-            if (!first) {
+            next = sender.news.first();
+            if (!next) {
                 sender.hasNews.store(false, std::memory_order_relaxed);
                 return;
             }
-            next = sharedFrom(first->self);
+            kept = next->self;
             next->NewsLink::unlink();
             isArriving = next->place == Place::Arriving;
             next->place = isArriving ? Place::InSlot : Place::Nowhere;
@@ -277,8 +277,7 @@ void ZTQueuedSubscription::takeNews(ZTQueueEnds& sender)
         }
         ZTEventEnds::leaveSlot(*next, ended);
         const Lock lock(changing);
-        if (next->isEnded())
-            next->self.reset();
+        next->letGoOfSelf();
     }
 }
 
@@ -292,8 +291,7 @@ try {
     if (place == Place::Leaving) {
         NewsLink::unlink();
         place = Place::Nowhere;
-        if (isEnded())
-            self.reset();
+        letGoOfSelf();
     } else {
         place = Place::Arriving;
         addNews(*senderEnds, *this);

@@ -35,6 +35,7 @@
 struct ZTEventValues;
 class ZTQueueCore;
 struct ZTQueuedEvent;
+struct ZTEventBlock;
 
 /// One subscription through a queue, or one callable that was posted.
 struct ZTQueuedSubscription final : ZTSpecialSubscription,
@@ -42,11 +43,12 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
                                     zt::detail::RingLink<ZTReceivedRing>,
                                     zt::detail::RingLink<ZTQueueRing>,
                                     zt::detail::RingLink<ZTNewsRing> {
-    using Shared = std::shared_ptr<ZTQueuedSubscription>;
     using Time = std::chrono::steady_clock::time_point;
 
     ZTQueuedSubscription(zt::detail::SubscriptionOptions& options,
                          std::shared_ptr<ZTQueueCore> through, ZTBasePrivate* receiverRecord);
+
+    ~ZTQueuedSubscription();
 
     // Beginning.
     /// May throw, and changes nothing then. The handler is owned from then on.
@@ -54,14 +56,23 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
                               ZTBasePrivate* receiver, zt::detail::OwnedHandler& handler,
                               zt::detail::SubscriptionOptions& options);
     /// The same for a callable to be called once, which no event precedes.
-    static Shared addPost(std::shared_ptr<ZTQueueCore> queue, ZTBasePrivate* receiver,
-                          zt::detail::OwnedHandler& handler);
+    static ZTQueuedSubscription& addPost(std::shared_ptr<ZTQueueCore> queue,
+                                         ZTBasePrivate* receiver,
+                                         zt::detail::OwnedHandler& handler);
 
     /// Sees to the slots of a sender, on its thread.
     static void takeNews(ZTQueueEnds& sender);
-    /// Pushes the values of an event.
-    static void enqueue(const std::shared_ptr<ZTSubscriptionPrivate>& subscription,
-                        const ZTMetaInvokable& event, ZTEventValues& values);
+    /// Pushes the values of an event. The subscription may be gone behind this.
+    void enqueue(const ZTMetaInvokable& raised, ZTEventValues& values);
+    // An event of the subscription keeps it.
+    void addEvent() noexcept { eventCount.fetch_add(1, std::memory_order_relaxed); }
+    void removeEvent() noexcept
+    {
+        // Before the state is read: whoever changes that reads this behind it.
+        if (eventCount.fetch_sub(1, std::memory_order_seq_cst) == 1 &&
+            state.load(std::memory_order_seq_cst) != Living)
+            settle();
+    }
 
     // Ending. What may be destroyed on this thread is left in `ended`.
     /// Tells whether there was anything to end.
@@ -71,10 +82,9 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     /// The slots of a sender that dies are gone already.
     static void leaveSender(ZTQueueEnds& sender, ZTLetGo& ended);
     static void endOfQueue(ZTQueueCore& queue, ZTLetGo& ended);
-    /// Ends a drained one, if nothing waits any more.
-    static void endIfDrained(ZTQueuedSubscription& subscription);
 
     [[nodiscard]] bool isEnded() const { return state.load(std::memory_order_acquire) == Ended; }
+    [[nodiscard]] bool hasEvents() const { return eventCount.load(std::memory_order_seq_cst) > 0; }
 
     enum State : unsigned char { Living, Drained, Ended };
     /// Where the sender has it.
@@ -83,6 +93,8 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     const std::shared_ptr<ZTQueueCore> queue;
     /// Read on its own thread alone, as long as the subscription has not ended.
     ZTBasePrivate* const receiver;
+    /// Memory for the next event, for the thread of the sender; null where there is none.
+    ZTEventBlock* spare = nullptr;
     /// Those of the sender, as long as it lives.
     ZTQueueEnds* senderEnds = nullptr;
     std::atomic<State> state = Living;
@@ -91,15 +103,20 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     /// Whether the descriptor of the event is one that never ends.
     bool isEventForEver = false;
 
-    // Under the lock of the queue.
+    /// How many events there are that wait or are being delivered.
+    std::atomic<std::size_t> eventCount = 0;
     const std::chrono::nanoseconds interval;
-    std::size_t waitingCount = 0;
+
+    // Under the lock of the queue.
     /// The one that waits, where there is at most one.
     ZTQueuedEvent* waiting = nullptr;
     /// When the next one may be delivered.
     Time nextTime{};
 
 private:
+    /// Ends a drained one, and lets go of one that has ended, now that there are no events.
+    void settle() noexcept;
+    void letGoOfSelf() noexcept;
     static void endLocked(ZTQueuedSubscription& subscription, ZTLetGo& ended);
     static void drainLocked(ZTQueuedSubscription& subscription);
     void enterSlot();
