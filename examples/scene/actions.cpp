@@ -41,7 +41,7 @@ public:
     void operator()(const MoveObject& move) const
     {
         ZTBase& parent = living(move.parent);
-        if (findBelow(m_object, &parent))
+        if (findBelow(m_object, [&](const ZTBase* object) { return object == &parent; }))
             throw Mistake(m_action.place, "\"" + move.parent + "\" has come below \"" +
                                               m_action.object + "\" by a method");
         m_trace.line("move " + m_action.object + " to " + move.parent);

@@ -5,7 +5,6 @@
 #include "files.h"
 #include "fit.h"
 #include "hostclasses.h"
-#include "librarymessages.h"
 #include "members.h"
 #include "mistake.h"
 #include "population.h"
@@ -13,6 +12,7 @@
 #include <zintar/checked.h>
 #include <zintar/datastream.h>
 #include <zintar/enumeration.h>
+#include <zintar/loghandler.h>
 #include <zintar/typedvalue.h>
 
 #include <map>
@@ -141,8 +141,8 @@ private:
     {
         if (!m_stream.good())
             throw Mistake(m_place, "the file ends here, or is damaged");
-        if (std::string message = firstMessage(m_messages); !message.empty())
-            throw Mistake(m_place, message);
+        if (!m_said.empty())
+            throw Mistake(m_place, m_said.substr(m_said.find(": ") + 2)); // not "Zintar: "
     }
 
     void refuseMore()
@@ -161,7 +161,11 @@ private:
         return object;
     }
 
-    ZTLogCapture m_messages;
+    std::string m_said; ///< what the library said first of a damaged file
+    ZTScopedLogHandler m_listening = ztSetLogHandler([this](const std::string& line, ZTLogType) {
+        if (m_said.empty())
+            m_said = line;
+    });
     ZTDataStream m_stream;
     ZTClassStore& m_store;
     Population m_population;

@@ -11,19 +11,11 @@ namespace scene
 {
 namespace
 {
-/// The object below `parent` whose name or whose path it is; null when there is none.
-ZTBase* findByPath(const ZTBase& parent, const std::string& above, const std::string& path,
-                   const Names& names)
+/// The names of the object and of all above it but the nameless top.
+std::string pathOf(const ZTBase& object, const Names& names)
 {
-    for (ZTBase* child : parent.children()) {
-        std::string name = names.of(child);
-        std::string whole = above + name;
-        if (name == path || whole == path)
-            return child;
-        if (ZTBase* found = findByPath(*child, whole + "/", path, names))
-            return found;
-    }
-    return nullptr;
+    const ZTBase* parent = object.parent();
+    return (parent->parent() ? pathOf(*parent, names) + "/" : "") + names.of(&object);
 }
 } // namespace
 
@@ -42,7 +34,9 @@ void Recorder::record(const std::string& event, const Scene& scene)
         throw Mistake(place, "expected an object and its event, as in \"lathe.stopped\"");
     std::string path = event.substr(0, dot);
     std::string name = event.substr(dot + 1);
-    ZTBase* sender = findByPath(scene.top(), "", path, m_names);
+    ZTBase* sender = findBelow(scene.top(), [&](const ZTBase* object) {
+        return m_names.of(object) == path || pathOf(*object, m_names) == path;
+    });
     if (!sender)
         throw Mistake(place, "there is no object \"" + path + "\"");
     auto found = invokablesNamed(*sender->metaClass(), Kind::Event, name);

@@ -25,17 +25,20 @@ void Scene::build(const ObjectPlan& plan, ZTBase* parent)
 
 void Scene::connect(const ConnectionPlan& plan, Trace& trace)
 {
-    const TracedMethod& handler = m_handlers.emplace_back(plan, trace);
-    m_subscriptions.emplace_back(
-        ZTBase::subscribe(find(plan.sender), plan.event, find(plan.receiver), &handler));
+    ZTBase* receiver = find(plan.receiver);
+    m_subscriptions.emplace_back(ZTBase::subscribe(
+        find(plan.sender), plan.event, receiver,
+        [&plan, &trace, receiver](const ZTArgumentArray& values) {
+            trace.deliver(plan, *receiver, values);
+        }));
 }
 
-ZTBase* findBelow(const ZTBase& top, const ZTBase* address)
+ZTBase* findBelow(const ZTBase& top, const std::function<bool(const ZTBase*)>& isMeant)
 {
     for (ZTBase* child : top.children()) {
-        if (child == address)
+        if (isMeant(child))
             return child;
-        if (ZTBase* found = findBelow(*child, address))
+        if (ZTBase* found = findBelow(*child, isMeant))
             return found;
     }
     return nullptr;
@@ -44,6 +47,6 @@ ZTBase* findBelow(const ZTBase& top, const ZTBase* address)
 ZTBase* Scene::find(const std::string& name) const
 {
     const ZTBase* address = m_names.addressOf(name);
-    return address ? findBelow(m_top, address) : nullptr;
+    return findBelow(m_top, [&](const ZTBase* object) { return object == address; });
 }
 } // namespace scene

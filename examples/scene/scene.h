@@ -7,15 +7,14 @@
 #include <zintar/base.h>
 #include <zintar/subscription.h>
 
-#include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace scene
 {
-/// The object at that address if it is somewhere below `top`, else null. The address may be one of
-/// an object that is gone.
-ZTBase* findBelow(const ZTBase& top, const ZTBase* address);
+/// The first object below `top` that is meant, else null.
+ZTBase* findBelow(const ZTBase& top, const std::function<bool(const ZTBase*)>& isMeant);
 
 /// The living objects of a plan, and the connections between them.
 class Scene
@@ -36,9 +35,7 @@ private:
 
     Names& m_names;
     ZTBase m_top;
-    // Behind the objects, so that the connections end before the tree is taken down. A deque,
-    // since a subscription keeps the address of its handler.
-    std::deque<TracedMethod> m_handlers;
+    // Behind the objects, so that the connections end before the tree is taken down.
     std::vector<ZTScopedSubscription> m_subscriptions;
 };
 } // namespace scene

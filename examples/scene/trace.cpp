@@ -27,28 +27,16 @@ bool Trace::refusesDelivery(const std::string& place)
     return !m_tooDeep.empty();
 }
 
-TracedMethod::TracedMethod(const ConnectionPlan& connection, Trace& trace)
-    : ZTStaticMetaInvokable(&m_record), m_connection(connection), m_trace(trace)
+void Trace::deliver(const ConnectionPlan& connection, ZTBase& receiver,
+                    const ZTArgumentArray& values)
 {
-    const ZTMetaInvokable& method = *connection.method;
-    for (unsigned int i = 0; i < method.parameterCount(); ++i)
-        m_parameterTypes.push_back(&method.parameterMetaType(i));
-    m_record.name = method.name();
-    m_record.isConst = method.isConst();
-    m_record.returnMetaType = &method.returnMetaType();
-    m_record.parameterCount = method.parameterCount();
-    m_record.parameterMetaTypes = m_parameterTypes.data();
-}
-
-ZTVariant TracedMethod::invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const
-{
-    if (m_trace.refusesDelivery(m_connection.place))
-        return {};
-    const ZTMetaInvokable& event = *m_connection.event;
-    m_trace.line(m_connection.sender + "." + std::string(event.name()) +
-                 m_trace.show(arguments, event.parameterCount()) + " -> " + m_connection.receiver +
-                 "." + std::string(name()));
-    Trace::Level nested(m_trace);
-    return m_connection.method->invoke(object, arguments);
+    if (refusesDelivery(connection.place))
+        return;
+    const ZTMetaInvokable& event = *connection.event;
+    line(connection.sender + "." + std::string(event.name()) +
+         show(values, event.parameterCount()) + " -> " + connection.receiver + "." +
+         std::string(connection.method->name()));
+    Level nested(*this);
+    connection.method->invoke(ZTVariant(&receiver), values);
 }
 } // namespace scene

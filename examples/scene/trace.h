@@ -3,12 +3,11 @@
 #include "names.h"
 #include "plan.h"
 
-#include <zintar/staticmetaclass.h>
+#include <zintar/base.h>
 
 #include <iosfwd>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace scene
 {
@@ -39,37 +38,19 @@ public:
     /// The place of the connection whose delivery was nested too deep since the last call, or
     /// empty. Until it has been asked for, nothing is delivered.
     std::string takeTooDeep() { return std::exchange(m_tooDeep, {}); }
-    /// Also true for the first delivery that would be nested too deep, whose place is kept.
-    bool refusesDelivery(const std::string& place);
+    /// The handler of a connection: tells of the event, and hands it on to the method.
+    void deliver(const ConnectionPlan& connection, ZTBase& receiver,
+                 const ZTArgumentArray& values);
     /// More than any chain of causes that a file means; a circle of connections has no end.
     static constexpr int deepestDelivery = 20;
 
 private:
+    /// Also true for the first delivery that would be nested too deep, whose place is kept.
+    bool refusesDelivery(const std::string& place);
+
     std::ostream& m_out;
     const Names& m_names;
     int m_depth = 0;
     std::string m_tooDeep;
-};
-
-/// The handler of a connection: the method itself, told of before each call.
-///
-/// It stands in for the method's own descriptor, with the method's name and parameters, so that
-/// the library checks and ends the subscription as if it were the method: the receiver is the
-/// subscriber, and knows the sender while it is called.
-class TracedMethod : public ZTStaticMetaInvokable
-{
-public:
-    TracedMethod(const ConnectionPlan& connection, Trace& trace);
-    TracedMethod(const TracedMethod&) = delete; // the base class points into the object
-    TracedMethod& operator=(const TracedMethod&) = delete;
-
-    ZTVariant invoke(const ZTVariant& object, const ZTArgumentArray& arguments) const override;
-    using ZTStaticMetaInvokable::invoke;
-
-private:
-    const ConnectionPlan& m_connection;
-    Trace& m_trace;
-    std::vector<const ZTMetaType*> m_parameterTypes;
-    zt::detail::ZTStaticMetaInvokableData m_record;
 };
 } // namespace scene
