@@ -65,10 +65,9 @@ private:
         if (const ZTMetaClass* known = superClassNamed(super))
             return *known;
         if (ztClass(super))
-            throw Mistake(superNode.place(), super +
-                                                 " cannot be a super class: it does not derive "
-                                                 "from " +
-                                                 "ZTDynamicBase");
+            throw Mistake(superNode.place(),
+                          super + " cannot be a super class: it does not derive from "
+                                  "ZTDynamicBase");
         throw Mistake(superNode.place(), "unknown super class \"" + super + "\"; known are " +
                                              namesOf(superClasses()));
     }
@@ -125,21 +124,19 @@ private:
                 property.addPropInfo(startKey, textOf(start));
             }
             if (described.has("event"))
-                linkChangeEvent(described["event"], builder, property);
+                linkChangeEvent(described["event"], node, builder, property);
         }
     }
 
-    static void linkChangeEvent(const Node& node, ZTMetaClassBuilder& builder,
-                                ZTMetaPropertyBuilder& property)
+    static void linkChangeEvent(const Node& node, const Node& declaration,
+                                ZTMetaClassBuilder& builder, ZTMetaPropertyBuilder& property)
     {
         std::string name = node.name();
+        if (builder.indexOfInvokable(name) >= 0)
+            return property.setChangeEvent(builder.invokable(name));
         std::vector<std::string> known;
-        for (unsigned int i = 0; i < static_cast<unsigned int>(builder.invokableCount()); ++i) {
-            auto event = builder.invokable(i);
-            if (event.name() == name)
-                return property.setChangeEvent(event);
-            known.emplace_back(event.name());
-        }
+        for (const auto& [event, types] : declaration.members("events"))
+            known.push_back(event);
         throw Mistake(node.place(), std::string(builder.typeName()) + " declares no event \"" +
                                         name + "\"; it declares " +
                                         (known.empty() ? "none" : listed(known)));
@@ -148,12 +145,8 @@ private:
     static void readMethods(const Node& node, ZTMetaClassBuilder& builder)
     {
         for (const auto& [name, described] : node.members("methods")) {
-            std::vector<const ZTMetaType*> types;
-            for (const auto& [parameter, type] : described.members("parameters"))
-                types.push_back(&readType(type));
             auto method = builder.addInvokable();
             method.setName(name);
-            method.setParameterMetaTypes(types);
             method.setReturnMetaType(ztMetaType<void>());
             method.setAccessSpecifier(ZTAccessSpecifier::Public);
             auto body = builder.addClassInfo();

@@ -151,14 +151,10 @@ private:
         std::string name(method.name());
         Node::Place place = m_place / "methods" / name;
         takeName(name, place, true);
-        checkTypes(method.parameterMetaTypes(), place);
         Json text = readBodyText(name, place);
         auto body = std::make_shared<const MethodBody>(MethodBody::read(Node(text, place), shape));
-        std::vector<const ZTMetaType*> types;
-        for (const MethodParameter& parameter : body->parameters())
-            types.push_back(parameter.type);
-        if (types != method.parameterMetaTypes())
-            fail(place, "the method's parameters are not those of its annotation");
+        method.setParameterMetaTypes(body->parameterTypes());
+        method.setParameterNames(body->parameterNames());
         method.setFunction([body](const ZTVariant& object, const ZTArgumentArray& arguments) {
             if (auto* self = ztVariantValue<ZTBase*>(object))
                 body->run(*self, arguments);
@@ -168,16 +164,11 @@ private:
 
     Json readBodyText(const std::string& name, const Node::Place& place)
     {
-        for (unsigned int i = 0; i < count(m_builder.classInfoCount()); ++i)
-            if (m_builder.classInfo(i).key() == std::string(methodKey) + name)
-                return parseBody(std::string(m_builder.classInfo(i).value()), place);
-        fail(place, "the class does not say what the method does");
-    }
-
-    static Json parseBody(const std::string& text, const Node::Place& place)
-    {
+        const std::string key = std::string(methodKey) + name;
+        if (m_builder.indexOfClassInfo(key) < 0)
+            fail(place, "the class does not say what the method does");
         try {
-            return parseJson(text);
+            return parseJson(std::string(m_builder.classInfo(key).value()));
         } catch (const Mistake& mistake) {
             fail(place, mistake.where() + " of what it does: " + mistake.what());
         }

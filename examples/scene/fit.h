@@ -9,7 +9,8 @@
 
 namespace scene
 {
-/// The value as one of that type; a `Mistake` when it does not fit.
+/// The value as one of that type; a `Mistake` when it does not fit. A file keeps truth values,
+/// names and numbers apart, which the library's converters do not, and its numbers have an end.
 /// @param where  what it is for: "parameter 1 of grow"
 ZTVariant fit(const Node& value, const std::string& where, const ZTMetaType& type);
 

@@ -78,7 +78,7 @@ private:
             zt::enumeration<Stage>(zt::enumerators<Stage::Seedling, Stage::Growing, Stage::Ripe>),
             zt::event<&Self::ripened>(), zt::property<&Self::daysToRipen>().info("unit", "day"),
             zt::property<&Self::age>().info("unit", "day"), zt::property<&Self::stage>(),
-            zt::method<&Self::grow>());
+            zt::method<&Self::grow>().parameters("days").defaults(1));
     }
 };
 
@@ -185,7 +185,8 @@ private:
             zt::property<&Self::target, &Self::setTarget>().notify<&Self::targetChanged>().info(
                 "unit", "celsius"),
             zt::property<&Self::tolerance>().info("unit", "kelvin"), zt::property<&Self::mode>(),
-            zt::method<&Self::regulate>(), zt::method<&Self::program>());
+            zt::method<&Self::regulate>(),
+            zt::method<&Self::program>().parameters("mode", "celsius"));
     }
 };
 

@@ -162,10 +162,11 @@ private:
     }
 
     std::string m_said; ///< what the library said first of a damaged file
-    ZTScopedLogHandler m_listening = ztSetLogHandler([this](const std::string& line, ZTLogType type) {
-        if (type != ZTLogType::Info && m_said.empty())
-            m_said = line;
-    });
+    ZTScopedLogHandler m_listening =
+        ztSetLogHandler([this](const std::string& line, ZTLogType type) {
+            if (type != ZTLogType::Info && m_said.empty())
+                m_said = line;
+        });
     ZTDataStream m_stream;
     ZTClassStore& m_store;
     Population m_population;

@@ -1,5 +1,7 @@
 #include "members.h"
 
+#include "print.h"
+
 #include <zintar/metatypeof.h>
 #include <zintar/shortname.h>
 
@@ -18,10 +20,23 @@ std::string nameOf(const ZTMetaType& type)
 
 std::string parametersOf(const ZTMetaInvokable& invokable)
 {
-    std::vector<std::string> names;
-    for (unsigned int i = 0; i < invokable.parameterCount(); ++i)
-        names.push_back(nameOf(invokable.parameterMetaType(i)));
-    return "(" + listed(names) + ")";
+    std::vector<std::string> texts;
+    for (unsigned int i = 0; i < invokable.parameterCount(); ++i) {
+        std::string& text = texts.emplace_back(nameOf(invokable.parameterMetaType(i)));
+        if (auto name = invokable.parameterName(i); !name.empty())
+            text.append(" ").append(name);
+        if (const ZTVariant* otherwise = invokable.defaultArgument(i))
+            text.append(" = ").append(shown(*otherwise, Names()));
+    }
+    return "(" + listed(texts) + ")";
+}
+
+std::string nameOf(const ZTMetaInvokable& invokable, unsigned int parameter)
+{
+    const std::string_view name = invokable.parameterName(parameter);
+    return "parameter " +
+           (name.empty() ? std::to_string(parameter + 1) : "\"" + std::string(name) + "\"") +
+           " of " + std::string(invokable.name());
 }
 
 std::vector<const ZTMetaInvokable*> invokablesNamed(const ZTMetaClass& metaClass, Kind kind,

@@ -15,8 +15,10 @@ namespace scene
 std::string nameOf(const ZTMetaClass& metaClass);
 /// "int", "string", "Thermostat::Mode", "ZTBase*".
 std::string nameOf(const ZTMetaType& type);
-/// "(string, double)"
+/// "(string, double celsius = 20)"
 std::string parametersOf(const ZTMetaInvokable& invokable);
+/// "parameter "celsius" of program", or the number of one without a name.
+std::string nameOf(const ZTMetaInvokable& invokable, unsigned int parameter);
 
 enum class Kind { Method, Event };
 

@@ -6,6 +6,7 @@
 
 #include <zintar/base.h>
 #include <zintar/checked.h>
+#include <zintar/kind.h>
 #include <zintar/reference.h>
 #include <zintar/typedvalue.h>
 
@@ -19,13 +20,16 @@ namespace
 /// Whether every value of the one type has a place in the other.
 bool alwaysFits(const ZTMetaType& from, const ZTMetaType& to)
 {
-    return from == to || to == ztMetaType<ZTVariant>() || to == ztMetaType<std::string>() ||
-           (from == ztMetaType<int>() && to == ztMetaType<double>());
+    const ZTKind source = ztKind(from);
+    const ZTKind target = ztKind(to);
+    return from == to || to == ztMetaType<ZTVariant>() || target == ZTKind::Text ||
+           (source == ZTKind::Integer && target == ZTKind::Floating && source.bits < target.bits);
 }
 
 bool isNumber(const ZTMetaType& type)
 {
-    return type == ztMetaType<int>() || type == ztMetaType<double>();
+    const ZTKind kind = ztKind(type);
+    return isValueType(type) && (kind == ZTKind::Integer || kind == ZTKind::Floating);
 }
 
 /// A whole number that would leave its range stays at the end of it.
@@ -58,11 +62,12 @@ private:
     void readParameters(const Node& node)
     {
         for (const auto& [name, type] : node.members("parameters")) {
-            if (m_body.m_parameters.size() == ZTMetaInvokable::MaxParamCount)
+            if (m_body.m_parameterNames.size() == ZTMetaInvokable::MaxParamCount)
                 throw Mistake(type.place(), "a method has at most " +
                                                 std::to_string(ZTMetaInvokable::MaxParamCount) +
                                                 " parameters");
-            m_body.m_parameters.push_back({name, &readType(type)});
+            m_body.m_parameterNames.push_back(name);
+            m_body.m_parameterTypes.push_back(&readType(type));
         }
     }
 
@@ -112,8 +117,7 @@ private:
             Raise raise{static_cast<unsigned int>(event->index()), {}};
             for (unsigned int i = 0; i < given.size(); ++i)
                 raise.arguments.push_back(
-                    readOperand(given[i], "parameter " + std::to_string(i + 1) + " of " + name,
-                                event->parameterMetaType(i)));
+                    readOperand(given[i], nameOf(*event, i), event->parameterMetaType(i)));
             return raise;
         }
         throw Mistake(node.place(), name + parametersOf(*events[0]) + " cannot be raised with " +
@@ -148,7 +152,7 @@ private:
         if (node.has("parameter")) {
             unsigned int index = parameterNamed(node["parameter"]);
             operand.source = OfParameter{index};
-            given = m_body.m_parameters[index].type;
+            given = m_body.m_parameterTypes[index];
         } else {
             const ZTMetaProperty& property = ownProperty(node["property"]);
             operand.source = OfProperty{std::string(property.name())};
@@ -163,12 +167,10 @@ private:
     unsigned int parameterNamed(const Node& node) const
     {
         std::string name = node.name();
-        std::vector<std::string> known;
-        for (unsigned int i = 0; i < m_body.m_parameters.size(); ++i) {
-            if (m_body.m_parameters[i].name == name)
-                return i;
-            known.push_back(m_body.m_parameters[i].name);
-        }
+        const std::vector<std::string>& known = m_body.m_parameterNames;
+        auto found = std::find(known.begin(), known.end(), name);
+        if (found != known.end())
+            return static_cast<unsigned int>(found - known.begin());
         throw Mistake(node.place(), "the method has no parameter \"" + name + "\"; it has " +
                                         (known.empty() ? "none" : listed(known)));
     }

@@ -11,11 +11,6 @@
 
 namespace scene
 {
-struct MethodParameter {
-    std::string name;
-    const ZTMetaType* type;
-};
-
 /// What a declared method does: a few steps on the object's own properties and events.
 class MethodBody
 {
@@ -24,7 +19,8 @@ public:
     /// What does not fit the class is a `Mistake`.
     static MethodBody read(const Node& node, const ZTMetaClass& metaClass);
 
-    const std::vector<MethodParameter>& parameters() const { return m_parameters; }
+    const std::vector<std::string>& parameterNames() const { return m_parameterNames; }
+    const std::vector<const ZTMetaType*>& parameterTypes() const { return m_parameterTypes; }
 
     /// Carries the steps out; ends early when somebody who hears of one deletes the object.
     void run(ZTBase& object, const ZTArgumentArray& arguments) const;
@@ -59,7 +55,8 @@ private:
     class Reader;
     class Runner;
 
-    std::vector<MethodParameter> m_parameters;
+    std::vector<std::string> m_parameterNames;
+    std::vector<const ZTMetaType*> m_parameterTypes;
     std::vector<Step> m_steps;
 };
 } // namespace scene

@@ -26,11 +26,11 @@ void Scene::build(const ObjectPlan& plan, ZTBase* parent)
 void Scene::connect(const ConnectionPlan& plan, Trace& trace)
 {
     ZTBase* receiver = find(plan.receiver);
-    m_subscriptions.emplace_back(ZTBase::subscribe(
-        find(plan.sender), plan.event, receiver,
-        [&plan, &trace, receiver](const ZTArgumentArray& values) {
-            trace.deliver(plan, *receiver, values);
-        }));
+    m_subscriptions.emplace_back(
+        ZTBase::subscribe(find(plan.sender), plan.event, receiver,
+                          [&plan, &trace, receiver](const ZTArgumentArray& values) {
+                              trace.deliver(plan, *receiver, values);
+                          }));
 }
 
 ZTBase* findBelow(const ZTBase& top, const std::function<bool(const ZTBase*)>& isMeant)

@@ -54,10 +54,10 @@ private:
         auto property = ztTryFindProperty(metaClass, name);
         if (!property)
             throw Mistake(naming.place(), property.error());
-        auto fitting = ztTryFit(value.value(), metaClass, **property);
-        if (!fitting)
-            throw Mistake(((*property)->canSet() ? value : naming).place(), fitting.error());
-        return {name, *std::move(fitting), false};
+        const ZTVariant given = value.value();
+        if (auto fitting = ztTryFit(given, metaClass, **property); !(*property)->canSet())
+            throw Mistake(naming.place(), fitting.error());
+        return {name, fit(value, nameOf(metaClass) + "." + name, (*property)->metaType()), false};
     }
 
     static PropertyPlan readDynamic(const ZTMetaClass& metaClass, const std::string& name,
@@ -143,22 +143,15 @@ private:
             arguments.push_back(argument.value());
         auto call = ztTryFindCall(m_population.classOf(action.object, node["call"].place()),
                                   methods[0]->name(), arguments);
+        // What a converter would take, but the file cannot mean, is refused as well.
+        const ZTMetaInvokable& method = call ? *call->invokable : *methods[0];
+        const bool isMeant = call || methods.size() == 1;
+        for (unsigned int i = 0; isMeant && i < given.size() && i < method.parameterCount(); ++i)
+            (void)fit(given[i], nameOf(method, i), method.parameterMetaType(i));
         if (!call)
-            throw Mistake(placeOfMisfit(methods, given, node), call.error());
+            throw Mistake(node.place(), call.error());
         action.what = *std::move(call);
         return action;
-    }
-
-    /// Where the argument stands that the first method of as many parameters does not take.
-    static std::string placeOfMisfit(const std::vector<const ZTMetaInvokable*>& methods,
-                                     const std::vector<Node>& given, const Node& call)
-    {
-        for (const ZTMetaInvokable* method : methods)
-            for (unsigned int i = 0; method->parameterCount() == given.size() && i < given.size();
-                 ++i)
-                if (!ztTryConvert(given[i].value(), method->parameterMetaType(i)))
-                    return given[i].place();
-        return call.place();
     }
 
     ActionPlan readMove(const Node& node)

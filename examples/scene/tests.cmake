@@ -22,6 +22,8 @@ scene_prints(record_nobody "workshop.json;--record;workshop/stove.turns" 2 cases
 
 # Who hears of a step of a declared method may delete the object: the method ends with it.
 scene_prints(felled cases/felled.json 0 cases/felled.txt)
+# A change event may carry nothing, and an argument may be left out.
+scene_prints(quiet cases/quiet.json 0 cases/quiet.txt)
 
 # What one process saves, another one brings back, and the tool shows.
 if(ZINTAR_BUILD_TOOLS)

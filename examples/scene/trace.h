@@ -39,8 +39,7 @@ public:
     /// empty. Until it has been asked for, nothing is delivered.
     std::string takeTooDeep() { return std::exchange(m_tooDeep, {}); }
     /// The handler of a connection: tells of the event, and hands it on to the method.
-    void deliver(const ConnectionPlan& connection, ZTBase& receiver,
-                 const ZTArgumentArray& values);
+    void deliver(const ConnectionPlan& connection, ZTBase& receiver, const ZTArgumentArray& values);
     /// More than any chain of causes that a file means; a circle of connections has no end.
     static constexpr int deepestDelivery = 20;
 
