@@ -30,8 +30,8 @@ public:
             std::string name = node["name"].name();
             auto [known, isNew] = m_waiting.emplace(name, node);
             if (!isNew)
-                throw Mistake(node["name"].place(), "the class \"" + name + "\" is declared by " +
-                                                        known->second.place() + " already");
+                node["name"].fail("the class \"" + name + "\" is declared by " +
+                                  known->second.place() + " already");
         }
         for (const Node& node : nodes)
             if (std::string name = node["name"].name(); !m_made.contains(name))
@@ -65,22 +65,21 @@ private:
         if (const ZTMetaClass* known = superClassNamed(super))
             return *known;
         if (ztClass(super))
-            throw Mistake(superNode.place(),
-                          super + " cannot be a super class: it does not derive from "
-                                  "ZTDynamicBase");
-        throw Mistake(superNode.place(), "unknown super class \"" + super + "\"; known are " +
-                                             namesOf(superClasses()));
+            superNode.fail(super + " cannot be a super class: it does not derive from "
+                                   "ZTDynamicBase");
+        superNode.fail("unknown super class \"" + super + "\"; known are " +
+                       namesOf(superClasses()));
     }
 
     void refuseCircle(const std::string& super, const Node& node) const
     {
         auto first = std::find(m_open.begin(), m_open.end(), super);
         if (first != m_open.end())
-            throw Mistake(node.place(), "the super classes run in a circle: " +
-                                            chained({first, m_open.end()}) + super);
+            node.fail("the super classes run in a circle: " + chained({first, m_open.end()}) +
+                      super);
         if (m_open.size() > deepestChain)
-            throw Mistake(node.place(), "more than " + std::to_string(deepestChain) +
-                                            " classes derive from each other");
+            node.fail("more than " + std::to_string(deepestChain) +
+                      " classes derive from each other");
     }
 
     static std::string chained(const std::vector<std::string>& names)
@@ -137,9 +136,8 @@ private:
         std::vector<std::string> known;
         for (const auto& [event, types] : declaration.members("events"))
             known.push_back(event);
-        throw Mistake(node.place(), std::string(builder.typeName()) + " declares no event \"" +
-                                        name + "\"; it declares " +
-                                        (known.empty() ? "none" : listed(known)));
+        node.fail(std::string(builder.typeName()) + " declares no event \"" + name +
+                  "\"; it declares " + (known.empty() ? "none" : listed(known)));
     }
 
     static void readMethods(const Node& node, ZTMetaClassBuilder& builder)

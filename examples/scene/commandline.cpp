@@ -1,6 +1,6 @@
 #include "commandline.h"
 
-#include <cstddef>
+#include <utility>
 
 namespace scene
 {
@@ -72,29 +72,29 @@ bool makesSense(const CommandLine& line)
 std::optional<CommandLine> readCommandLine(const std::vector<std::string>& arguments)
 {
     CommandLine line;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (argument == "--help") {
+    std::string* wanted = nullptr; // what the option before needs
+    for (const std::string& argument : arguments) {
+        if (wanted)
+            *std::exchange(wanted, nullptr) = argument;
+        else if (argument == "--help")
             line.help = true;
-        } else if (argument == "--classes") {
+        else if (argument == "--classes")
             line.classes = true;
-        } else if (!argument.starts_with("-")) {
-            if (!line.file.empty())
-                return std::nullopt;
+        else if (argument == "--record")
+            wanted = &line.record.emplace_back();
+        else if (argument == "--save" && line.save.empty())
+            wanted = &line.save;
+        else if (argument == "--load" && line.load.empty())
+            wanted = &line.load;
+        else if (!argument.starts_with("-") && line.file.empty())
             line.file = argument;
-        } else {
-            if (++i == arguments.size() || arguments[i].empty())
-                return std::nullopt;
-            if (argument == "--record")
-                line.record.push_back(arguments[i]);
-            else if (argument == "--save" && line.save.empty())
-                line.save = arguments[i];
-            else if (argument == "--load" && line.load.empty())
-                line.load = arguments[i];
-            else
-                return std::nullopt;
-        }
+        else
+            return std::nullopt;
+        if (argument.empty())
+            return std::nullopt;
     }
+    if (wanted)
+        return std::nullopt;
     return makesSense(line) ? std::optional(line) : std::nullopt;
 }
 } // namespace scene

@@ -49,10 +49,9 @@ ZTVariant fit(const Node& value, const std::string& where, const ZTMetaType& typ
 {
     auto fitting = ztTryConvert(value.value(), type, where);
     if (!fitting)
-        throw Mistake(value.place(), fitting.error());
+        value.fail(fitting.error());
     if (!isMeant(value.value(), type))
-        throw Mistake(value.place(),
-                      value.written() + " does not fit " + where + " of type " + expectation(type));
+        value.fail(value.written() + " does not fit " + where + " of type " + expectation(type));
     return *std::move(fitting);
 }
 
@@ -93,6 +92,6 @@ const ZTMetaType& readType(const Node& node)
             return *type;
         known.push_back(nameOf(*type));
     }
-    throw Mistake(node.place(), "unknown type \"" + name + "\"; known are " + listed(known));
+    node.fail("unknown type \"" + name + "\"; known are " + listed(known));
 }
 } // namespace scene

@@ -97,9 +97,11 @@ std::string Node::place() const
     return pointer.empty() ? "/" : pointer;
 }
 
+void Node::fail(const std::string& what) const { throw Mistake(place(), what); }
+
 void Node::refuse(const std::string& expected) const
 {
-    throw Mistake(place(), "expected " + expected + ", found " + kindOf(*m_value));
+    fail("expected " + expected + ", found " + kindOf(*m_value));
 }
 
 bool Node::isObject() const { return m_value->is_object(); }
@@ -114,7 +116,7 @@ bool Node::has(const char* key) const
 Node Node::operator[](const char* key) const
 {
     if (!has(key))
-        throw Mistake(place(), "\"" + std::string(key) + "\" is missing");
+        fail("\"" + std::string(key) + "\" is missing");
     return Node(m_value->at(key), m_place / key);
 }
 
@@ -150,8 +152,8 @@ void Node::allowOnly(std::initializer_list<std::string_view> keys) const
         refuse("an object");
     for (const auto& [name, value] : m_value->items())
         if (std::find(keys.begin(), keys.end(), name) == keys.end())
-            throw Mistake(place(), "unknown field " + Json(name).dump() + "; known are " +
-                                       listed({keys.begin(), keys.end()}));
+            fail("unknown field " + Json(name).dump() + "; known are " +
+                 listed({keys.begin(), keys.end()}));
 }
 
 std::string Node::name() const
@@ -202,12 +204,10 @@ bool isName(std::string_view text)
     return !text.empty() && std::none_of(text.begin(), text.end(), isControl);
 }
 
-bool isIdentifier(std::string_view text)
+bool isIdentifier(const std::string& text)
 {
-    auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    auto isPart = [&](char c) {
-        return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-    };
-    return !text.empty() && !isDigit(text[0]) && std::all_of(text.begin(), text.end(), isPart);
+    const std::string digits = "0123456789";
+    const std::string all = digits + "_abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    return text.find_first_not_of(digits) == 0 && text.find_first_not_of(all) == text.npos;
 }
 } // namespace scene

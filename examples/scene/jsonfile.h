@@ -26,7 +26,7 @@ Json parseJson(const std::string& text);
 bool isName(std::string_view text);
 /// Whether it is a name that a class or a member of one can have: letters, digits and "_", not
 /// with a digit in front.
-bool isIdentifier(std::string_view text);
+bool isIdentifier(const std::string& text);
 
 /// A value in a JSON document that knows its place. Whatever is not as it was asked for is a
 /// `Mistake` at that place. Good as long as the document.
@@ -61,6 +61,8 @@ public:
     bool truth() const;
     /// Text, a number or a truth value, as the type that JSON makes of it.
     ZTVariant value() const;
+    /// A `Mistake` at this place.
+    [[noreturn]] void fail(const std::string& what) const;
     /// The value as it stands in the file, on one line.
     std::string written() const;
 

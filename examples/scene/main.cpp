@@ -49,37 +49,24 @@ void save(const std::string& file, const ZTClassStore& store, const scene::Scene
 void run(const scene::CommandLine& line)
 {
     ZTClassStore store;
-    scene::ScenePlan plan = scene::readScene(line.file, store);
+    const bool loads = !line.load.empty();
+    auto plan = loads ? scene::loadScene(line.load, store) : scene::readScene(line.file, store);
     scene::Names names;
     scene::Trace trace(std::cout, names);
     scene::Scene scene(plan, names, trace);
-    scene::Recorder recorder(line.record, scene, names);
-    std::cout << "Before\n";
-    scene::printTree(std::cout, scene.top(), names);
-    std::cout
-        << "\nActions, each with what it causes: sender.event(arguments) -> receiver.handler\n";
-    scene::carryOut(plan.actions, scene, trace);
-    std::cout << "\nAfter\n";
-    scene::printTree(std::cout, scene.top(), names);
-    if (!line.record.empty()) {
-        std::cout << "\nRecorded\n";
-        recorder.print(std::cout);
-    }
-    if (!line.save.empty())
-        save(line.save, store, scene, names);
-}
-
-void load(const scene::CommandLine& line)
-{
-    ZTClassStore store;
-    scene::ScenePlan plan = scene::loadScene(line.load, store);
-    scene::Names names;
-    scene::Trace trace(std::cout, names);
-    scene::Scene scene(plan, names, trace);
-    if (plan.root)
+    if (loads && plan.root)
         scene::restoreState(*plan.root, scene);
-    std::cout << "Loaded\n";
+    scene::Recorder recorder(line.record, scene, names);
+    std::cout << (loads ? "Loaded\n" : "Before\n");
     scene::printTree(std::cout, scene.top(), names);
+    if (!loads) {
+        std::cout
+            << "\nActions, each with what it causes: sender.event(arguments) -> receiver.handler\n";
+        scene::carryOut(plan.actions, scene, trace);
+        std::cout << "\nAfter\n";
+        scene::printTree(std::cout, scene.top(), names);
+    }
+    recorder.print(std::cout);
     if (!line.save.empty())
         save(line.save, store, scene, names);
 }
@@ -90,8 +77,6 @@ void carryOut(const scene::CommandLine& line)
         std::cout << scene::usage << scene::help;
     else if (line.classes)
         listClasses(line);
-    else if (!line.load.empty())
-        load(line);
     else
         run(line);
 }

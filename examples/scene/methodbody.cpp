@@ -63,9 +63,8 @@ private:
     {
         for (const auto& [name, type] : node.members("parameters")) {
             if (m_body.m_parameterNames.size() == ZTMetaInvokable::MaxParamCount)
-                throw Mistake(type.place(), "a method has at most " +
-                                                std::to_string(ZTMetaInvokable::MaxParamCount) +
-                                                " parameters");
+                type.fail("a method has at most " + std::to_string(ZTMetaInvokable::MaxParamCount) +
+                          " parameters");
             m_body.m_parameterNames.push_back(name);
             m_body.m_parameterTypes.push_back(&readType(type));
         }
@@ -79,7 +78,7 @@ private:
             return readAdd(node);
         if (node.has("raise"))
             return readRaise(node);
-        throw Mistake(node.place(), "a step has one of set, add, raise");
+        node.fail("a step has one of set, add, raise");
     }
 
     Step readSet(const Node& node) const
@@ -87,9 +86,12 @@ private:
         node.allowOnly({"set", "value"});
         const ZTMetaProperty& property = ownProperty(node["set"]);
         if (!property.canSet())
-            throw Mistake(node["set"].place(), fullName(property) + " can only be read");
-        return Set{std::string(property.name()),
-                   readOperand(node["value"], fullName(property), property.metaType())};
+            node["set"].fail(fullName(property) + " can only be read");
+        return [name = std::string(property.name()),
+                value = readOperand(node["value"], fullName(property), property.metaType())](
+                   ZTBase& object, const ZTArgumentArray& arguments) {
+            object.setProperty(name, value(object, arguments));
+        };
     }
 
     Step readAdd(const Node& node) const
@@ -97,10 +99,12 @@ private:
         node.allowOnly({"add", "value"});
         const ZTMetaProperty& property = ownProperty(node["add"]);
         if (!property.canSet() || !isNumber(property.metaType()))
-            throw Mistake(node["add"].place(),
-                          fullName(property) + " is not a number that can be set");
-        return Add{std::string(property.name()),
-                   readOperand(node["value"], fullName(property), property.metaType())};
+            node["add"].fail(fullName(property) + " is not a number that can be set");
+        return [name = std::string(property.name()),
+                value = readOperand(node["value"], fullName(property), property.metaType())](
+                   ZTBase& object, const ZTArgumentArray& arguments) {
+            object.setProperty(name, sum(object.property(name), value(object, arguments)));
+        };
     }
 
     Step readRaise(const Node& node) const
@@ -109,20 +113,25 @@ private:
         std::string name = node["raise"].name();
         auto events = invokablesNamed(m_class, Kind::Event, name);
         if (events.empty())
-            throw Mistake(node["raise"].place(), unknownInvokable(m_class, Kind::Event, name));
+            node["raise"].fail(unknownInvokable(m_class, Kind::Event, name));
         auto given = node.elements("arguments");
         for (const ZTMetaInvokable* event : events) {
             if (event->parameterCount() != given.size())
                 continue;
-            Raise raise{static_cast<unsigned int>(event->index()), {}};
+            std::vector<Operand> values;
             for (unsigned int i = 0; i < given.size(); ++i)
-                raise.arguments.push_back(
+                values.push_back(
                     readOperand(given[i], nameOf(*event, i), event->parameterMetaType(i)));
-            return raise;
+            return [index = static_cast<unsigned int>(event->index()),
+                    values](ZTBase& object, const ZTArgumentArray& arguments) {
+                ZTArgumentArray carried;
+                for (std::size_t i = 0; i < values.size(); ++i)
+                    carried[i] = values[i](object, arguments);
+                object.metaClass()->invokable(index)->invoke(ZTVariant(&object), carried);
+            };
         }
-        throw Mistake(node.place(), name + parametersOf(*events[0]) + " cannot be raised with " +
-                                        std::to_string(given.size()) + " argument" +
-                                        (given.size() == 1 ? "" : "s"));
+        node.fail(name + parametersOf(*events[0]) + " cannot be raised with " +
+                  std::to_string(given.size()) + " argument" + (given.size() == 1 ? "" : "s"));
     }
 
     const ZTMetaProperty& ownProperty(const Node& node) const
@@ -130,7 +139,7 @@ private:
         std::string name = node.name();
         auto property = ztTryFindProperty(m_class, name);
         if (!property)
-            throw Mistake(node.place(), property.error());
+            node.fail(property.error());
         return **property;
     }
 
@@ -143,85 +152,45 @@ private:
     Operand readOperand(const Node& node, const std::string& where, const ZTMetaType& type) const
     {
         if (!node.isObject())
-            return {fit(node, where, type), &type};
+            return [value = fit(node, where, type)](const auto&...) { return value; };
         node.allowOnly({"parameter", "property"});
         if (node.has("parameter") == node.has("property"))
-            throw Mistake(node.place(), "a value is plain, or has one of parameter, property");
-        const ZTMetaType* given = nullptr;
-        Operand operand{{}, &type};
+            node.fail("a value is plain, or has one of parameter, property");
+        auto converter = [&](const ZTMetaType& given) {
+            if (!alwaysFits(given, type))
+                node.fail("a value of type " + nameOf(given) + " does not fit " + where +
+                          " of type " + nameOf(type));
+            return [&type](const ZTVariant& value) {
+                return ztTryConvert(value, type).valueOr(ZTVariant(type, nullptr));
+            };
+        };
         if (node.has("parameter")) {
-            unsigned int index = parameterNamed(node["parameter"]);
-            operand.source = OfParameter{index};
-            given = m_body.m_parameterTypes[index];
-        } else {
-            const ZTMetaProperty& property = ownProperty(node["property"]);
-            operand.source = OfProperty{std::string(property.name())};
-            given = &property.metaType();
+            std::size_t index = parameterNamed(node["parameter"]);
+            return [index, convert = converter(*m_body.m_parameterTypes[index])](
+                       const ZTBase&, const ZTArgumentArray& arguments) {
+                return convert(arguments[index]);
+            };
         }
-        if (!alwaysFits(*given, type))
-            throw Mistake(node.place(), "a value of type " + nameOf(*given) + " does not fit " +
-                                            where + " of type " + nameOf(type));
-        return operand;
+        const ZTMetaProperty& property = ownProperty(node["property"]);
+        return [name = std::string(property.name()), convert = converter(property.metaType())](
+                   const ZTBase& object, const ZTArgumentArray&) {
+            return convert(object.property(name));
+        };
     }
 
-    unsigned int parameterNamed(const Node& node) const
+    std::size_t parameterNamed(const Node& node) const
     {
         std::string name = node.name();
         const std::vector<std::string>& known = m_body.m_parameterNames;
         auto found = std::find(known.begin(), known.end(), name);
         if (found != known.end())
-            return static_cast<unsigned int>(found - known.begin());
-        throw Mistake(node.place(), "the method has no parameter \"" + name + "\"; it has " +
-                                        (known.empty() ? "none" : listed(known)));
+            return static_cast<std::size_t>(found - known.begin());
+        node.fail("the method has no parameter \"" + name + "\"; it has " +
+                  (known.empty() ? "none" : listed(known)));
     }
 
     const ZTMetaClass& m_class;
     MethodBody m_body;
-};
-
-/// One call of a method; an overload for each kind of step.
-class MethodBody::Runner
-{
-public:
-    Runner(ZTBase& object, const ZTArgumentArray& arguments)
-        : m_object(object), m_arguments(arguments)
-    {}
-
-    void operator()(const Set& set) const
-    {
-        m_object.setProperty(set.property, valueOf(set.value));
-    }
-
-    void operator()(const Add& add) const
-    {
-        m_object.setProperty(add.property,
-                             sum(m_object.property(add.property), valueOf(add.value)));
-    }
-
-    void operator()(const Raise& raise) const
-    {
-        ZTArgumentArray arguments;
-        for (std::size_t i = 0; i < raise.arguments.size(); ++i)
-            arguments[i] = valueOf(raise.arguments[i]);
-        const ZTMetaInvokable* event = m_object.metaClass()->invokable(raise.event);
-        event->invoke(ZTVariant(&m_object), arguments);
-    }
-
-private:
-    ZTVariant valueOf(const Operand& operand) const
-    {
-        ZTVariant value;
-        if (const auto* literal = std::get_if<ZTVariant>(&operand.source))
-            value = *literal;
-        else if (const auto* parameter = std::get_if<OfParameter>(&operand.source))
-            value = m_arguments[parameter->index];
-        else
-            value = m_object.property(std::get<OfProperty>(operand.source).name);
-        return ztTryConvert(value, *operand.type).valueOr(ZTVariant(*operand.type, nullptr));
-    }
-
-    ZTBase& m_object;
-    const ZTArgumentArray& m_arguments;
 };
 
 MethodBody MethodBody::read(const Node& node, const ZTMetaClass& metaClass)
@@ -235,7 +204,7 @@ void MethodBody::run(ZTBase& object, const ZTArgumentArray& arguments) const
     for (const Step& step : m_steps) {
         if (!living.get())
             return;
-        std::visit(Runner(object, arguments), step);
+        step(object, arguments);
     }
 }
 } // namespace scene

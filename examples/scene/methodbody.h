@@ -5,8 +5,8 @@
 #include <zintar/metaclass.h>
 #include <zintar/variant.h>
 
+#include <functional>
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace scene
@@ -26,34 +26,10 @@ public:
     void run(ZTBase& object, const ZTArgumentArray& arguments) const;
 
 private:
-    // Where a value comes from.
-    struct OfParameter {
-        unsigned int index;
-    };
-    struct OfProperty {
-        std::string name;
-    };
-    struct Operand {
-        std::variant<ZTVariant, OfParameter, OfProperty> source;
-        const ZTMetaType* type; ///< that it is converted to
-    };
-
-    struct Set {
-        std::string property;
-        Operand value;
-    };
-    struct Add {
-        std::string property;
-        Operand value;
-    };
-    struct Raise {
-        unsigned int event; ///< the class-wide index
-        std::vector<Operand> arguments;
-    };
-    using Step = std::variant<Set, Add, Raise>;
+    using Operand = std::function<ZTVariant(const ZTBase&, const ZTArgumentArray&)>;
+    using Step = std::function<void(ZTBase&, const ZTArgumentArray&)>;
 
     class Reader;
-    class Runner;
 
     std::vector<std::string> m_parameterNames;
     std::vector<const ZTMetaType*> m_parameterTypes;

@@ -38,23 +38,10 @@ std::string shown(const ZTArgumentArray& arguments, unsigned int count, const Na
 
 namespace
 {
-std::string shownProperties(const ZTBase& object, const Names& names)
+template <class Keys>
+std::string shownProperties(const ZTBase& object, const Keys& keys, const Names& names)
 {
     std::vector<std::string> texts;
-    const ZTMetaClass& metaClass = *object.metaClass();
-    for (unsigned int i = 0; i < metaClass.propertyCount(); ++i) {
-        std::string name(metaClass.property(i)->name());
-        texts.push_back(name + "=" + shown(object.property(name), names));
-    }
-    return listed(texts);
-}
-
-std::string shownDynamicProperties(const ZTBase& object, const Names& names)
-{
-    auto keys = object.dynamicProperties();
-    std::sort(keys.begin(), keys.end());
-    std::vector<std::string> texts;
-    texts.reserve(keys.size());
     for (std::string_view key : keys)
         texts.push_back(std::string(key) + "=" + shown(object.property(key), names));
     return listed(texts);
@@ -63,10 +50,15 @@ std::string shownDynamicProperties(const ZTBase& object, const Names& names)
 void printObject(std::ostream& out, const ZTBase& object, const Names& names, std::size_t depth)
 {
     out << std::string(2 * depth, ' ') << names.of(&object) << ": " << nameOf(*object.metaClass());
-    if (std::string properties = shownProperties(object, names); !properties.empty())
-        out << "  " << properties;
-    if (std::string dynamic = shownDynamicProperties(object, names); !dynamic.empty())
-        out << "  dynamic " << dynamic;
+    std::vector<std::string_view> declared;
+    for (unsigned int i = 0; i < object.metaClass()->propertyCount(); ++i)
+        declared.push_back(object.metaClass()->property(i)->name());
+    if (!declared.empty())
+        out << "  " << shownProperties(object, declared, names);
+    auto dynamic = object.dynamicProperties();
+    std::sort(dynamic.begin(), dynamic.end());
+    if (!dynamic.empty())
+        out << "  dynamic " << shownProperties(object, dynamic, names);
     out << "\n";
     for (const ZTBase* child : object.children())
         printObject(out, *child, names, depth + 1);

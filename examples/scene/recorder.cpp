@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <tuple>
 
 namespace scene
 {
@@ -42,11 +43,14 @@ void Recorder::record(const std::string& event, const Scene& scene)
     auto found = invokablesNamed(*sender->metaClass(), Kind::Event, name);
     if (found.empty())
         throw Mistake(place, unknownInvokable(*sender->metaClass(), Kind::Event, name));
-    m_recordings.emplace_back(event, *sender, *found[0]);
+    m_recordings.emplace_back(std::piecewise_construct, std::tuple(event),
+                              std::tuple(sender, found[0]));
 }
 
 void Recorder::print(std::ostream& out) const
 {
+    if (!m_recordings.empty())
+        out << "\nRecorded\n";
     for (const auto& [title, listener] : m_recordings) {
         out << "  " << title << ": " << listener.count() << "\n";
         for (const std::vector<ZTVariant>& record : listener) {

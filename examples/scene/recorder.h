@@ -8,6 +8,7 @@
 #include <deque>
 #include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace scene
@@ -20,20 +21,13 @@ public:
     ///                the objects above it: "shop/lathe.stopped". What is not there is a `Mistake`.
     Recorder(const std::vector<std::string>& events, const Scene& scene, const Names& names);
 
+    /// Nothing when there is nothing to record.
     void print(std::ostream& out) const;
 
 private:
-    struct Recording {
-        Recording(std::string of, ZTBase& sender, const ZTMetaInvokable& event)
-            : title(std::move(of)), listener(&sender, &event)
-        {}
-        std::string title;
-        ZTEventListener listener;
-    };
-
     void record(const std::string& event, const Scene& scene);
 
     const Names& m_names;
-    std::deque<Recording> m_recordings;
+    std::deque<std::pair<std::string, ZTEventListener>> m_recordings; ///< with their titles
 };
 } // namespace scene

@@ -53,10 +53,10 @@ private:
     {
         auto property = ztTryFindProperty(metaClass, name);
         if (!property)
-            throw Mistake(naming.place(), property.error());
+            naming.fail(property.error());
         const ZTVariant given = value.value();
         if (auto fitting = ztTryFit(given, metaClass, **property); !(*property)->canSet())
-            throw Mistake(naming.place(), fitting.error());
+            naming.fail(fitting.error());
         return {name, fit(value, nameOf(metaClass) + "." + name, (*property)->metaType()), false};
     }
 
@@ -64,10 +64,10 @@ private:
                                     const Node& naming, const Node& value)
     {
         if (metaClass.property(name))
-            throw Mistake(naming.place(), nameOf(metaClass) + "." + name +
-                                              " is a property of the class, not a dynamic one");
+            naming.fail(nameOf(metaClass) + "." + name +
+                        " is a property of the class, not a dynamic one");
         if (!isName(name))
-            throw Mistake(naming.place(), "a property needs a name of printable characters");
+            naming.fail("a property needs a name of printable characters");
         return {name, value.value(), true};
     }
 
@@ -87,10 +87,9 @@ private:
                 return connection;
             }
         }
-        throw Mistake(node.place(), std::string(methods[0]->name()) + parametersOf(*methods[0]) +
-                                        " of " + connection.receiver + " cannot take what " +
-                                        std::string(events[0]->name()) + parametersOf(*events[0]) +
-                                        " of " + connection.sender + " sends");
+        node.fail(std::string(methods[0]->name()) + parametersOf(*methods[0]) + " of " +
+                  connection.receiver + " cannot take what " + std::string(events[0]->name()) +
+                  parametersOf(*events[0]) + " of " + connection.sender + " sends");
     }
 
     /// The methods or events of the object that bear the name; at least one.
@@ -101,7 +100,7 @@ private:
         std::string name = nameNode.name();
         auto found = invokablesNamed(metaClass, kind, name);
         if (found.empty())
-            throw Mistake(nameNode.place(), unknownInvokable(metaClass, kind, name));
+            nameNode.fail(unknownInvokable(metaClass, kind, name));
         return found;
     }
 
@@ -115,7 +114,7 @@ private:
             return readMove(node);
         if (node.has("delete"))
             return readDelete(node);
-        throw Mistake(node.place(), "an action has one of set, call, move, delete");
+        node.fail("an action has one of set, call, move, delete");
     }
 
     ActionPlan readSet(const Node& node) const
@@ -149,7 +148,7 @@ private:
         for (unsigned int i = 0; isMeant && i < given.size() && i < method.parameterCount(); ++i)
             (void)fit(given[i], nameOf(method, i), method.parameterMetaType(i));
         if (!call)
-            throw Mistake(node.place(), call.error());
+            node.fail(call.error());
         action.what = *std::move(call);
         return action;
     }
