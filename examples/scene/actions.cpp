@@ -18,9 +18,9 @@ public:
         : m_action(action), m_scene(scene), m_trace(trace), m_object(living(action.object))
     {}
 
-    void operator()(const SetProperty& set) const
+    void operator()(const PropertyPlan& set) const
     {
-        const auto& [name, value, dynamic] = set.property;
+        const auto& [name, value, dynamic] = set;
         m_trace.line("set " + m_action.object + "." + name + " = " + m_trace.show(value) +
                      (dynamic ? " (dynamic)" : ""));
         Trace::Level nested(m_trace);

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 
 namespace scene
 {
@@ -34,7 +33,7 @@ public:
                                   known->second.place() + " already");
         }
         for (const Node& node : nodes)
-            if (std::string name = node["name"].name(); !m_made.contains(name))
+            if (std::string name = node["name"].name(); !m_store.find(name))
                 make(name);
     }
 
@@ -49,14 +48,13 @@ private:
         readProperties(node, builder);
         readMethods(node, builder);
         m_store.add(finishClass(builder, node.pointer()));
-        m_made.insert(name);
     }
 
     const ZTMetaClass& readSuperClass(const std::string& name, const Node& node)
     {
         Node superNode = node["super"];
         std::string super = superNode.name();
-        if (m_waiting.contains(super) && !m_made.contains(super)) {
+        if (m_waiting.contains(super) && !m_store.find(super)) {
             m_open.push_back(name);
             refuseCircle(super, superNode);
             make(super);
@@ -75,36 +73,22 @@ private:
     {
         auto first = std::find(m_open.begin(), m_open.end(), super);
         if (first != m_open.end())
-            node.fail("the super classes run in a circle: " + chained({first, m_open.end()}) +
-                      super);
+            node.fail("the super classes run in a circle: " + listed({first, m_open.end()}, " : ") +
+                      " : " + super);
         if (m_open.size() > deepestChain)
             node.fail("more than " + std::to_string(deepestChain) +
                       " classes derive from each other");
     }
 
-    static std::string chained(const std::vector<std::string>& names)
-    {
-        std::string text;
-        for (const std::string& name : names)
-            text += name + " : ";
-        return text;
-    }
-
-    static std::vector<const ZTMetaType*> readTypes(const std::vector<Node>& nodes)
-    {
-        std::vector<const ZTMetaType*> types;
-        types.reserve(nodes.size());
-        for (const Node& node : nodes)
-            types.push_back(&readType(node));
-        return types;
-    }
-
     static void readEvents(const Node& node, ZTMetaClassBuilder& builder)
     {
         for (const auto& [name, types] : node.members("events")) {
+            std::vector<const ZTMetaType*> parameterTypes;
+            for (const Node& type : node["events"].elements(name.c_str()))
+                parameterTypes.push_back(&readType(type));
             auto event = builder.addInvokable();
             event.setName(name);
-            event.setEvent(readTypes(node["events"].elements(name.c_str())));
+            event.setEvent(parameterTypes);
             event.setAccessSpecifier(ZTAccessSpecifier::Public);
         }
     }
@@ -157,7 +141,6 @@ private:
 
     ZTClassStore& m_store;
     std::map<std::string, Node> m_waiting;
-    std::set<std::string> m_made;
     std::vector<std::string> m_open; ///< waiting for their super classes
 };
 } // namespace

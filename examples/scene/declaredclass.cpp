@@ -83,16 +83,6 @@ private:
             fail(place, nameOf(super) + " has a member \"" + name + "\" already");
     }
 
-    void checkTypes(const std::vector<const ZTMetaType*>& types, const Node::Place& place) const
-    {
-        if (types.size() > ZTMetaInvokable::MaxParamCount)
-            fail(place, "an event or a method has at most " +
-                            std::to_string(ZTMetaInvokable::MaxParamCount) + " parameters");
-        for (const ZTMetaType* type : types)
-            if (!isValueType(*type))
-                fail(place, "a parameter cannot be of type " + nameOf(*type));
-    }
-
     void finishEvent(unsigned int index)
     {
         auto event = m_builder.invokable(index);
@@ -100,7 +90,12 @@ private:
         Node::Place place = m_place / "events" / name;
         takeName(name, place, false);
         auto types = event.parameterMetaTypes();
-        checkTypes(types, place);
+        if (types.size() > ZTMetaInvokable::MaxParamCount)
+            fail(place, "an event or a method has at most " +
+                            std::to_string(ZTMetaInvokable::MaxParamCount) + " parameters");
+        for (const ZTMetaType* type : types)
+            if (!isValueType(*type))
+                fail(place, "a parameter cannot be of type " + nameOf(*type));
         event.setEvent(types);
     }
 

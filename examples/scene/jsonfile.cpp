@@ -34,51 +34,6 @@ std::string reasonOf(const nlohmann::json::exception& error)
     return std::string(text);
 }
 
-struct SaidTwice {
-    std::string name;
-};
-
-/// Sees to it that no object says a thing twice, which JSON allows and the parser passes over in
-/// silence: one of the two would be lost.
-class TwiceWatch
-{
-public:
-    bool operator()(int, Json::parse_event_t event, const Json& parsed)
-    {
-        using Event = Json::parse_event_t;
-        if (event == Event::object_start)
-            m_open.emplace_back();
-        else if (event == Event::object_end)
-            m_open.pop_back();
-        else if (event == Event::key && !m_open.back().insert(parsed.get<std::string>()).second)
-            throw SaidTwice{parsed.get<std::string>()};
-        return true;
-    }
-
-private:
-    std::vector<std::set<std::string>> m_open;
-};
-} // namespace
-
-Json readJson(const std::string& file) { return parseJson(readFile(file)); }
-
-Json parseJson(const std::string& contents)
-{
-    std::istringstream stream(contents);
-    auto here = [&] { return lineAndColumn(contents, static_cast<std::size_t>(stream.tellg())); };
-    try {
-        return Json::parse(stream, TwiceWatch());
-    } catch (const Json::parse_error& error) {
-        throw Mistake(lineAndColumn(contents, error.byte), reasonOf(error));
-    } catch (const Json::exception& error) {
-        throw Mistake(here(), reasonOf(error)); // a number that no type holds
-    } catch (const SaidTwice& key) {
-        throw Mistake(here(), Json(key.name).dump() + " is said twice");
-    }
-}
-
-namespace
-{
 std::string kindOf(const Json& value)
 {
     if (value.is_object())
@@ -90,6 +45,32 @@ std::string kindOf(const Json& value)
     return value.dump();
 }
 } // namespace
+
+Json readJson(const std::string& file) { return parseJson(readFile(file)); }
+
+Json parseJson(const std::string& contents)
+{
+    std::istringstream stream(contents);
+    auto here = [&] { return lineAndColumn(contents, static_cast<std::size_t>(stream.tellg())); };
+    // JSON allows an object to say a thing twice, and the parser would lose one of the two.
+    std::vector<std::set<std::string>> open;
+    auto refuseTwice = [&](int, Json::parse_event_t event, const Json& parsed) {
+        if (event == Json::parse_event_t::object_start)
+            open.emplace_back();
+        else if (event == Json::parse_event_t::object_end)
+            open.pop_back();
+        else if (event == Json::parse_event_t::key && !open.back().insert(parsed).second)
+            throw Mistake(here(), parsed.dump() + " is said twice");
+        return true;
+    };
+    try {
+        return Json::parse(stream, refuseTwice);
+    } catch (const Json::parse_error& error) {
+        throw Mistake(lineAndColumn(contents, error.byte), reasonOf(error));
+    } catch (const Json::exception& error) {
+        throw Mistake(here(), reasonOf(error)); // a number that no type holds
+    }
+}
 
 std::string Node::place() const
 {
@@ -106,10 +87,15 @@ void Node::refuse(const std::string& expected) const
 
 bool Node::isObject() const { return m_value->is_object(); }
 
+void Node::needObject() const
+{
+    if (!isObject())
+        refuse("an object");
+}
+
 bool Node::has(const char* key) const
 {
-    if (!m_value->is_object())
-        refuse("an object");
+    needObject();
     return m_value->contains(key);
 }
 
@@ -126,8 +112,7 @@ std::vector<std::pair<std::string, Node>> Node::members(const char* key) const
     if (!has(key))
         return members;
     Node object = (*this)[key];
-    if (!object.m_value->is_object())
-        object.refuse("an object");
+    object.needObject();
     for (const auto& [name, value] : object.m_value->items())
         members.emplace_back(name, Node(value, object.m_place / name));
     return members;
@@ -148,8 +133,7 @@ std::vector<Node> Node::elements(const char* key) const
 
 void Node::allowOnly(std::initializer_list<std::string_view> keys) const
 {
-    if (!m_value->is_object())
-        refuse("an object");
+    needObject();
     for (const auto& [name, value] : m_value->items())
         if (std::find(keys.begin(), keys.end(), name) == keys.end())
             fail("unknown field " + Json(name).dump() + "; known are " +

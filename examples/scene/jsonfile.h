@@ -67,6 +67,7 @@ public:
     std::string written() const;
 
 private:
+    void needObject() const;
     [[noreturn]] void refuse(const std::string& expected) const;
 
     const Json* m_value;

@@ -95,20 +95,14 @@ private:
                                        ? nameOf(metaClass) + "." + property.name + " is not dynamic"
                                        : ztTryFindProperty(metaClass, property.name).error());
         if (declared && ztEnumeration(declared->metaType()))
-            property.value = enumeratorOf(property, declared->metaType());
+            property.value =
+                ztTryConvert(property.value, declared->metaType()).valueOr(property.value);
         const ZTMetaType& type = property.value.type();
         if (declared ? type != declared->metaType()
                      : !isValueType(type) && type != ztMetaType<long long>())
             throw Mistake(m_place, property.name + " cannot have a value of type " + nameOf(type));
         auto& properties = declared && !declared->canSet() ? object.readOnly : object.properties;
         properties.push_back(std::move(property));
-    }
-
-    ZTVariant enumeratorOf(const PropertyPlan& property, const ZTMetaType& type) const
-    {
-        if (auto enumerator = ztTryConvert(property.value, type))
-            return *std::move(enumerator);
-        throw Mistake(m_place, property.name + " cannot have a value that is no " + nameOf(type));
     }
 
     ZTVariant readValue()

@@ -51,17 +51,6 @@ std::vector<const ZTMetaInvokable*> invokablesNamed(const ZTMetaClass& metaClass
     return found;
 }
 
-namespace
-{
-std::string noSuch(const ZTMetaClass& metaClass, std::string_view what, std::string_view name,
-                   const std::set<std::string>& known)
-{
-    std::string text = nameOf(metaClass) + " has no ";
-    text.append(what).append(" \"").append(name).append("\"; it has ");
-    return text + (known.empty() ? "none" : listed({known.begin(), known.end()}));
-}
-} // namespace
-
 std::string unknownInvokable(const ZTMetaClass& metaClass, Kind kind, std::string_view name)
 {
     std::string_view wanted = kind == Kind::Event ? "event" : "method";
@@ -75,7 +64,9 @@ std::string unknownInvokable(const ZTMetaClass& metaClass, Kind kind, std::strin
             return nameOf(metaClass).append(".").append(name).append(" is no ").append(wanted) +
                    " but a" + (other == "event" ? "n " : " ") + std::string(other);
     }
-    return noSuch(metaClass, wanted, name, known);
+    std::string text = nameOf(metaClass) + " has no ";
+    text.append(wanted).append(" \"").append(name).append("\"; it has ");
+    return text + (known.empty() ? "none" : listed({known.begin(), known.end()}));
 }
 
 bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event)
@@ -96,11 +87,11 @@ std::string onOneLine(std::string text)
     return text;
 }
 
-std::string listed(const std::vector<std::string>& names)
+std::string listed(const std::vector<std::string>& names, std::string_view between)
 {
     std::string text;
     for (const std::string& name : names)
-        text.append(text.empty() ? "" : ", ").append(name);
+        text.append(text.empty() ? "" : between).append(name);
     return text;
 }
 } // namespace scene

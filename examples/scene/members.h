@@ -36,5 +36,5 @@ bool takes(const ZTMetaInvokable& handler, const ZTMetaInvokable& event);
 std::string onOneLine(std::string text);
 
 /// "one, two, three"
-std::string listed(const std::vector<std::string>& names);
+std::string listed(const std::vector<std::string>& names, std::string_view between = ", ");
 } // namespace scene

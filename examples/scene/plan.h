@@ -38,9 +38,6 @@ struct ConnectionPlan {
     const ZTMetaInvokable* method = nullptr;
 };
 
-struct SetProperty {
-    PropertyPlan property;
-};
 struct MoveObject {
     std::string parent;
 };
@@ -49,7 +46,7 @@ struct DeleteObject {};
 struct ActionPlan {
     std::string place; ///< in the file
     std::string object;
-    std::variant<SetProperty, ZTCheckedCall, MoveObject, DeleteObject> what;
+    std::variant<PropertyPlan, ZTCheckedCall, MoveObject, DeleteObject> what;
 };
 
 struct ScenePlan {

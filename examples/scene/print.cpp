@@ -38,8 +38,8 @@ std::string shown(const ZTArgumentArray& arguments, unsigned int count, const Na
 
 namespace
 {
-template <class Keys>
-std::string shownProperties(const ZTBase& object, const Keys& keys, const Names& names)
+std::string shownProperties(const ZTBase& object, const std::vector<std::string_view>& keys,
+                            const Names& names)
 {
     std::vector<std::string> texts;
     for (std::string_view key : keys)

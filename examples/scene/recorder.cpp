@@ -23,28 +23,25 @@ std::string pathOf(const ZTBase& object, const Names& names)
 Recorder::Recorder(const std::vector<std::string>& events, const Scene& scene, const Names& names)
     : m_names(names)
 {
-    for (const std::string& event : events)
-        record(event, scene);
-}
-
-void Recorder::record(const std::string& event, const Scene& scene)
-{
-    std::string place = "--record " + event;
-    auto dot = event.rfind('.');
-    if (dot == std::string::npos)
-        throw Mistake(place, "expected an object and its event, as in \"lathe.stopped\"");
-    std::string path = event.substr(0, dot);
-    std::string name = event.substr(dot + 1);
-    ZTBase* sender = findBelow(scene.top(), [&](const ZTBase* object) {
-        return m_names.of(object) == path || pathOf(*object, m_names) == path;
-    });
-    if (!sender)
-        throw Mistake(place, "there is no object \"" + path + "\"");
-    auto found = invokablesNamed(*sender->metaClass(), Kind::Event, name);
-    if (found.empty())
-        throw Mistake(place, unknownInvokable(*sender->metaClass(), Kind::Event, name));
-    m_recordings.emplace_back(std::piecewise_construct, std::tuple(event),
-                              std::tuple(sender, found[0]));
+    for (const std::string& event : events) {
+        std::string place = "--record " + event;
+        auto dot = event.rfind('.');
+        if (dot == std::string::npos)
+            throw Mistake(place, "expected an object and its event, as in \"lathe.stopped\"");
+        std::string path = event.substr(0, dot);
+        ZTBase* sender = findBelow(scene.top(), [&](const ZTBase* object) {
+            return names.of(object) == path || pathOf(*object, names) == path;
+        });
+        if (!sender)
+            throw Mistake(place, "there is no object \"" + path + "\"");
+        const ZTMetaClass& metaClass = *sender->metaClass();
+        std::string name = event.substr(dot + 1);
+        auto found = invokablesNamed(metaClass, Kind::Event, name);
+        if (found.empty())
+            throw Mistake(place, unknownInvokable(metaClass, Kind::Event, name));
+        m_recordings.emplace_back(std::piecewise_construct, std::tuple(event),
+                                  std::tuple(sender, found[0]));
+    }
 }
 
 void Recorder::print(std::ostream& out) const

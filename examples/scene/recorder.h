@@ -25,8 +25,6 @@ public:
     void print(std::ostream& out) const;
 
 private:
-    void record(const std::string& event, const Scene& scene);
-
     const Names& m_names;
     std::deque<std::pair<std::string, ZTEventListener>> m_recordings; ///< with their titles
 };

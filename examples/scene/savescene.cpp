@@ -23,32 +23,22 @@ public:
     {
         store.write(m_stream);
         std::size_t classesEnd = m_stream.data().size();
-        m_stream << nameless();
+        std::unique_ptr<ZTMetaClass> nameless(ZTMetaClassBuilder().toMetaClass());
+        m_stream << *nameless;
         std::size_t objectsBegin = m_stream.data().size();
-        collect(top, "");
+        collect(top);
         writeValue(static_cast<int>(m_objects.size()));
-        for (const auto& [object, parent] : m_objects)
-            writeObject(*object, parent);
+        for (const ZTBase* object : m_objects)
+            writeObject(*object, object->parent() == &top ? "" : m_names.of(object->parent()));
         return {m_stream.data(), classesEnd, objectsBegin, m_objects.size()};
     }
 
 private:
-    struct Placed {
-        const ZTBase* object;
-        std::string parent;
-    };
-
-    static const ZTMetaClass& nameless()
-    {
-        static const std::unique_ptr<ZTMetaClass> none(ZTMetaClassBuilder().toMetaClass());
-        return *none;
-    }
-
-    void collect(const ZTBase& parent, const std::string& name)
+    void collect(const ZTBase& parent)
     {
         for (const ZTBase* child : parent.children()) {
-            m_objects.push_back({child, name});
-            collect(*child, m_names.of(child));
+            m_objects.push_back(child);
+            collect(*child);
         }
     }
 
@@ -84,7 +74,7 @@ private:
 
     const Names& m_names;
     ZTDataStream m_stream;
-    std::vector<Placed> m_objects;
+    std::vector<const ZTBase*> m_objects;
 };
 } // namespace
 

@@ -125,7 +125,7 @@ private:
         bool dynamic = node.has("dynamic") && node["dynamic"].truth();
         auto read = dynamic ? &readDynamic : &readDeclared;
         std::string name = node["property"].name();
-        action.what = SetProperty{read(metaClass, name, node["property"], node["value"])};
+        action.what = read(metaClass, name, node["property"], node["value"]);
         return action;
     }
 

@@ -13,6 +13,7 @@ endfunction()
 scene_prints(greenhouse greenhouse.json 0 greenhouse.txt)
 scene_prints(classes --classes 0 classes.txt)
 scene_prints(help --help 0 help.txt)
+scene_prints(folder cases 2 cases/folder.txt)
 scene_prints(usage "two.json;files.json" 2 usage.txt)
 
 set(recorded "--record;workshop/lathe.finished;--record;lathe.turns;--record;ivy.ripened")
