@@ -9,7 +9,7 @@
 
 #include "classlist.h"
 
-#include "../common/nameindex.h"
+#include "../common/keptname.h"
 #include "../common/publishedindex.h"
 
 #include <zintar/classes.h>
@@ -27,8 +27,8 @@
 namespace zt::detail
 {
 struct ClassName {
-    explicit ClassName(std::string_view name) : text(name), key(text) {}
-    [[nodiscard]] std::size_t hash() const { return key.shortHash(); }
+    explicit ClassName(KeptName kept) : name(std::move(kept)) {}
+    [[nodiscard]] std::size_t hash() const { return name.key().shortHash(); }
 
     /// Another class has the name, in full or as its last part.
     void add(const ZTMetaClass& metaClass, bool isFull) noexcept
@@ -49,8 +49,7 @@ struct ClassName {
         return isShared.load(std::memory_order_acquire) ? nullptr : one;
     }
 
-    const std::string text;
-    const NameKey key;
+    const KeptName name;
     std::atomic<const ZTMetaClass*> full = nullptr; ///< the class with that full name
     std::atomic<const ZTMetaClass*> last = nullptr; ///< one of which it is the last part
     std::atomic<bool> isShared = false;             ///< it is the last part of several
@@ -76,7 +75,7 @@ struct DeclaredClasses {
     {
         const NameKey key(name);
         return names.find(key.shortHash(),
-                          [&](const ClassName& candidate) { return candidate.key == key; });
+                          [&](const ClassName& candidate) { return candidate.name.key() == key; });
     }
 };
 
@@ -119,18 +118,20 @@ bool isInAnonymousNamespace(std::string_view typeName)
 } // namespace
 
 ClassListing::ClassListing(const ZTMetaClass& metaClass)
-    : m_class(metaClass), m_lock(declaredClasses().writing), m_listed(new ListedClass{metaClass})
+    : m_class(metaClass),
+      m_spelled(metaClass.typeName()),
+      m_lock(declaredClasses().writing),
+      m_listed(new ListedClass{metaClass})
 {
-    const std::string_view spelled = metaClass.typeName();
-    const std::string full = ztShortName(spelled);
-    const bool isAnonymous = isInAnonymousNamespace(spelled);
+    const std::string full = ztShortName(m_spelled);
+    const bool isAnonymous = isInAnonymousNamespace(m_spelled);
     const std::string_view last = lastPart(full);
     const ClassName* known = declaredClasses().find(full);
     // Of two in anonymous namespaces the registry tells that their pointers have one name.
     m_isSecond = !isAnonymous && known && known->full.load(std::memory_order_relaxed);
-    if (const ClassName* same = declaredClasses().find(spelled); !same || !same->full)
-        addName(spelled, true);
-    if (!m_isSecond && full != spelled)
+    if (const ClassName* same = declaredClasses().find(m_spelled); !same || !same->full)
+        addName(m_spelled, true);
+    if (!m_isSecond && full != m_spelled)
         addName(full, !isAnonymous);
     if (last != full)
         addName(last, false);
@@ -141,7 +142,11 @@ ClassListing::~ClassListing() = default;
 
 void ClassListing::addName(std::string_view text, bool isFull)
 {
-    auto name = std::make_unique<ClassName>(text);
+    // Mostly it is the end of the spelled name, which stays as long as the class.
+    const bool isEnd = m_spelled.ends_with(text);
+    auto name = std::make_unique<ClassName>(
+        isEnd ? KeptName::viewOf(m_spelled.substr(m_spelled.size() - text.size()))
+              : KeptName::copyOf(text));
     name->isFullOfAdded = isFull;
     name->next = std::move(m_names);
     m_names = std::move(name);
@@ -152,7 +157,7 @@ void ClassListing::enter() noexcept
     DeclaredClasses& classes = declaredClasses();
     while (m_names) {
         std::unique_ptr<ClassName> name = std::exchange(m_names, std::move(m_names->next));
-        ClassName* entry = classes.find(name->text);
+        ClassName* entry = classes.find(name->name.text());
         const bool isNew = !entry;
         if (isNew)
             entry = name.get();

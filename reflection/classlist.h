@@ -32,6 +32,7 @@ private:
     void addName(std::string_view text, bool isFull);
 
     const ZTMetaClass& m_class;
+    std::string_view m_spelled;
     std::unique_lock<std::mutex> m_lock;
     std::unique_ptr<ListedClass> m_listed;
     /// The names to be entered, a list by `next`.

@@ -29,8 +29,9 @@ ZTMetaTypePrivate::ZTMetaTypePrivate(std::string_view typeName, const std::type_
 const ZTMetaType* ZTMetaTypeRegistry::find(std::string_view name) const
 {
     const zt::detail::NameKey key(name);
-    const ZTMetaTypeName* found = m_names.find(
-        key.shortHash(), [&](const ZTMetaTypeName& candidate) { return candidate.key == key; });
+    const ZTMetaTypeName* found =
+        m_names.find(key.shortHash(),
+                     [&](const ZTMetaTypeName& candidate) { return candidate.name.key() == key; });
     return found ? &found->type : nullptr;
 }
 
@@ -57,9 +58,9 @@ const ZTMetaType& ZTMetaTypeRegistry::add(std::unique_ptr<ZTMetaTypePrivate> rec
     const std::string& name = ZTMetaTypePrivate::of(handle).name;
     std::unique_ptr<ZTMetaTypeName> primaryName, otherName;
     if (!find(name))
-        primaryName = std::make_unique<ZTMetaTypeName>(name, handle);
+        primaryName = std::make_unique<ZTMetaTypeName>(zt::detail::KeptName::viewOf(name), handle);
     if (!alias.empty() && alias != name && !find(alias))
-        otherName = std::make_unique<ZTMetaTypeName>(alias, handle);
+        otherName = std::make_unique<ZTMetaTypeName>(zt::detail::KeptName::copyOf(alias), handle);
     m_types.makeRoom(1);
     m_names.makeRoom(2);
     // From here on nothing can fail.
@@ -78,7 +79,7 @@ void ZTMetaTypeRegistry::addAlias(const ZTMetaType& type, const std::string& ali
     const std::scoped_lock writing(m_writing);
     if (find(alias))
         return;
-    auto name = std::make_unique<ZTMetaTypeName>(alias, type);
+    auto name = std::make_unique<ZTMetaTypeName>(zt::detail::KeptName::copyOf(alias), type);
     m_names.makeRoom(1);
     publishAlias(std::move(name));
 }
@@ -149,7 +150,7 @@ std::unordered_set<std::string> ZTMetaType::aliases() const
     std::unordered_set<std::string> texts;
     const ZTMetaTypeName* alias = priv->aliases.load(std::memory_order_acquire);
     for (; alias; alias = alias->next)
-        texts.insert(alias->text);
+        texts.emplace(alias->name.text());
     return texts;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "../common/keptblocks.h"
-#include "../common/nameindex.h"
+#include "../common/keptname.h"
 #include "../common/publishedindex.h"
 
 #include <zintar/detail/values/objectreferences.h>
@@ -19,13 +19,12 @@
 
 /// A name or an alias under which a type can be found.
 struct ZTMetaTypeName {
-    ZTMetaTypeName(std::string_view name, const ZTMetaType& named)
-        : text(name), key(text), type(named)
+    ZTMetaTypeName(zt::detail::KeptName kept, const ZTMetaType& named)
+        : name(std::move(kept)), type(named)
     {}
-    [[nodiscard]] std::size_t hash() const { return key.shortHash(); }
+    [[nodiscard]] std::size_t hash() const { return name.key().shortHash(); }
 
-    const std::string text;
-    const zt::detail::NameKey key;
+    const zt::detail::KeptName name;
     const ZTMetaType& type;
     const ZTMetaTypeName* next = nullptr; ///< among the aliases of the type
 };
