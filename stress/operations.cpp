@@ -203,11 +203,52 @@ void World::setProperty(const Operands& o)
     value.isOpen = !m_model.isSettled(id);
     if (value.isOpen)
         return;
+    if (!value.isContested) {
+        value = set;
+        return;
+    }
+    Soul& soul = m_model.souls.at(id);
+    const ZTBase& written = *m_objects.at(soul.body);
+    auto names = written.dynamicProperties();
     ++m_muted;
-    if (value.isContested)
-        set = valueOf(m_objects.at(m_model.souls.at(id).body)->property(name));
+    if (std::count(names.begin(), names.end(), name))
+        value = valueOf(written.property(name));
+    else
+        soul.properties.erase(o[1]); // somebody took it away meanwhile
     --m_muted;
-    value = set;
+}
+
+void World::removeProperty(const Operands& o)
+{
+    ZTBase* object = objectIn(o[0]);
+    if (!object || bodyIn(o[0])->isBeingMade)
+        return;
+    Id id = soulIn(o[0]);
+    m_model.frames.back().isPassing = true;
+    Expectation expected = expect(-1);
+    std::optional<bool> exists; // as far as it is known
+    if (id != none && m_model.isSettled(id)) {
+        Soul& soul = m_model.souls.at(id);
+        auto found = soul.properties.find(o[1]);
+        if (found == soul.properties.end()) {
+            exists = false;
+            expected.count = 0;
+        } else if (found->second.writers) {
+            found->second.isContested = true;
+        } else if (!found->second.isOpen) {
+            exists = true;
+            expected.count = m_model.audienceOf(id, Event::PropertyChanged);
+            soul.properties.erase(found); // before anybody hears of it
+        }
+    } else if (id != none) {
+        m_model.souls.at(id).properties[o[1]].isOpen = true;
+    }
+    bool isRemoved = false;
+    Outcome outcome =
+        library([&] { isRemoved = object->removeDynamicProperty("p" + std::to_string(o[1])); });
+    compareCalls(expected, outcome);
+    if (outcome == Outcome::Done && exists && isRemoved != *exists)
+        mismatch("a dynamic property was removed, or not, against what the object had");
 }
 
 template <bool isSet>

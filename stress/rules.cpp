@@ -47,6 +47,7 @@ std::span<const Rule> rules()
         {"weak",        "hO",       &World::refer<false>,      { 0,  4,  2,  3,  0}},
         {"strong",      "hO",       &World::refer<true>,       { 3,  6,  4,  3,  2}},
         {"set",         "opvnsssO", &World::setProperty,       { 2, 12,  0,  8,  0}},
+        {"remove",      "op",       &World::removeProperty,    { 1,  6,  0,  5,  0}},
         // A declared property, whose getter or setter runs the script.
         {"get",         "os",       &World::useDeclared<false>, { 0,  2,  0,  0,  1}},
         {"put",         "os",       &World::useDeclared<true>, { 0,  2,  0,  0,  1}},

@@ -71,6 +71,7 @@ private:
     void assign(const Operands& o);
     void shift(const Operands& o);
     void setProperty(const Operands& o);
+    void removeProperty(const Operands& o);
     template <bool isSet>
     void useDeclared(const Operands& o);
     void throwStop(const Operands& o);
