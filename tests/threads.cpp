@@ -1,15 +1,20 @@
 #include "support/together.h"
 
+#include <zintar/classes.h>
 #include <zintar/converter.h>
+#include <zintar/create.h>
 #include <zintar/declare.h>
 #include <zintar/reference.h>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -204,6 +209,54 @@ TEST(FirstUse, OfClassesInACircleGivesEachThreadACompleteOne)
         faults += faultsOfFirstUse<Ring<first>, Ring<first + 1>>();
     });
     EXPECT_EQ(faults, "");
+}
+
+TEST(Loading, OfAPluginRunsBesideThoseWhoLookForItsClasses)
+{
+    std::atomic<bool> hasEnded = false;
+    const auto waitFor = [&](const std::string& name) {
+        const ZTMetaClass* found = ztClass(name);
+        while (!found && !hasEnded) {
+            std::this_thread::yield();
+            found = ztClass(name);
+        }
+        return found ? found : ztClass(name);
+    };
+    void* plugin = nullptr;
+    int made = 0;
+    std::string misplaced;
+    together({[&] {
+                  plugin = dlopen(LOADED_CLASSES, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+                  hasEnded = true;
+              },
+              [&] {
+                  for (int number = 10; number < 50; ++number) {
+                      const auto name = "loaded::Part<" + std::to_string(number) + ">";
+                      const ZTMetaClass* found = waitFor(name);
+                      const std::unique_ptr<ZTBase> object = found ? ztCreate(*found) : nullptr;
+                      made += object && object->property<int>("number") == number;
+                  }
+              },
+              [&] {
+                  waitFor("loaded::Whole");
+                  std::set<const ZTMetaClass*> before{nullptr};
+                  for (const ZTMetaClass* known : ztClasses()) {
+                      if (!before.contains(known->superClass()))
+                          misplaced += known->typeName();
+                      before.insert(known);
+                  }
+              },
+              [&] {
+                  while (!hasEnded)
+                      for (const ZTMetaClass* known : ztClasses())
+                          EXPECT_EQ(ztClass(known->typeName()), known);
+              }});
+    ASSERT_TRUE(plugin) << dlerror();
+    EXPECT_EQ(made, 40);
+    EXPECT_EQ(misplaced, "");
+    const ZTMetaClass* whole = ztClass("loaded::Whole");
+    ASSERT_TRUE(whole);
+    EXPECT_EQ(whole->superClass(), ztClass("loaded::Part<19>"));
 }
 
 std::atomic<int> alive = 0;
