@@ -1,5 +1,6 @@
 #include "../object/baseprivate.h"
 #include "../reflection/parameters.h"
+#include "ownevent.h"
 #include "queuedsubscription.h"
 
 #include <zintar/log.h>
@@ -46,15 +47,12 @@ bool checkParameters(const ZTMetaInvokable& event, const HandlerView& handler)
                            ", handler type " + quoted(taken) + ".");
 }
 
-/// An event of another class has an index that means something else to this sender, or nothing.
 bool checkClass(const ZTBase& sender, const ZTMetaInvokable& event, const HandlerView& handler)
 {
-    const ZTMetaInvokable* own = sender.metaClass()->invokable(event.index());
-    bool isOwn = own && own->isEvent() && own->name() == event.name() &&
-                 zt::detail::haveSameParameters(*own, event);
-    return isOwn || fail(event, handler.title() + ". The class " +
-                                    std::string(sender.metaClass()->typeName()) +
-                                    " of the sender does not have the event");
+    return zt::detail::isEventOf(event, sender) ||
+           fail(event, handler.title() + ". The class " +
+                           std::string(sender.metaClass()->typeName()) +
+                           " of the sender does not have the event");
 }
 
 bool canBeSubscribedTo(const ZTBase* sender, const ZTMetaInvokable* event)

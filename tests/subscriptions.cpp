@@ -140,6 +140,43 @@ TEST_F(Subscription, EndsForAnyEventWhereTheDescriptorIsNull)
     EXPECT_FALSE(heard);
 }
 
+TEST_F(Subscription, TellsWhetherAnybodyHears)
+{
+    const ZTMetaInvokable* nothing = nullptr;
+    const auto heard = [&] {
+        EXPECT_EQ(speaker->isHeard(said), speaker->listenerCount(said) > 0);
+        EXPECT_EQ(speaker->isHeard(&Speaker::said), speaker->isHeard(said));
+        return speaker->listenerCount(&Speaker::said);
+    };
+    EXPECT_EQ(heard(), 0);
+    Hearer a("a", diary), b("b", diary);
+    ZTSubscription first = listen(a);
+    listen(b);
+    ZTSubscription free = ZTBase::subscribe(speaker.get(), said, [](int) {});
+    EXPECT_EQ(heard(), 3);
+    EXPECT_FALSE(speaker->isHeard(told));
+    EXPECT_FALSE(speaker->isHeard(nothing));
+    EXPECT_FALSE(speaker->isHeard(mute));
+    EXPECT_FALSE(speaker->isHeard(&Speaker::mute));
+    EXPECT_FALSE(a.isHeard(said)); // what it has at that index is another's
+    EXPECT_EQ(a.listenerCount(said), 0);
+    {
+        const ZTEventBlocker quiet(speaker.get(), true);
+        EXPECT_EQ(heard(), 0);
+    }
+    {
+        const ZTEventBlocker deaf(&b, false);
+        EXPECT_EQ(heard(), 2);
+        ZTBase::unsubscribe(free);
+        ZTBase::unsubscribe(first);
+        EXPECT_EQ(heard(), 0);
+    }
+    EXPECT_EQ(heard(), 1);
+    const Speaker moved = std::move(*speaker);
+    EXPECT_EQ(heard(), 0);
+    EXPECT_EQ(moved.listenerCount(said), 1);
+}
+
 /// One of very many subscriptions of one receiver.
 struct Known {
     enum Handler { Member, Invokable, Callable };

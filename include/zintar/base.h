@@ -128,6 +128,25 @@ public:
     [[nodiscard]] bool isBlockingSentEvents() const;
     [[nodiscard]] bool isBlockingReceivedEvents() const;
 
+    /// Whether a send of the event would call a handler now: what is costly to work out need not
+    /// be when nobody hears of it. A subscription that is blocked, as its sender, its receiver or
+    /// by itself, hears nothing.
+    /// @param event  a descriptor, or a member function: `isHeard(&Self::measured)`. Nobody hears
+    ///               null, a method, or an event that the class of this object does not have
+    /// Cost: stops at the first that hears. A member function is looked up in its class.
+    [[nodiscard]] bool isHeard(const ZTMetaInvokable* event) const;
+    /// How many handlers it would call. Cost: a step for each subscription to the event.
+    [[nodiscard]] int listenerCount(const ZTMetaInvokable* event) const;
+    template <zt::detail::MemberFunction Event>
+        requires zt::detail::HasTraits<Event>
+    [[nodiscard]] bool isHeard(Event event) const { return isHeard(zt::detail::findEvent(event)); }
+    template <zt::detail::MemberFunction Event>
+        requires zt::detail::HasTraits<Event>
+    [[nodiscard]] int listenerCount(Event event) const
+    {
+        return listenerCount(zt::detail::findEvent(event));
+    }
+
     /// Subscribes an invokable of the subscriber to an event of the sender.
     ///
     /// The handler's parameters must be the event's leading ones, type by type. The subscription
