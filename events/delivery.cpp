@@ -112,8 +112,10 @@ inline bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues&
 {
     if (!entry.record || (entry.subscriber && entry.subscriber->isBlockingReceived()))
         return false;
-    return m_isCurrent ? entry.record->takesEvent
-                       : values.areTakenBy(zt::detail::HandlerView{entry.record->handler});
+    if (m_isCurrent)
+        return entry.record->isCalled;
+    return entry.record->blockers == 0 &&
+           values.areTakenBy(zt::detail::HandlerView{entry.record->handler});
 }
 
 /// Calls the handler of any subscription, if it is to be called now.

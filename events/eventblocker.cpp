@@ -1,19 +1,42 @@
 #include <zintar/eventblocker.h>
 
 #include "../object/baseprivate.h"
+#include "ownevent.h"
 
-ZTEventBlocker::ZTEventBlocker(ZTBase* object, bool blocksSent)
-    : record(ZTBasePrivate::of(object)), blockSent(blocksSent)
+ZTEventBlocker::ZTEventBlocker(ZTBase* object, bool blockSent)
+    : record(ZTBasePrivate::of(object)), kind(blockSent ? Kind::Sent : Kind::Received)
 {
     enter();
 }
+
+ZTEventBlocker::ZTEventBlocker(ZTBase* sender, EventGiven given) : kind(Kind::Event)
+{
+    const ZTMetaInvokable* event = given.event;
+    if (!sender || !event || !event->isEvent() || !zt::detail::isEventOf(*event, *sender))
+        return;
+    record = ZTBasePrivate::of(sender);
+    eventIndex = event->index();
+    enter();
+}
+
+ZTEventBlocker::ZTEventBlocker(const ZTSubscription& subscription)
+    : kind(Kind::Subscription), subscribed(subscription.m_record)
+{
+    enter();
+}
+
+ZTEventBlocker::ZTEventBlocker(const ZTScopedSubscription& subscription)
+    : ZTEventBlocker(subscription.m_subscription)
+{}
 
 ZTEventBlocker& ZTEventBlocker::operator=(const ZTEventBlocker& other)
 {
     if (this != &other) {
         leave();
         record = other.record;
-        blockSent = other.blockSent;
+        kind = other.kind;
+        eventIndex = other.eventIndex;
+        subscribed = other.subscribed;
         enter();
     }
     return *this;
@@ -23,12 +46,16 @@ ZTEventBlocker::~ZTEventBlocker() { leave(); }
 
 void ZTEventBlocker::enter()
 {
+    if (const auto one = subscribed.lock())
+        ZTEventEnds::block(*one);
     if (record)
         record->extras.changeBlockers([this](ZTEventBlockers& blockers) { blockers.add(*this); });
 }
 
 void ZTEventBlocker::leave()
 {
+    if (const auto one = subscribed.lock())
+        ZTEventEnds::unblock(*one);
     if (record)
         record->extras.changeBlockers(
             [this](ZTEventBlockers& blockers) { blockers.remove(*this); });
@@ -36,13 +63,17 @@ void ZTEventBlocker::leave()
 
 void ZTEventBlockers::add(ZTEventBlocker& blocker)
 {
-    ZTEventBlocker* second = m_first ? m_first : &blocker;
-    blocker.next = second;
-    blocker.previous = m_first ? m_first->previous : &blocker;
+    // The last one of those that stay in front of it; null when it becomes the first.
+    ZTEventBlocker* before =
+        m_first && blocker.kind != ZTEventBlocker::Kind::Received ? m_first->previous : nullptr;
+    while (before && before->kind > blocker.kind)
+        before = before == m_first ? nullptr : before->previous;
+    ZTEventBlocker* behind = before ? before->next : m_first ? m_first : &blocker;
+    blocker.previous = m_first ? behind->previous : &blocker;
+    blocker.next = behind;
     blocker.previous->next = &blocker;
-    second->previous = &blocker;
-    // Now it is the last, or the first: where the ring begins is all that tells the two apart.
-    if (!m_first || !blocker.blockSent)
+    behind->previous = &blocker;
+    if (!before)
         m_first = &blocker;
 }
 
@@ -58,6 +89,17 @@ void ZTEventBlockers::clear()
 {
     for (; m_first; remove(*m_first))
         m_first->record = nullptr;
+}
+
+bool ZTEventBlockers::isAnyBlocking(int eventIndex) const
+{
+    using Kind = ZTEventBlocker::Kind;
+    const ZTEventBlocker* one = m_first->previous;
+    if (one->kind == Kind::Sent)
+        return true;
+    while (one->kind == Kind::Event && one->eventIndex != eventIndex && one != m_first)
+        one = one->previous;
+    return one->kind == Kind::Event && one->eventIndex == eventIndex;
 }
 
 bool ZTBase::isBlockingSentEvents() const { return priv && priv->isBlockingSent(); }

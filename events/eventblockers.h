@@ -3,7 +3,8 @@
 #include <zintar/eventblocker.h>
 
 /// What blocks the events of an object: a ring of its blockers, in which those on receiving stand
-/// in front of those on sending. So both ends tell all, and there is one word to keep.
+/// in front, those on sending at the end, and those on single events between them. So both ends
+/// tell whether there are any of a kind, and there is one word to keep.
 class ZTEventBlockers
 {
 public:
@@ -12,14 +13,20 @@ public:
 
     [[nodiscard]] ZTEventBlocker* first() const { return m_first; }
     [[nodiscard]] bool areNone() const { return !m_first; }
-    // One of the blockers of a kind, or null.
-    [[nodiscard]] const ZTEventBlocker* receivedEventBlockers() const
+    [[nodiscard]] bool blockReceived() const
     {
-        return m_first && !m_first->blockSent ? m_first : nullptr;
+        return m_first && m_first->kind == ZTEventBlocker::Kind::Received;
     }
-    [[nodiscard]] const ZTEventBlocker* sentEventBlockers() const
+    /// Whether all that the object sends is blocked.
+    [[nodiscard]] bool blockSent() const
     {
-        return m_first && m_first->previous->blockSent ? m_first->previous : nullptr;
+        return m_first && m_first->previous->kind == ZTEventBlocker::Kind::Sent;
+    }
+    /// Whether that event of the object is.
+    [[nodiscard]] bool blockSent(int eventIndex) const
+    {
+        return m_first && m_first->previous->kind != ZTEventBlocker::Kind::Received &&
+               isAnyBlocking(eventIndex);
     }
 
     void add(ZTEventBlocker& blocker);
@@ -28,5 +35,8 @@ public:
     void clear();
 
 private:
+    /// The last blocker is one on sending, or on an event.
+    [[nodiscard]] bool isAnyBlocking(int eventIndex) const;
+
     ZTEventBlocker* m_first = nullptr;
 };

@@ -78,6 +78,22 @@ void ZTEventEnds::leaveSlot(ZTSubscriptionPrivate& record, ZTLetGo& ended)
     slot.compact();
 }
 
+void ZTEventEnds::block(ZTSubscriptionPrivate& record)
+{
+    if (!record.isActive())
+        return;
+    ++record.blockers;
+    record.sender->events.eventSlots.find(record.eventIndex)->noteBlockers(record);
+}
+
+void ZTEventEnds::unblock(ZTSubscriptionPrivate& record)
+{
+    if (!record.isActive())
+        return;
+    --record.blockers;
+    record.sender->events.eventSlots.find(record.eventIndex)->noteBlockers(record);
+}
+
 void ZTEventEnds::endReceived(ZTBasePrivate& subscriber, ZTLetGo& ended)
 {
     if (ZTExtras::Parts* parts = subscriber.extras.parts())

@@ -29,6 +29,10 @@ struct ZTEventEnds {
     /// Ends what the pattern means, and tells whether there was any: unsubscribe.cpp.
     static bool endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
 
+    // A blocker of a subscription comes and goes. One that has ended is left as it is.
+    static void block(ZTSubscriptionPrivate& record);
+    static void unblock(ZTSubscriptionPrivate& record);
+
     // The sender's side.
     void endSent(ZTLetGo& ended);
 

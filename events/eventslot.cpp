@@ -12,7 +12,7 @@ namespace
 {
 decltype(ZTSlotEntry::typedCall) typedCallOf(const ZTSubscriptionPrivate& record)
 {
-    const bool isCalledSo = record.takesEvent && !record.handler.kind->takesArray &&
+    const bool isCalledSo = record.isCalled && !record.handler.kind->takesArray &&
                             record.kind == ZTSubscriptionPrivate::Kind::Plain;
     return isCalledSo ? record.handler.kind->call : nullptr;
 }
@@ -59,6 +59,12 @@ void ZTEventSlot::end(ZTSubscriptionPrivate& record, ZTLetGo& ended)
     subscriptions[record.position] = {};
     endRecord(record, ended);
     --listed;
+}
+
+void ZTEventSlot::noteBlockers(ZTSubscriptionPrivate& record)
+{
+    record.isCalled = record.takesEvent && record.blockers == 0;
+    subscriptions[record.position].typedCall = typedCallOf(record);
 }
 
 bool ZTEventSlot::endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended)
@@ -126,7 +132,7 @@ void ZTEventSlot::askAnew(const ZTMetaClass& senderClass)
             m_event && zt::detail::takesLeadingOf(HandlerView{entry.record->handler}, *m_event);
         isAnswerNew = isAnswerNew || takes != entry.record->takesEvent;
         entry.record->takesEvent = takes;
-        entry.typedCall = typedCallOf(*entry.record);
+        noteBlockers(*entry.record);
     }
     // Where each handler takes what it took, a delivery goes on as if nobody had asked.
     if (isAnswerNew)

@@ -36,6 +36,9 @@
 // 9. A handler is called with values of the types that it takes. Whether it takes those of the
 //    event is asked when it is subscribed, and anew when the sender has another class, or when
 //    there may be other descriptors at the addresses of those that were asked about.
+// 10. A blocked subscription keeps its place and is passed over. What is asked of it on the way of
+//    a delivery is what is asked anyway: its entry has no function to call, and its record counts
+//    as one that does not take the values.
 
 class ZTDelivery;
 
@@ -70,6 +73,8 @@ struct ZTEventSlot : zt::detail::InBlocks {
     bool endMatching(const ZTSubscriptionPattern& pattern, ZTLetGo& ended);
     /// Ends everything together with the sender: deliveries, subscriptions.
     void endAll(ZTLetGo& ended);
+    /// To be called when a subscription has got or lost a blocker.
+    void noteBlockers(ZTSubscriptionPrivate& record);
     /// To be called when subscriptions have ended.
     void compact();
     [[nodiscard]] std::size_t emptyCount() const { return subscriptions.size() - listed; }

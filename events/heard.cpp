@@ -8,7 +8,8 @@ namespace
 /// Whether a send would call the handler of the subscription.
 bool isHearing(const ZTSlotEntry& entry)
 {
-    return entry.record && !(entry.subscriber && entry.subscriber->isBlockingReceived());
+    return entry.record && entry.record->blockers == 0 &&
+           !(entry.subscriber && entry.subscriber->isBlockingReceived());
 }
 
 /// Null when a send would reach nobody.

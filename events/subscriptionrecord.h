@@ -45,6 +45,10 @@ struct ZTSubscriptionPrivate {
     /// Whether the handler takes the values of the event that the sender's class has at that index,
     /// as the slot has found out last.
     bool takesEvent = true;
+    /// Whether it takes them, and nothing blocks the subscription.
+    bool isCalled = true;
+    /// How many blockers the subscription has by itself.
+    std::uint32_t blockers = 0;
     /// Which record it is: a special one has options, a queued one goes through a queue besides.
     enum class Kind : unsigned char { Plain, Special, Queued };
     const Kind kind;

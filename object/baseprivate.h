@@ -49,6 +49,8 @@ struct ZTBasePrivate final : zt::detail::InBlocks, ZTTreeNode {
     /// The slot of an event that somebody hears; null when a send would reach nobody.
     [[nodiscard]] ZTEventSlot* heardSlot(int index) const;
     [[nodiscard]] bool isBlockingSent() const;
+    /// The same of one event.
+    [[nodiscard]] bool isBlockingSent(int eventIndex) const;
     [[nodiscard]] bool isBlockingReceived() const;
     [[nodiscard]] ZTDynamicProperty* findDynamicProperty(std::string_view name) const;
 
@@ -61,19 +63,24 @@ private:
 
 inline bool ZTBasePrivate::isBlockingSent() const
 {
-    return !extras.areNone() && extras.blockers().sentEventBlockers();
+    return !extras.areNone() && extras.blockers().blockSent();
+}
+
+inline bool ZTBasePrivate::isBlockingSent(int eventIndex) const
+{
+    return !extras.areNone() && extras.blockers().blockSent(eventIndex);
 }
 
 inline bool ZTBasePrivate::isBlockingReceived() const
 {
-    return !extras.areNone() && extras.blockers().receivedEventBlockers();
+    return !extras.areNone() && extras.blockers().blockReceived();
 }
 
 inline ZTEventSlot* ZTBasePrivate::heardSlot(int index) const
 {
     takeQueueNews();
     ZTEventSlot* slot = events.eventSlots.find(index);
-    return slot && slot->listed > 0 && !isBlockingSent() ? slot : nullptr;
+    return slot && slot->listed > 0 && !isBlockingSent(index) ? slot : nullptr;
 }
 
 inline ZTDynamicProperty* ZTBasePrivate::findDynamicProperty(std::string_view name) const

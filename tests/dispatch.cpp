@@ -1,7 +1,14 @@
 #include "support/counted.h"
 #include "support/hostclasses.h"
 
+#include <algorithm>
 #include <limits>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -91,5 +98,116 @@ TEST_F(Dispatch, ValuesAreCopiedOnceForAll)
     seen = &array[0];
     speaker->sendEvent(6, array);
     EXPECT_EQ(Counted::copies, 2);
+}
+
+class Blocking : public Dispatch
+{
+protected:
+    ZTSubscription first = listen(*a);
+    ZTSubscription second = listen(*b);
+};
+
+TEST_F(Blocking, SilencesOneSubscription)
+{
+    diary.take();
+    ZTScopedSubscription free = ZTBase::subscribe(
+        speaker.get(), &Speaker::said, [this](int n) { diary.add("free:" + std::to_string(n)); });
+    ZTSubscription array =
+        ZTBase::subscribe(speaker.get(), &Speaker::said, a.get(),
+                          [this](const ZTArgumentArray&) { diary.add("array"); });
+    ZTSubscription described =
+        ZTBase::subscribe(speaker.get(), Speaker::typeMetaClass().invokable(4U), a.get(),
+                          Hearer::typeMetaClass().invokable(7U));
+    EXPECT_EQ(say(1), "a:1 b:1 a:1 b:1 free:1 array a:any");
+    {
+        const ZTEventBlocker quiet(first), quietFree(free), quietArray(array), still(described);
+        EXPECT_EQ(say(2), "a:2 b:2 b:2");
+        speaker->sendEvent(4, {ZTVariant(3)});
+        EXPECT_EQ(diary.take(), "a:3 b:3 b:3");
+        EXPECT_EQ(speaker->listenerCount(&Speaker::said), 3);
+        {
+            const ZTEventBlocker again(first);
+        }
+        EXPECT_EQ(say(4), "a:4 b:4 b:4"); // they nest
+        EXPECT_TRUE(first);
+    }
+    EXPECT_EQ(say(5), "a:5 b:5 a:5 b:5 free:5 array a:any");
+    std::optional<ZTEventBlocker> late(first);
+    ZTBase::unsubscribe(first);
+    late.reset();
+    late.emplace(first); // one of what has ended
+    *late = ZTEventBlocker(second);
+    EXPECT_EQ(say(6), "a:6 b:6 free:6 array a:any");
+    late.emplace(ZTSubscription());
+    EXPECT_EQ(say(7), "a:7 b:7 b:7 free:7 array a:any");
+    late.emplace(second);
+    speaker.reset();
+    late.reset();
+}
+
+TEST_F(Blocking, ASubscriptionIsSilentAtOnce)
+{
+    std::optional<ZTEventBlocker> quiet;
+    Speaker other;
+    ZTBase::subscribe(&other, &Speaker::said, a.get(), [&] { quiet.emplace(second); });
+    ZTSubscription third = ZTBase::subscribe(&other, &Speaker::said, b.get(), &Hearer::hear);
+    second = third;
+    other.said(1);
+    EXPECT_EQ(diary.take(), "");
+    quiet.reset();
+    EXPECT_EQ(say(2), "a:2 b:2 a:2 b:2");
+}
+
+TEST_F(Blocking, SilencesOneEventOfAnObject)
+{
+    ZTBase::subscribe(speaker.get(), &Speaker::told, a.get(), &Hearer::hearTold);
+    const auto all = [&] {
+        const std::string heard = say(1);
+        speaker->told("x", 2);
+        const std::string told = diary.take();
+        return (heard.empty() ? "" : "said ") + std::string(told.empty() ? "" : "told");
+    };
+    EXPECT_EQ(all(), "said told");
+    // In any order among blockers of all kinds.
+    std::mt19937 random(3);
+    const ZTMetaInvokable* told = Speaker::typeMetaClass().invokable(5U);
+    const ZTMetaInvokable* nothing = nullptr;
+    std::vector<std::pair<unsigned int, std::unique_ptr<ZTEventBlocker>>> blockers;
+    for (int step = 0; step < 500; ++step) {
+        const unsigned int kind = static_cast<unsigned int>(random()) % 8;
+        if (kind == 0)
+            blockers.emplace_back(kind, new ZTEventBlocker(speaker.get(), true));
+        else if (kind == 1)
+            blockers.emplace_back(kind, new ZTEventBlocker(speaker.get(), false));
+        else if (kind == 2)
+            blockers.emplace_back(kind, new ZTEventBlocker(speaker.get(), &Speaker::said));
+        else if (kind == 3)
+            blockers.emplace_back(kind, new ZTEventBlocker(speaker.get(), told));
+        else if (!blockers.empty())
+            blockers.erase(blockers.begin() +
+                           static_cast<std::ptrdiff_t>(random() % blockers.size()));
+        const auto has = [&](unsigned int wanted) {
+            return std::any_of(blockers.begin(), blockers.end(),
+                               [&](auto& one) { return one.first == wanted; });
+        };
+        EXPECT_EQ(all(),
+                  std::string(has(0) || has(2) ? "" : "said ") + (has(0) || has(3) ? "" : "told"));
+        EXPECT_EQ(speaker->isHeard(told), !has(0) && !has(3));
+        EXPECT_EQ(speaker->isBlockingSentEvents(), has(0));
+        EXPECT_EQ(speaker->isBlockingReceivedEvents(), has(1));
+    }
+    blockers.clear();
+    EXPECT_LOGS_NOTHING([&] {
+        const ZTEventBlocker ofNothing(speaker.get(), nothing);
+        const ZTEventBlocker ofAMethod(speaker.get(), Speaker::typeMetaClass().invokable(7U));
+        const ZTEventBlocker elsewhere(a.get(), told);
+        const ZTEventBlocker ofNobody(static_cast<Speaker*>(nullptr), &Speaker::said);
+        EXPECT_EQ(all(), "said told");
+    });
+    const ZTEventBlocker outlives(speaker.get(), &Speaker::said);
+    Speaker moved = std::move(*speaker);
+    moved.said(1);
+    EXPECT_EQ(diary.take(), "");
+    speaker.reset();
 }
 } // namespace

@@ -29,6 +29,7 @@ protected:
 private:
     friend struct ZTBase;
     friend struct ZTEventEnds;
+    friend class ZTEventBlocker;
     friend class ZTScopedSubscription;
 
     std::weak_ptr<ZTSubscriptionPrivate> m_record;
@@ -56,5 +57,7 @@ public:
     ZTSubscription release() noexcept { return std::exchange(m_subscription, {}); }
 
 private:
+    friend class ZTEventBlocker;
+
     ZTSubscription m_subscription;
 };
