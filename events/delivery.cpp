@@ -54,6 +54,11 @@ const ZTDelivery* ZTDelivery::activeEvent(const ZTBasePrivate* receiver)
                     : nullptr;
 }
 
+const ZTDelivery* ZTDelivery::innermost()
+{
+    return activeEvents.find([](const ZTDelivery&) { return true; });
+}
+
 void ZTDelivery::forget(const ZTBasePrivate& receiver) noexcept
 {
     activeEvents.forEach([&](ZTDelivery& one) {
@@ -206,6 +211,16 @@ int ZTBase::activeEventIndex() const
 {
     const ZTDelivery* delivery = ZTDelivery::activeEvent(priv);
     return delivery ? delivery->index() : -1;
+}
+
+ZTDeliveryInfo ZTBase::delivery()
+{
+    const ZTDelivery* delivery = ZTDelivery::innermost();
+    if (!delivery)
+        return {};
+    return {delivery->event(), delivery->index(),
+            delivery->sender() ? delivery->sender()->object : nullptr,
+            delivery->receiver() ? delivery->receiver()->object : nullptr};
 }
 
 ZTBase* ZTBase::eventSender() const

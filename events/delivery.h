@@ -19,23 +19,26 @@ public:
                          const ZTArgumentArray& arguments);
     /// The innermost delivery that calls a handler for the object; null if there is none.
     static const ZTDelivery* activeEvent(const ZTBasePrivate* receiver);
-    /// Among the active events of its thread as long as it lives; a queue has its own walk.
-    /// @param event     null where there is none any more
-    /// @param receiver  may be null
-    ZTDelivery(const ZTMetaInvokable* event, int index, const ZTBasePrivate* receiver);
-    ~ZTDelivery();
-
+    /// The innermost delivery of this thread; null if there is none.
+    static const ZTDelivery* innermost();
     /// An object has died.
     static void forget(const ZTBasePrivate& receiver) noexcept;
     /// The deliveries that walk a slot.
     template <class Action>
     static void forEachOf(const ZTEventSlot& slot, const Action& action);
 
+    /// Among the active events of its thread as long as it lives; a queue has its own walk.
+    /// @param event     null where there is none any more
+    /// @param receiver  may be null
+    ZTDelivery(const ZTMetaInvokable* event, int index, const ZTBasePrivate* receiver);
+    ~ZTDelivery();
     ZTDelivery(const ZTDelivery&) = delete;
     ZTDelivery& operator=(const ZTDelivery&) = delete;
 
     /// Null once the sender has died; the slot is gone then.
     [[nodiscard]] ZTBasePrivate* sender() const { return m_sender; }
+    /// Null when the running handler has none, and once it has died.
+    [[nodiscard]] const ZTBasePrivate* receiver() const { return m_receiver; }
     [[nodiscard]] int index() const { return m_index; }
     [[nodiscard]] const ZTMetaInvokable* event() const { return m_event; }
 

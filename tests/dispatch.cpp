@@ -100,6 +100,43 @@ TEST_F(Dispatch, ValuesAreCopiedOnceForAll)
     EXPECT_EQ(Counted::copies, 2);
 }
 
+TEST_F(Dispatch, TellsTheInnermostDeliveryToWhoeverAsks)
+{
+    const auto isNone = [](const ZTDeliveryInfo& one) {
+        return !one.event && one.index == -1 && !one.sender && !one.receiver;
+    };
+    const auto tell = [&] {
+        const ZTDeliveryInfo one = ZTBase::delivery();
+        diary.add(std::string(one.event->name()) + std::to_string(one.index) + ":" +
+                  nameOf(one.sender) + ">" + nameOf(one.receiver));
+    };
+    EXPECT_TRUE(isNone(ZTBase::delivery()));
+    Speaker inner("inner");
+    ZTBase::subscribe(&inner, &Speaker::told, b.get(), tell);
+    ZTScopedSubscription free = ZTBase::subscribe(speaker.get(), &Speaker::said, [&] {
+        inner.told("", 0);
+        tell();
+        Speaker moved = std::move(*speaker);
+        EXPECT_EQ(ZTBase::delivery().sender, &moved);
+        speaker.reset();
+    } /* the speaker dies with `moved` */);
+    EXPECT_EQ(say(1), "a:1 b:1 told5:inner>b said4:speaker>null");
+    EXPECT_TRUE(isNone(ZTBase::delivery()));
+
+    ZTBase::subscribe(&inner, &Speaker::said, [&] {
+        EXPECT_EQ(ZTBase::delivery().event, Speaker::typeMetaClass().invokable(4U));
+        throw 1;
+    });
+    EXPECT_THROW(inner.said(1), int);
+    EXPECT_TRUE(isNone(ZTBase::delivery()));
+    ZTBase::subscribe(&inner, &Speaker::carried, a.get(), [&] {
+        a.reset();
+        tell();
+    });
+    inner.carried({}, 1);
+    EXPECT_EQ(diary.take(), "carried6:inner>null");
+}
+
 class Blocking : public Dispatch
 {
 protected:

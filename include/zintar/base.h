@@ -17,6 +17,17 @@
 #include <utility>
 #include <vector>
 
+/// A delivery, as the handler that it calls sees it.
+struct ZTDeliveryInfo {
+    /// By the class of the sender, and good as long as that class.
+    const ZTMetaInvokable* event = nullptr;
+    int index = -1; ///< the class-wide one of the event
+    /// Null when it has died meanwhile.
+    ZTBase* sender = nullptr;
+    /// Null for a handler that has none, and when it has died meanwhile.
+    ZTBase* receiver = nullptr;
+};
+
 /// The root of every object that the library reflects.
 ///
 /// An object has a parent that deletes it, named properties, events that others can subscribe to,
@@ -146,6 +157,10 @@ public:
     {
         return listenerCount(zt::detail::findEvent(event));
     }
+
+    /// The innermost delivery of this thread: for a handler without a receiver, which has nobody
+    /// to ask for `activeEvent`. Nulls and -1 outside of a delivery.
+    [[nodiscard]] static ZTDeliveryInfo delivery();
 
     /// Subscribes an invokable of the subscriber to an event of the sender.
     ///

@@ -32,6 +32,7 @@ struct ZTStaticMetaInvokable;
 
 struct ZTBase;
 struct ZTDynamicBase;
+struct ZTDeliveryInfo;
 class ZTEventBlocker;
 class ZTSubscription;
 class ZTScopedSubscription;
