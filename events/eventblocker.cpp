@@ -91,17 +91,6 @@ void ZTEventBlockers::clear()
         m_first->record = nullptr;
 }
 
-bool ZTEventBlockers::isAnyBlocking(int eventIndex) const
-{
-    using Kind = ZTEventBlocker::Kind;
-    const ZTEventBlocker* one = m_first->previous;
-    if (one->kind == Kind::Sent)
-        return true;
-    while (one->kind == Kind::Event && one->eventIndex != eventIndex && one != m_first)
-        one = one->previous;
-    return one->kind == Kind::Event && one->eventIndex == eventIndex;
-}
-
 bool ZTBase::isBlockingSentEvents() const { return priv && priv->isBlockingSent(); }
 
 bool ZTBase::isBlockingReceivedEvents() const { return priv && priv->isBlockingReceived(); }

@@ -22,11 +22,18 @@ public:
     {
         return m_first && m_first->previous->kind == ZTEventBlocker::Kind::Sent;
     }
-    /// Whether that event of the object is.
+    /// Whether that event of the object is. No call: a send asks it, and would have to keep what
+    /// it knows elsewhere meanwhile.
     [[nodiscard]] bool blockSent(int eventIndex) const
     {
-        return m_first && m_first->previous->kind != ZTEventBlocker::Kind::Received &&
-               isAnyBlocking(eventIndex);
+        if (!m_first) [[likely]]
+            return false;
+        const ZTEventBlocker* one = m_first->previous;
+        while (one->kind == ZTEventBlocker::Kind::Event && one->eventIndex != eventIndex &&
+               one != m_first)
+            one = one->previous;
+        return one->kind == ZTEventBlocker::Kind::Sent ||
+               (one->kind == ZTEventBlocker::Kind::Event && one->eventIndex == eventIndex);
     }
 
     void add(ZTEventBlocker& blocker);
@@ -35,8 +42,5 @@ public:
     void clear();
 
 private:
-    /// The last blocker is one on sending, or on an event.
-    [[nodiscard]] bool isAnyBlocking(int eventIndex) const;
-
     ZTEventBlocker* m_first = nullptr;
 };
