@@ -300,4 +300,89 @@ TEST_F(Shapes, OfMemberFunctions)
     speaker->told("y", 4);
     EXPECT_EQ(diary.take(), "l:y count 4");
 }
+
+struct Device : ZTBase {
+    ZT_OBJECT(Device, ZTBase)
+public:
+    static constexpr auto members() { return zt::members(); }
+};
+struct Lamp : Device {
+    ZT_OBJECT(Lamp, Device)
+public:
+    void found(Lamp* lamp, int place) { sendEvent<&Self::found>(lamp, place); }
+    void seen(const Lamp* lamp) { sendEvent<&Self::seen>(lamp); }
+    static constexpr auto members()
+    {
+        return zt::members(zt::event<&Self::found>(), zt::event<&Self::seen>());
+    }
+};
+
+/// Hears of lamps as of what else they are.
+struct Keeper : ZTBase {
+    ZT_OBJECT(Keeper, ZTBase)
+public:
+    void keepDevice(Device* device, int place) { add(device, place); }
+    void keepConst(const Device* device) { add(device, 0); }
+    void keepObject(ZTBase* object) const { add(object, 0); }
+    virtual void keepVirtually(Device* device) { add(device, 0); }
+    void add(const void* object, int place) const { kept.emplace_back(object, place); }
+    static constexpr auto members() { return zt::members(); }
+
+    mutable std::vector<std::pair<const void*, int>> kept;
+};
+
+void takeDevice(Device* device) { device->setProperty("taken", true, true); }
+ZT_CLASS(Device)
+ZT_CLASS(Lamp)
+ZT_CLASS(Keeper)
+
+TEST(Upward, AHandlerTakesAPointerToABaseClass)
+{
+    Lamp lamp;
+    Keeper keeper;
+    const auto heard = [&] {
+        keeper.kept.clear();
+        lamp.found(&lamp, 3);
+        lamp.seen(&lamp);
+        for (const auto& [object, place] : keeper.kept)
+            EXPECT_EQ(object, static_cast<const void*>(&lamp));
+        return keeper.kept.size();
+    };
+    ZTBase::subscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepDevice);
+    ZTBase::subscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepConst);
+    ZTBase::subscribe(&lamp, &Lamp::seen, &keeper, &Keeper::keepConst);
+    ZTBase::subscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepObject);
+    ZTBase::subscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepVirtually);
+    EXPECT_EQ(heard(), 5U);
+    EXPECT_EQ(keeper.kept[0].second, 3);
+    ZTBase::subscribe(&lamp, &Lamp::found, &keeper, [&](Device* d, int n) { keeper.add(d, n); });
+    ZTBase::subscribe(
+        &lamp, &Lamp::found, &keeper,
+        std::function<void(const ZTBase*)>([&](const ZTBase* object) { keeper.add(object, 0); }));
+    ZTBase::subscribe(&lamp, &Lamp::found, &keeper, std::bind_front(&Keeper::keepDevice, &keeper));
+    ZTBase::subscribe(&lamp, &Lamp::found, &takeDevice);
+    EXPECT_EQ(heard(), 8U);
+    EXPECT_TRUE(lamp.property<bool>("taken"));
+
+    // They are found again, and nothing but them.
+    EXPECT_FALSE(ZTBase::unsubscribe(&lamp, &Lamp::seen, &keeper, &Keeper::keepDevice));
+    EXPECT_TRUE(ZTBase::unsubscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepDevice));
+    EXPECT_FALSE(ZTBase::unsubscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepDevice));
+    EXPECT_TRUE(ZTBase::unsubscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepConst));
+    EXPECT_TRUE(ZTBase::unsubscribe(&lamp, &Lamp::found, &keeper, &Keeper::keepVirtually));
+    EXPECT_EQ(heard(), 5U);
+}
+
+TEST(Upward, ByDescriptorsTheTypesAreExact)
+{
+    Lamp lamp;
+    Keeper keeper;
+    const ZTMetaInvokable* found = lamp.metaClass()->invokable<void(Lamp*, int)>("found");
+    ZTLogCapture log;
+    EXPECT_FALSE(ZTBase::subscribe(&lamp, found, &keeper, &Keeper::keepDevice));
+    EXPECT_TRUE(log.err().ends_with("Parameter type mismatch at position 0. Event parameter type "
+                                    "\"struct (anonymous)::Lamp*\", handler type "
+                                    "\"struct (anonymous)::Device*\".\n"))
+        << log.err();
+}
 } // namespace

@@ -182,6 +182,8 @@ public:
     /// A callable that takes a `const ZTArgumentArray&` fits every event and gets all arguments as
     /// variants. A callable lives until the subscription ends, so at most as long as the receiver;
     /// a null receiver is refused, which is told in the log.
+    /// Where the compiler knows both, a handler may also take a pointer to a base class, or to
+    /// const, where the event gives a pointer to an object.
     /// Whatever the compiler can see to be wrong does not compile.
     template <class Sender, class Event, class Receiver, class Handler>
         requires(!(zt::detail::isInvokableOrNull<Event> &&

@@ -229,10 +229,9 @@ bool isReceiver(const Object& subscriber)
 }
 
 /// A member function on its receiver. A copy of it is called, so the handler may go meanwhile.
-template <class Receiver, class Method>
+/// @tparam Params  what the event carries for its parameters
+template <class Receiver, class Method, class Params>
 struct MemberHandler {
-    using Params = typename MemberTraits<Method>::Params;
-
     using Indices = std::make_index_sequence<Params::count>;
 
     /// What is seldom needed stands apart, so that the common call needs no stack of its own.
@@ -286,10 +285,10 @@ struct MemberHandler {
     static const HandlerKind inWord;
     static const HandlerKind kept;
 };
-template <class Receiver, class Method>
-constexpr HandlerKind MemberHandler<Receiver, Method>::inWord = kindOf(false);
-template <class Receiver, class Method>
-constexpr HandlerKind MemberHandler<Receiver, Method>::kept = kindOf(true);
+template <class Receiver, class Method, class Params>
+constexpr HandlerKind MemberHandler<Receiver, Method, Params>::inWord = kindOf(false);
+template <class Receiver, class Method, class Params>
+constexpr HandlerKind MemberHandler<Receiver, Method, Params>::kept = kindOf(true);
 
 template <class Params, class Callable>
 void callCallable(Callable& callable, const void* values)
@@ -303,7 +302,8 @@ void callCallable(Callable& callable, const void* values)
 }
 
 /// A callable, on whatever receiver.
-/// @tparam Params  `ZTArgumentArray` where it takes all that the sender packed, whatever it is
+/// @tparam Params  what the event carries for its parameters; `ZTArgumentArray` where it takes all
+/// that the sender packed, whatever it is
 template <class Callable, class Params>
 struct CallableHandler {
     static constexpr bool isFunction = std::is_pointer_v<Callable>;

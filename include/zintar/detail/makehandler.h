@@ -5,6 +5,8 @@
 #include <zintar/metaclass.h>
 
 #include <concepts>
+#include <cstddef>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -36,13 +38,68 @@ struct UnknownParameters {};
 
 // The parameters that a handler takes. A callable with one call operator tells them. Where the
 // operator is a template or overloaded, they are the leading ones of the event's, as many as it can
-// take. They are taken exactly: what only converts would lose part of a value unnoticed.
+// take. They are taken exactly: what only converts would lose part of a value unnoticed. A pointer
+// to an object loses nothing where a base class or a const object is taken.
+
+/// Whether what an event carries as a `Given` may be handed to a parameter of type `Taken`.
+template <class Taken, class Given>
+constexpr bool isTakenAs()
+{
+    if constexpr (std::is_same_v<Held<Taken>, Held<Given>>)
+        return true;
+    else if constexpr (isObjectPointer<Held<Taken>> && isObjectPointer<Held<Given>>)
+        return std::is_convertible_v<Held<Given>, Held<Taken>>;
+    else
+        return false;
+}
+
+template <class... Taken, class... Given, std::size_t... I>
+constexpr bool areTakenAs(Parameters<Taken...>, Parameters<Given...>, std::index_sequence<I...>)
+{
+    return (isTakenAs<Taken, std::tuple_element_t<I, std::tuple<Given...>>>() && ...);
+}
+
+/// Whether a handler with the first list of parameters takes the leading ones of the second.
+template <class... Taken, class... Given>
+constexpr bool takesLeading(Parameters<Taken...> taken, Parameters<Given...> given)
+{
+    if constexpr (sizeof...(Taken) > sizeof...(Given))
+        return false;
+    else
+        return areTakenAs(taken, given, std::index_sequence_for<Taken...>());
+}
+
+template <class... Taken, class... Given, std::size_t... I>
+auto carriedFor(Parameters<Taken...>, Parameters<Given...>, std::index_sequence<I...>)
+    -> Parameters<std::conditional_t<
+        std::is_same_v<Held<Taken>, Held<std::tuple_element_t<I, std::tuple<Given...>>>>, Taken,
+        std::tuple_element_t<I, std::tuple<Given...>>>...>;
+
+/// The parameters of a handler as what the event carries for them.
+template <class Taken, class EventParams>
+struct CarriedParameters {
+    using type = Taken;
+};
+template <class... Taken, class... Given>
+    requires(!Parameters<Taken...>::lead(Parameters<Given...>{}))
+struct CarriedParameters<Parameters<Taken...>, Parameters<Given...>> {
+    using type = decltype(carriedFor(Parameters<Taken...>{}, Parameters<Given...>{},
+                                     std::index_sequence_for<Taken...>()));
+};
 
 /// Stands for a value that is carried as a `T`, and for nothing that a `T` converts to.
 template <class T>
 struct Exactly {
     template <class U>
         requires std::same_as<Held<U>, T>
+    operator U&() const;
+};
+
+/// The same, and for pointers to what the object is besides.
+template <class T>
+struct Upward {
+    template <class U>
+        requires(isTakenAs<U, T>())
     operator U&() const;
 };
 
@@ -61,7 +118,8 @@ constexpr bool takesExactly(Parameters<Taken...>)
     else if constexpr (IsTemplateFor<F, Taken...>)
         return true;
     else
-        return std::is_invocable_v<F&, Exactly<Held<Taken>>...>;
+        return std::is_invocable_v<F&, Exactly<Held<Taken>>...> ||
+               std::is_invocable_v<F&, Upward<Held<Taken>>...>;
 }
 
 template <class F, class Taken, class Rest>
@@ -112,6 +170,10 @@ template <class F, class EventParams>
     requires(CallableReference<F> && !PlainCallable<F>)
 struct HandlerParameters<F, EventParams>
     : HandlerParameters<std::decay_t<typename F::type>, EventParams> {};
+
+template <class F, class EventParams>
+using CarriedFor =
+    typename CarriedParameters<typename HandlerParameters<F, EventParams>::type, EventParams>::type;
 
 /// What can be wrong with a subscription.
 enum class SubscribeFault {
@@ -177,7 +239,8 @@ constexpr SubscribeFault faultOfHandlerParameters()
     else if constexpr (!Params::plain)
         return SubscribeFault::References;
     else if constexpr (isKnown)
-        return Params::lead(EventParams{}) ? SubscribeFault::None : SubscribeFault::NotLeading;
+        return takesLeading(Params{}, EventParams{}) ? SubscribeFault::None
+                                                     : SubscribeFault::NotLeading;
     else
         return SubscribeFault::None;
 }
@@ -315,9 +378,8 @@ Handler makeHandler(F handler)
     if constexpr (TakesArgumentArray<F>)
         return CallableHandler<F, ZTArgumentArray>::make(std::move(handler));
     else if constexpr (isMemberPointer<F>)
-        return MemberHandler<Receiver, F>::make(handler);
+        return MemberHandler<Receiver, F, CarriedFor<F, EventParams>>::make(handler);
     else
-        return CallableHandler<F, typename HandlerParameters<F, EventParams>::type>::make(
-            std::move(handler));
+        return CallableHandler<F, CarriedFor<F, EventParams>>::make(std::move(handler));
 }
 } // namespace zt::detail
