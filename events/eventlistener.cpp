@@ -25,6 +25,8 @@ struct ZTEventListenerPrivate final : ZTDynamicBase {
 
     bool valid = false;
     std::vector<Record> events;
+    /// Of which event each record is.
+    std::vector<const ZTMetaInvokable*> kinds;
 
 private:
     static ZTVariant record(const ZTVariant& object, const ZTArgumentArray& arguments);
@@ -57,8 +59,12 @@ ZTVariant ZTEventListenerPrivate::record(const ZTVariant& object, const ZTArgume
     unsigned int supplied = std::min(event->parameterCount(), ZTMetaInvokable::MaxParamCount);
     const ZTLifeWatch watch(listener);
     Record copies(arguments.begin(), arguments.begin() + supplied);
-    if (watch)
-        listener->events.push_back(std::move(copies));
+    if (!watch)
+        return {};
+    // One more than there are records is left behind when memory ends between the two.
+    listener->kinds.resize(listener->events.size());
+    listener->kinds.push_back(event);
+    listener->events.push_back(std::move(copies));
     return {};
 }
 
@@ -68,6 +74,18 @@ ZTEventListener::ZTEventListener(ZTBase* sender, const ZTMetaInvokable* event) :
     if (sender && event)
         made->valid = bool(ZTBase::subscribe(sender, event, made.get(),
                                              ZTEventListenerPrivate::handler().invokable));
+    priv = made.release();
+}
+
+ZTEventListener::ZTEventListener(ZTBase* sender) : priv(nullptr)
+{
+    auto made = std::make_unique<ZTEventListenerPrivate>();
+    const ZTMetaClass* senderClass = sender ? sender->metaClass() : nullptr;
+    const unsigned int count = senderClass ? senderClass->invokableCount() : 0;
+    for (unsigned int i = 0; i < count; ++i)
+        if (const ZTMetaInvokable* event = senderClass->invokable(i); event && event->isEvent())
+            made->valid |= bool(ZTBase::subscribe(sender, event, made.get(),
+                                                  ZTEventListenerPrivate::handler().invokable));
     priv = made.release();
 }
 
@@ -82,9 +100,18 @@ std::vector<ZTVariant> ZTEventListener::at(unsigned int index) const
     return index < priv->events.size() ? priv->events[index] : std::vector<ZTVariant>();
 }
 
+const ZTMetaInvokable* ZTEventListener::eventAt(unsigned int index) const
+{
+    return index < priv->events.size() ? priv->kinds[index] : nullptr;
+}
+
 int ZTEventListener::count() const { return static_cast<int>(priv->events.size()); }
 
-void ZTEventListener::clear() { std::vector<std::vector<ZTVariant>>().swap(priv->events); }
+void ZTEventListener::clear()
+{
+    priv->kinds.clear();
+    std::vector<std::vector<ZTVariant>>().swap(priv->events);
+}
 
 bool ZTEventListener::remove(unsigned int index)
 {
@@ -92,6 +119,7 @@ bool ZTEventListener::remove(unsigned int index)
         return false;
     const std::vector<ZTVariant> removed = std::move(priv->events[index]); // the last to go
     priv->events.erase(priv->events.begin() + index);
+    priv->kinds.erase(priv->kinds.begin() + index);
     return true;
 }
 

@@ -77,4 +77,36 @@ TEST_F(Listener, OfNothingRecordsNothing)
         EXPECT_FALSE(ofAMethod.valid());
     });
 }
+
+TEST_F(Listener, OfAnObjectTellsTheEventOfEachRecord)
+{
+    std::optional<ZTEventListener> all(std::in_place, &*speaker);
+    EXPECT_TRUE(all->valid());
+    const ZTMetaClass& type = *speaker->metaClass();
+    const auto names = [&] {
+        std::string text;
+        for (std::size_t i = 0; i < all->records().size(); ++i)
+            text += std::string(all->eventAt(i)->name()) + std::to_string(all->at(i).size()) + " ";
+        return text;
+    };
+    speaker->said(7);
+    speaker->setProperty("name", "new", true);
+    speaker->told("ann", 1);
+    EXPECT_EQ(names(), "said1 dynamicPropertyChanged2 told2 ");
+    EXPECT_EQ(all->eventAt(0U), type.invokable(4U));
+    EXPECT_EQ(all->argument<int>(2, 1), 1);
+    EXPECT_EQ(all->eventAt(3), nullptr);
+    EXPECT_EQ(all->eventAt(-1), nullptr);
+    all->remove(1);
+    EXPECT_EQ(names(), "said1 told2 ");
+    all->clear();
+    EXPECT_EQ(all->eventAt(0), nullptr);
+    speaker->carried({}, 1);
+    EXPECT_EQ(names(), "carried2 ");
+    EXPECT_EQ(tellings.eventAt(0), type.invokable(5U)); // as one of a single event does
+    speaker.reset();
+    EXPECT_EQ(names(), "carried2 destroyed1 ");
+    all.emplace(nullptr);
+    EXPECT_FALSE(all->valid());
+}
 } // namespace

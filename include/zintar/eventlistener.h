@@ -12,13 +12,19 @@
 
 struct ZTEventListenerPrivate;
 
-/// Records every delivery of one event of one sender, with copies of the arguments: what a test
-/// asks after the fact, with no handler to write.
+/// Records every delivery of one event of one sender, or of all its events, with copies of the
+/// arguments: what a test asks after the fact, with no handler to write.
 ///
 ///     ZTEventListener changes(&thermostat, &Thermostat::targetChanged);
 ///     thermostat.setTarget(21.5);
 ///     changes.count();                  // 1
 ///     changes.argument<double>(0, 0);   // 21.5
+///
+/// Of all events of an object it tells which one each record is of:
+///
+///     ZTEventListener all(&thermostat);
+///     thermostat.setTarget(19);
+///     all.eventAt(0)->name();            // "targetChanged"
 ///
 /// A copy that throws, and memory that fails, pass to the sender as from any handler. The records
 /// outlive the sender. Recording ends with the listener. Not copyable: a record is one
@@ -35,6 +41,9 @@ public:
     ZTEventListener(Sender* sender, Event event)
         : ZTEventListener(sender, zt::detail::eventOf(sender, event))
     {}
+    /// All events that the class of the sender has now, those of `ZTBase` included. A null sender
+    /// makes a listener that is not valid.
+    explicit ZTEventListener(ZTBase* sender);
     ZTEventListener(const ZTEventListener&) = delete;
     ZTEventListener& operator=(const ZTEventListener&) = delete;
     ~ZTEventListener();
@@ -46,6 +55,14 @@ public:
     [[nodiscard]] std::vector<ZTVariant> at(Index index) const
     {
         return at(zt::detail::narrowIndex(index));
+    }
+    /// The event that was delivered, by the class of the sender, and good as long as that class;
+    /// null for an index out of range.
+    [[nodiscard]] const ZTMetaInvokable* eventAt(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] const ZTMetaInvokable* eventAt(Index index) const
+    {
+        return eventAt(zt::detail::narrowIndex(index));
     }
     [[nodiscard]] int count() const;
     void clear();
