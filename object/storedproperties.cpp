@@ -58,6 +58,24 @@ ZTVariant keepValue(ZTBasePrivate& record, const StoredProperty& property, ZTVar
     return {};
 }
 
+/// Whether there is room in the event for the value before the change, behind the one after it.
+bool takesOldValue(const ZTMetaInvokable& changeEvent, const StoredProperty& property)
+{
+    const ZTMetaType& type = property.start.type();
+    return changeEvent.parameterCount() > 1 && changeEvent.parameterMetaType(0) == type &&
+           changeEvent.parameterMetaType(1) == type;
+}
+
+/// Runs code of the host.
+ZTVariant copyOfValue(const ZTBasePrivate* record, const StoredProperty& property)
+{
+    ZTDynamicProperty* kept = findValue(record, property);
+    if (!kept)
+        return property.start;
+    const ZTValueReading reading(*kept);
+    return reading.value();
+}
+
 void warnOfMisfit(const ZTVariant& value, const ZTMetaType& type)
 {
     if (value.isValid())
@@ -72,13 +90,7 @@ StoredProperty::StoredProperty(const ZTVariant& first) : start(first), key(nextK
 ZTVariant storedValue(const StoredProperty& property, const ZTVariant& object)
 {
     const ZTBase* self = objectIn<const ZTBase>(object);
-    if (!self)
-        return {};
-    if (ZTDynamicProperty* kept = findValue(ZTBasePrivate::of(self), property)) {
-        const ZTValueReading reading(*kept);
-        return reading.value();
-    }
-    return property.start;
+    return self ? copyOfValue(ZTBasePrivate::of(self), property) : ZTVariant();
 }
 
 void setStoredValue(const StoredProperty& property, const ZTMetaInvokable* changeEvent,
@@ -95,8 +107,12 @@ void setStoredValue(const StoredProperty& property, const ZTMetaInvokable* chang
     if (!self || !isDifferent(findValue(self.record(), property), property, *fitting) || !self)
         return;
     std::optional<ZTArgumentArray> told;
-    if (changeEvent && !self.record()->events.eventSlots.areNone())
-        told.emplace()[0] = *fitting; // before the object changes: the copy may end it, or throw
+    // Before the object changes: the copies may end it, or throw.
+    if (changeEvent && !self.record()->events.eventSlots.areNone()) {
+        told.emplace()[0] = *fitting;
+        if (self && takesOldValue(*changeEvent, property))
+            (*told)[1] = copyOfValue(self.record(), property);
+    }
     if (!self)
         return;
     old = keepValue(*self.record(), property, *fitting);

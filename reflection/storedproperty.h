@@ -26,7 +26,8 @@ struct StoredProperty {
 /// @param object  holds a pointer to the object
 [[nodiscard]] ZTVariant storedValue(const StoredProperty& property, const ZTVariant& object);
 /// A value that does not fit is told in the log and changes nothing.
-/// @param changeEvent  raised with the value when that has changed; may be null
+/// @param changeEvent  raised with the value when that has changed, and with the one before if it
+///                     takes two of that type; may be null
 void setStoredValue(const StoredProperty& property, const ZTMetaInvokable* changeEvent,
                     const ZTVariant& object, const ZTVariant& value);
 } // namespace zt::detail

@@ -2,6 +2,7 @@
 
 #include <zintar/create.h>
 #include <zintar/declare.h>
+#include <zintar/eventlistener.h>
 
 #include <memory>
 #include <vector>
@@ -48,7 +49,7 @@ public:
     void brightnessChanged(double value) { sendEvent<&Self::brightnessChanged>(value); }
     void labelChanged(const std::string& value) { sendEvent<&Self::labelChanged>(value); }
     void changed() { sendEvent<&Self::changed>(); }
-    void moved(int from, int to) { sendEvent<&Self::moved>(from, to); }
+    void moved(int to, double by) { sendEvent<&Self::moved>(to, by); }
 
     double brightness = 0;
     std::string label;
@@ -93,6 +94,57 @@ private:
     }
 };
 ZT_CLASS(Spot)
+
+/// Announces with the value before.
+class Slider : public ZTBase
+{
+    ZT_OBJECT(Slider, ZTBase)
+public:
+    void levelChanged(double now, double before) { sendEvent<&Self::levelChanged>(now, before); }
+    void titleChanged(const std::string& now, const std::string& before)
+    {
+        sendEvent<&Self::titleChanged>(now, before);
+    }
+    void otherChanged(double now, int channel) { sendEvent<&Self::otherChanged>(now, channel); }
+
+    double level = 1;
+    std::string title = "none";
+    double other = 0;
+
+private:
+    static constexpr auto members()
+    {
+        return zt::members(zt::event<&Self::levelChanged>(), zt::event<&Self::titleChanged>(),
+                           zt::event<&Self::otherChanged>(),
+                           zt::property<&Self::level>().notify<&Self::levelChanged>(),
+                           zt::property<&Self::title>().notify<&Self::titleChanged>(),
+                           zt::property<&Self::other>().notify<&Self::otherChanged>());
+    }
+};
+ZT_CLASS(Slider)
+
+TEST(DataMember, AnnouncesTheValueBeforeToo)
+{
+    Slider slider;
+    const ZTEventListener all(&slider);
+    slider.setProperty("level", 2);
+    slider.setProperty("level", 2.0);
+    slider.setProperty("title", "desk");
+    slider.setProperty("title", "lamp");
+    slider.setProperty("other", 5.0); // its event tells something else: it is the host's to raise
+    using Values = std::vector<ZTVariant>;
+    EXPECT_EQ(all.records(), (std::vector<Values>{{ZTVariant(2.0), ZTVariant(1.0)},
+                                                  {ZTVariant("desk"), ZTVariant("none")},
+                                                  {ZTVariant("lamp"), ZTVariant("desk")}}));
+    EXPECT_EQ(slider.other, 5.0);
+    // What is announced stays what it was, whatever a handler does.
+    ZTBase::subscribe(&slider, &Slider::titleChanged, &slider,
+                      [&](const std::string& now, const std::string& before) {
+                          slider.title.assign(100, 'x');
+                          EXPECT_EQ(before + ">" + now, "lamp>sun");
+                      });
+    slider.setProperty("title", "sun");
+}
 
 template <class Value, class Unit = int>
 class Gauge : public ZTBase

@@ -178,4 +178,30 @@ TEST_F(StoredProperties, AnOverridingMethodReachesTheOneAbove)
     const ZTMetaInvokable& own = *finished->invokable(finished->invokableOffset());
     EXPECT_EQ(own.invoke(&other, 4), ZTVariant("better lamp4"));
 }
+
+TEST(StoredChange, TellsTheValueBeforeToAnEventOfTwo)
+{
+    ZTMetaClassBuilder builder;
+    builder.setSuperClass(&Record::typeMetaClass());
+    auto levelMoved = builder.addInvokable();
+    levelMoved.setName("levelMoved");
+    levelMoved.setEvent<double, double>();
+    builder.addStoredProperty("level", 1.0).setChangeEvent(levelMoved);
+    auto gainMoved = builder.addInvokable();
+    gainMoved.setName("gainMoved");
+    gainMoved.setEvent<double, int>();
+    builder.addStoredProperty("gain", 1.0).setChangeEvent(gainMoved);
+    const Owned type(builder.toMetaClass());
+    Record object;
+    object.initializeMetaClass(type.get());
+    const ZTEventListener moves(&object, type->invokable<void(double, double)>("levelMoved"));
+    object.setProperty("level", 2.0);
+    object.setProperty("level", 4);
+    using Values = std::vector<ZTVariant>;
+    EXPECT_EQ(moves.records(), (std::vector<Values>{{ZTVariant(2.0), ZTVariant(1.0)},
+                                                    {ZTVariant(4.0), ZTVariant(2.0)}}));
+    const ZTEventListener gains(&object, type->invokable<void(double, int)>("gainMoved"));
+    EXPECT_NE(support::logOf([&] { object.setProperty("gain", 3.0); }), "");
+    EXPECT_EQ(gains.records(), (std::vector<Values>{{ZTVariant(3.0), ZTVariant()}}));
+}
 } // namespace

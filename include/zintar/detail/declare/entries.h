@@ -261,7 +261,8 @@ struct PropertyEntry : ListedMember<InfoCount> {
     }
 
     /// Names the event that announces a change of the property. Raising it is the setter's part. A
-    /// data member raises one that takes its value or nothing when it is set to another value.
+    /// data member raises one that takes its value, its value and the one before, or nothing, when
+    /// it is set to another value.
     template <auto Event>
     constexpr auto notify() const
     {

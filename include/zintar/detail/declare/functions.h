@@ -109,8 +109,8 @@ ZTVariant setProperty(const ZTVariant& object, const ZTVariant& value)
         return setField(object, value, source, asRootMember<Setter>());
 }
 
-/// Whether the event takes what there is to tell of a change: the value of the data member, or
-/// nothing.
+/// Whether the event takes what there is to tell of a change: the value of the data member, that
+/// and the one before, or nothing.
 /// @tparam Field  null where the property is no data member that can be set
 template <auto Field, auto Event>
 constexpr bool canAnnounce()
@@ -124,8 +124,8 @@ constexpr bool canAnnounce()
         using Params = typename MemberTraits<Announced>::Params;
         constexpr bool areRelated = !isObjectClass<Class> || std::is_base_of_v<Class, EventClass> ||
                                     std::is_base_of_v<EventClass, Class>;
-        return areRelated && Params::count <= 1 &&
-               Params::lead(Parameters<typename FieldTraits::Result>());
+        using Value = typename FieldTraits::Result;
+        return areRelated && Params::lead(Parameters<Value, Value>());
     } else {
         return false;
     }
@@ -139,10 +139,10 @@ using ObjectOf = std::conditional_t<
     typename MemberTraits<std::remove_cv_t<decltype(Event)>>::Class,
     typename MemberTraits<std::remove_cv_t<decltype(Field)>>::Class>;
 
-template <auto Event, class Object, class... P, class Value>
-void announce(Object& self, Parameters<P...>, [[maybe_unused]] const Value& value)
+template <auto Event, class Object, class... P, class... Values>
+void announce(Object& self, Parameters<P...>, const Values&... values)
 {
-    (self.*Event)(passAs<P>(value)...);
+    (self.*Event)(passAs<P>(values)...);
 }
 
 /// Sets a data member and raises its change event, if the value is another one.
@@ -154,14 +154,25 @@ ZTVariant setAndNotify(const ZTVariant& object, const ZTVariant& value)
     const auto setIn = [](ZTBase& base, const Held<Value>& held) {
         auto& self = static_cast<Object&>(base);
         auto given = static_cast<Value>(held);
-        // What compares and assigns may be code of the host that ends the object.
+        // What compares, copies and assigns may be code of the host that ends the object.
         const ZTLifeWatch watch(&base);
         if constexpr (hasEquality<Value>)
             if (self.*Field == given || !watch.isStill(&base))
                 return;
-        self.*Field = std::move(given);
-        if (watch.isStill(&base))
-            announce<Event>(self, typename Traits::Params(), held);
+        const auto setAndTell = [&](const auto&... values) {
+            self.*Field = std::move(given);
+            if (watch.isStill(&base))
+                announce<Event>(self, typename Traits::Params(), values...);
+        };
+        if constexpr (Traits::Params::count == 0) {
+            setAndTell();
+        } else if constexpr (Traits::Params::count == 1) {
+            setAndTell(held);
+        } else {
+            const auto before = static_cast<Held<Value>>(self.*Field);
+            if (watch.isStill(&base))
+                setAndTell(held, before);
+        }
     };
     return storeUnboxed<Value>(object, value, objectSource<Object>, setIn);
 }
