@@ -1,12 +1,14 @@
 #include "delivery.h"
 
 #include "eventvalues.h"
+#include "monitoring.h"
 #include "queuedsubscription.h"
 
 #include <zintar/detail/lent.h>
 #include <zintar/metaclass.h>
 
 #include <algorithm>
+#include <chrono>
 
 [[gnu::tls_model("initial-exec")]] thread_local constinit ZTThreadList<ZTDelivery>
     ZTDelivery::activeEvents;
@@ -176,6 +178,66 @@ inline void ZTDelivery::callAll(ZTEventValues& values)
     }
 }
 
+void ZTDelivery::callAll(ZTEventValues& values, int& called)
+{
+    while (m_next < m_end) {
+        const ZTSlotEntry& entry = m_slot.subscriptions[m_next++];
+        called += isReached(entry, values) ? 1 : 0;
+        callOther(entry, values);
+    }
+}
+
+int ZTDelivery::depth()
+{
+    int count = -1;
+    activeEvents.forEach([&count](const ZTDelivery&) { ++count; });
+    return count;
+}
+
+void ZTDelivery::callMonitored(ZTEventValues& values)
+{
+    const ZTMonitoring monitoring;
+    int called = 0;
+    const auto tell = [&](bool hasThrown) {
+        m_receiver = nullptr;
+        const auto duration = std::chrono::steady_clock::now() - monitoring.start();
+        monitoring.tell([&] {
+            return ZTMonitoredDelivery{m_sender ? m_sender->object : nullptr,
+                                       &m_event,
+                                       m_index,
+                                       values.array(),
+                                       called,
+                                       depth(),
+                                       monitoring.start(),
+                                       duration,
+                                       hasThrown};
+        });
+    };
+    try {
+        callAll(values, called);
+    } catch (...) {
+        try {
+            tell(true);
+        } catch (...) { // what the handler has thrown goes on
+        }
+        throw;
+    }
+    tell(false);
+}
+
+/// Where there is no event, or somebody monitors.
+template <class... Values>
+[[gnu::noinline, gnu::cold]] void ZTDelivery::runOtherwise(ZTBasePrivate& sender, ZTEventSlot& slot,
+                                                           const Values&... given)
+{
+    const ZTMetaInvokable* event = slot.lastEvent();
+    if (!event)
+        return reportNoEvent(*sender.object, slot.index);
+    ZTEventValues values(given...);
+    values.fitTo(*event);
+    ZTDelivery(sender, slot, *event, values.typedAddresses()).callMonitored(values);
+}
+
 /// @param given  what values of an event are made of
 template <class... Values>
 [[gnu::always_inline]] inline void ZTDelivery::run(ZTBasePrivate& sender, ZTEventSlot& slot,
@@ -183,7 +245,7 @@ template <class... Values>
 {
     const ZTMetaInvokable* event = slot.eventOf(*sender.object);
     if (!event) [[unlikely]]
-        return reportNoEvent(*sender.object, slot.index);
+        return runOtherwise(sender, slot, given...);
     ZTEventValues values(given...);
     values.fitTo(*event);
     ZTDelivery(sender, slot, *event, values.typedAddresses()).callAll(values);

@@ -52,9 +52,15 @@ private:
 
     template <class... Values>
     static void run(ZTBasePrivate& sender, ZTEventSlot& slot, const Values&... given);
+    template <class... Values>
+    static void runOtherwise(ZTBasePrivate& sender, ZTEventSlot& slot, const Values&... given);
     static void reportNoEvent(const ZTBase& sender, int index);
     [[nodiscard]] bool walks(const ZTEventSlot& slot) const { return m_sender && m_slot == &slot; }
     void callAll(ZTEventValues& values);
+    /// The same for monitors, with the number of the handlers that were called.
+    void callAll(ZTEventValues& values, int& called);
+    void callMonitored(ZTEventValues& values);
+    [[nodiscard]] static int depth();
     void callOther(const ZTSlotEntry& entry, ZTEventValues& values);
     void callSpecial(ZTSpecialSubscription& special, ZTEventValues& values);
     void callHandler(const zt::detail::Handler& handler, ZTEventValues& values) const;

@@ -119,9 +119,18 @@ void ZTEventSlot::compact()
     subscriptions.resize(kept);
 }
 
+[[gnu::cold]] const ZTMetaInvokable* ZTEventSlot::eventOtherwise(const ZTMetaClass& senderClass)
+{
+    using zt::detail::areMonitored;
+    const unsigned int now = descriptorsEndedNow();
+    if (&senderClass != m_class || (now & ~areMonitored) != m_descriptorsEnded)
+        askAnew(senderClass);
+    return now & areMonitored ? nullptr : m_event;
+}
+
 void ZTEventSlot::askAnew(const ZTMetaClass& senderClass)
 {
-    m_descriptorsEnded = descriptorsEndedNow();
+    m_descriptorsEnded = descriptorsEndedNow() & ~zt::detail::areMonitored;
     m_class = &senderClass;
     m_event = senderClass.invokable(static_cast<unsigned int>(index));
     bool isAnswerNew = false;

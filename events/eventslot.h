@@ -79,14 +79,17 @@ struct ZTEventSlot : zt::detail::InBlocks {
     void compact();
     [[nodiscard]] std::size_t emptyCount() const { return subscriptions.size() - listed; }
 
-    /// The event by the class that the sender has now; null if there is none with that index.
+    /// The event by the class that the sender has now; null if there is none with that index, and
+    /// also while deliveries are monitored.
     const ZTMetaInvokable* eventOf(const ZTBase& sender)
     {
         const ZTMetaClass* senderClass = sender.metaClass();
         if (senderClass != m_class || m_descriptorsEnded != descriptorsEndedNow()) [[unlikely]]
-            askAnew(*senderClass);
+            return eventOtherwise(*senderClass);
         return m_event;
     }
+    /// The same as it was when `eventOf` was asked last, whoever monitors.
+    [[nodiscard]] const ZTMetaInvokable* lastEvent() const { return m_event; }
 
     /// In the order of delivery; empty where a subscription has ended.
     std::vector<ZTSlotEntry> subscriptions;
@@ -102,9 +105,11 @@ private:
     {
         return zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
     }
+    const ZTMetaInvokable* eventOtherwise(const ZTMetaClass& senderClass);
     void askAnew(const ZTMetaClass& senderClass);
 
-    // The last answer of `eventOf`.
+    // The last answer, and what it was about. Of the number without the bit, so that it is another
+    // one as long as that is set.
     unsigned int m_descriptorsEnded = 0;
     const ZTMetaClass* m_class = nullptr;
     const ZTMetaInvokable* m_event = nullptr;

@@ -45,6 +45,8 @@
 //                         ends of handlers that others ended  last act
 // declared property,      copies, conversions of values       watches the object
 //  method by name         getter, setter, method              nothing is used behind it
+// ZTEventMonitor          its callback                        within the ZTDelivery that it is told of
+//                         ends of callbacks                   last act
 // ZTEventListener         copies of what it records           watches the listener
 //                         ends of records                     last act
 // clang-format on

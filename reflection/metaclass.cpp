@@ -48,7 +48,7 @@ ZTVariant ZTMetaProperty::set(const ZTVariant&, const ZTVariant&) const { return
 bool ZTMetaProperty::isDynamic() const { return false; }
 ZTMetaProperty::operator bool() const { return isSet(name()); }
 
-ZTMetaInvokable::~ZTMetaInvokable() { zt::detail::descriptorsEnded.fetch_add(1, std::memory_order_relaxed); }
+ZTMetaInvokable::~ZTMetaInvokable() { zt::detail::noteEndOfDescriptor(); }
 std::string_view ZTMetaInvokable::name() const { return emptyView; }
 bool ZTMetaInvokable::isConst() const { return false; }
 bool ZTMetaInvokable::isEvent() const { return false; }
@@ -61,7 +61,7 @@ ZTVariant ZTMetaInvokable::invoke(const ZTVariant&, const ZTArgumentArray&) cons
 bool ZTMetaInvokable::isDynamic() const { return false; }
 ZTMetaInvokable::operator bool() const { return isSet(name()); }
 
-ZTMetaClass::~ZTMetaClass() { zt::detail::descriptorsEnded.fetch_add(1, std::memory_order_relaxed); }
+ZTMetaClass::~ZTMetaClass() { zt::detail::noteEndOfDescriptor(); }
 const ZTMetaClass* ZTMetaClass::superClass() const { return nullptr; }
 std::string_view ZTMetaClass::typeName() const { return emptyView; }
 const ZTMetaType& ZTMetaClass::metaType() const { return ZTMetaType::ZTBadMetaType; }

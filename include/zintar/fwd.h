@@ -37,7 +37,9 @@ class ZTEventBlocker;
 class ZTSubscription;
 class ZTScopedSubscription;
 class ZTEventListener;
+class ZTEventMonitor;
 class ZTEventQueue;
+struct ZTMonitoredDelivery;
 template <class T>
 class ZTRef;
 template <class T>

@@ -21,6 +21,7 @@
 #include <zintar/enumeration.h>
 #include <zintar/eventblocker.h>
 #include <zintar/eventlistener.h>
+#include <zintar/eventmonitor.h>
 #include <zintar/eventqueue.h>
 #include <zintar/find.h>
 #include <zintar/fwd.h>
