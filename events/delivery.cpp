@@ -181,7 +181,7 @@ inline void ZTDelivery::callAll(ZTEventValues& values)
 void ZTDelivery::callAll(ZTEventValues& values, int& called)
 {
     while (m_next < m_end) {
-        const ZTSlotEntry& entry = m_slot.subscriptions[m_next++];
+        const ZTSlotEntry& entry = m_slot->subscriptions[m_next++];
         called += isReached(entry, values) ? 1 : 0;
         callOther(entry, values);
     }
@@ -203,7 +203,7 @@ void ZTDelivery::callMonitored(ZTEventValues& values)
         const auto duration = std::chrono::steady_clock::now() - monitoring.start();
         monitoring.tell([&] {
             return ZTMonitoredDelivery{m_sender ? m_sender->object : nullptr,
-                                       &m_event,
+                                       m_event,
                                        m_index,
                                        values.array(),
                                        called,
