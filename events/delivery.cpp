@@ -142,11 +142,11 @@ inline bool ZTDelivery::isReached(const ZTSlotEntry& entry, const ZTEventValues&
 [[gnu::noinline]] void ZTDelivery::callSpecial(ZTSpecialSubscription& special,
                                                ZTEventValues& values)
 {
-    auto* queued = special.kind == ZTSubscriptionPrivate::Kind::Queued
-                       ? static_cast<ZTQueuedSubscription*>(&special)
-                       : nullptr;
+    ZTQueuedSubscription* queued = ZTQueuedSubscription::of(special);
+    if (queued && (!queued->isActive() || queued->isBlocked()))
+        return;
     if (queued && !special.bound && !special.condition)
-        return queued->isActive() ? queued->enqueue(*m_event, values) : void();
+        return queued->enqueue(*m_event, values);
     const std::shared_ptr<ZTSubscriptionPrivate> kept = special.self;
     if (!special.isBound())
         return endAtOnce(special);

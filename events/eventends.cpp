@@ -80,6 +80,8 @@ void ZTEventEnds::leaveSlot(ZTSubscriptionPrivate& record, ZTLetGo& ended)
 
 void ZTEventEnds::block(ZTSubscriptionPrivate& record)
 {
+    if (ZTQueuedSubscription* queued = ZTQueuedSubscription::of(record))
+        return queued->addBlocker();
     if (!record.isActive())
         return;
     ++record.blockers;
@@ -88,6 +90,8 @@ void ZTEventEnds::block(ZTSubscriptionPrivate& record)
 
 void ZTEventEnds::unblock(ZTSubscriptionPrivate& record)
 {
+    if (ZTQueuedSubscription* queued = ZTQueuedSubscription::of(record))
+        return queued->removeBlocker();
     if (!record.isActive())
         return;
     --record.blockers;

@@ -1,5 +1,6 @@
 #include "../object/baseprivate.h"
 #include "ownevent.h"
+#include "queuedsubscription.h"
 
 #include <algorithm>
 
@@ -8,14 +9,19 @@ namespace
 /// Whether a send would call the handler of the subscription.
 bool isHearing(const ZTSlotEntry& entry)
 {
-    return entry.record && entry.record->blockers == 0 &&
-           !(entry.subscriber && entry.subscriber->isBlockingReceived());
+    if (!entry.record || !entry.record->isActive() || entry.record->blockers > 0 ||
+        (entry.subscriber && entry.subscriber->isBlockingReceived()))
+        return false;
+    const ZTQueuedSubscription* queued = ZTQueuedSubscription::of(*entry.record);
+    return !queued || !queued->isBlocked();
 }
 
 /// Null when a send would reach nobody.
 const ZTEventSlot* heardSlotOf(const ZTBase& sender, const ZTMetaInvokable* event)
 {
     const ZTBasePrivate* record = ZTBasePrivate::of(&sender);
+    if (record)
+        record->takeQueueNews();
     const bool isAnyHeard = record && !record->events.eventSlots.areNone();
     if (!isAnyHeard || !event || !event->isEvent() || !zt::detail::isEventOf(*event, sender))
         return nullptr;

@@ -305,7 +305,8 @@ bool ZTQueueCore::run(ZTQueuedEvent& event)
         endNow(subscription);
         return false;
     }
-    if (subscription.receiver && subscription.receiver->isBlockingReceived())
+    if (subscription.isBlocked() ||
+        (subscription.receiver && subscription.receiver->isBlockingReceived()))
         return false;
     const zt::detail::KeptCall running(subscription.handler);
     if (subscription.isOnce)

@@ -17,6 +17,11 @@ using zt::detail::HandlerView;
 
 namespace
 {
+unsigned int descriptorsEndedNow()
+{
+    return zt::detail::descriptorsEnded.load(std::memory_order_relaxed) & ~zt::detail::areMonitored;
+}
+
 std::size_t sizeFor(unsigned int room)
 {
     return sizeof(ZTQueuedEvent) + room * ZTQueuedEvent::valueSize;
@@ -116,7 +121,7 @@ ZTQueuedEvent::Owner ZTQueuedEvent::make(ZTQueuedSubscription& subscription,
     Owner made = makeWithRoom(subscription, count);
     made->event = &event;
     made->index = subscription.eventIndex;
-    made->descriptorsEnded = zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
+    made->descriptorsEnded = descriptorsEndedNow();
     void* const* addresses = values.typedAddresses();
     if (!addresses)
         made->addArray(count, values.array());
@@ -134,9 +139,7 @@ ZTQueuedEvent::Owner ZTQueuedEvent::makePost(ZTQueuedSubscription& subscription)
 /// Another descriptor may stand where that of an event of a run-time class was.
 const ZTMetaInvokable* ZTQueuedEvent::livingEvent() const
 {
-    const bool isThere =
-        subscription.isEventForEver ||
-        descriptorsEnded == zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
+    const bool isThere = subscription.isEventForEver || descriptorsEnded == descriptorsEndedNow();
     return isThere ? event : nullptr;
 }
 

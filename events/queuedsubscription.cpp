@@ -245,8 +245,10 @@ void ZTQueuedSubscription::leaveSender(ZTQueueEnds& sender, ZTLetGo& ended)
 void ZTQueuedSubscription::enterSlot()
 {
     ZTEventSlot& slot = sender->events.eventSlots.findOrMake(eventIndex);
-    const ZTMetaInvokable* present = slot.eventOf(*sender->object);
+    (void)slot.eventOf(*sender->object);
+    const ZTMetaInvokable* present = slot.lastEvent();
     takesEvent = present && zt::detail::takesLeadingOf(zt::detail::HandlerView{handler}, *present);
+    isCalled = takesEvent;
     slot.add(self);
 }
 

@@ -27,7 +27,7 @@
 // 5. A handler is called and destroyed on the thread that delivers: at once where that ends the
 //    subscription, or else at the next delivery. A condition belongs to the thread of the sender.
 // 6. A blocker of the sender acts when the event is raised, one of the receiver when it is
-//    delivered.
+//    delivered, one of the subscription at both.
 // 7. A handler that throws has had its turn. What waits behind it stays where it is.
 // 8. The lock of the subscriptions comes before that of a queue. Under neither runs code of the
 //    host: events that are dropped are destroyed behind them.
@@ -49,6 +49,12 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
                          std::shared_ptr<ZTQueueCore> through, ZTBasePrivate* receiverRecord);
 
     ~ZTQueuedSubscription();
+
+    /// Null for one that does not go through a queue.
+    static ZTQueuedSubscription* of(ZTSubscriptionPrivate& record)
+    {
+        return record.kind == Kind::Queued ? static_cast<ZTQueuedSubscription*>(&record) : nullptr;
+    }
 
     // Beginning.
     /// May throw, and changes nothing then. The handler is owned from then on.
@@ -84,6 +90,10 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     static void endOfQueue(ZTQueueCore& queue, ZTLetGo& ended);
 
     [[nodiscard]] bool isEnded() const { return state.load(std::memory_order_acquire) == Ended; }
+    // A blocker of the subscription acts when the event is raised and when it is delivered.
+    void addBlocker() { m_blockers.fetch_add(1, std::memory_order_relaxed); }
+    void removeBlocker() { m_blockers.fetch_sub(1, std::memory_order_relaxed); }
+    [[nodiscard]] bool isBlocked() const { return m_blockers.load(std::memory_order_relaxed) > 0; }
     [[nodiscard]] bool hasEvents() const { return eventCount.load(std::memory_order_seq_cst) > 0; }
 
     enum State : unsigned char { Living, Drained, Ended };
@@ -121,4 +131,6 @@ private:
     static void drainLocked(ZTQueuedSubscription& subscription);
     void enterSlot();
     bool tryToEnterSlot();
+
+    std::atomic<unsigned int> m_blockers = 0;
 };

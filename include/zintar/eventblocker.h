@@ -31,42 +31,41 @@ public:
     /// @param event  a descriptor, or a member function: `ZTEventBlocker(&lamp, &Lamp::switched)`.
     ///               Null, a method, and an event that the class of the object does not have block
     ///               nothing; only a member function that is no event is told in the log.
-    template <class Event>
-        requires zt::detail::isInvokablePointer<Event> ZTEventBlocker(ZTBase* sender, Event event)
-            : ZTEventBlocker(sender, EventGiven{event})
-        {}
-        template <class Sender, zt::detail::MemberFunction Event>
-        ZTEventBlocker(Sender* sender, Event event)
-            : ZTEventBlocker(sender, EventGiven{zt::detail::eventOf(sender, event)})
-        {}
-        /// Blocks that subscription, and not others that are equal to it.
-        explicit ZTEventBlocker(const ZTSubscription& subscription);
-        explicit ZTEventBlocker(const ZTScopedSubscription& subscription);
-        ZTEventBlocker(const ZTEventBlocker&) = delete;
-        /// Blocks what `other` blocks, in place of what it blocked before.
-        ZTEventBlocker& operator=(const ZTEventBlocker& other);
-        ~ZTEventBlocker();
+    template <zt::detail::InvokablePointer Event>
+    ZTEventBlocker(ZTBase* sender, Event event) : ZTEventBlocker(sender, EventGiven{event})
+    {}
+    template <class Sender, zt::detail::MemberFunction Event>
+    ZTEventBlocker(Sender* sender, Event event)
+        : ZTEventBlocker(sender, EventGiven{zt::detail::eventOf(sender, event)})
+    {}
+    /// Blocks that subscription, and not others that are equal to it.
+    explicit ZTEventBlocker(const ZTSubscription& subscription);
+    explicit ZTEventBlocker(const ZTScopedSubscription& subscription);
+    ZTEventBlocker(const ZTEventBlocker&) = delete;
+    /// Blocks what `other` blocks, in place of what it blocked before.
+    ZTEventBlocker& operator=(const ZTEventBlocker& other);
+    ~ZTEventBlocker();
 
-    private:
-        friend class ZTEventBlockers;
+private:
+    friend class ZTEventBlockers;
 
-        enum class Kind : unsigned char { Received, Event, Sent, Subscription };
-        struct EventGiven {
-            const ZTMetaInvokable* event;
-        };
-        ZTEventBlocker(ZTBase* sender, EventGiven given);
+    enum class Kind : unsigned char { Received, Event, Sent, Subscription };
+    struct EventGiven {
+        const ZTMetaInvokable* event;
+    };
+    ZTEventBlocker(ZTBase* sender, EventGiven given);
 
-        void enter();
-        void leave();
+    void enter();
+    void leave();
 
-        /// Of the object, which may move meanwhile; null where there is nothing to block.
-        ZTBasePrivate* record = nullptr;
-        Kind kind;
-        /// Of a blocked event: its class-wide index.
-        int eventIndex = -1;
-        /// Of a blocked subscription.
-        std::weak_ptr<ZTSubscriptionPrivate> subscribed;
-        // In the ring of the object's blockers.
-        ZTEventBlocker* next = nullptr;
-        ZTEventBlocker* previous = nullptr;
+    /// Of the object, which may move meanwhile; null where there is nothing to block.
+    ZTBasePrivate* record = nullptr;
+    Kind kind;
+    /// Of a blocked event: its class-wide index.
+    int eventIndex = -1;
+    /// Of a blocked subscription.
+    std::weak_ptr<ZTSubscriptionPrivate> subscribed;
+    // In the ring of the object's blockers.
+    ZTEventBlocker* next = nullptr;
+    ZTEventBlocker* previous = nullptr;
 };

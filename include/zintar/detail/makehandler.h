@@ -31,6 +31,9 @@ inline constexpr bool isInvokablePointer =
     std::is_pointer_v<F>&& std::is_convertible_v<F, const ZTMetaInvokable*>;
 
 template <class F>
+concept InvokablePointer = isInvokablePointer<F>;
+
+template <class F>
 inline constexpr bool isInvokableOrNull = isInvokablePointer<F> || std::is_null_pointer_v<F>;
 
 /// Stands for the parameters of an event that is known at run time only.
