@@ -73,6 +73,7 @@ struct Subscription {
     int script;
     Sort takes = Sort::Nothing; ///< of an event that carries one of them; nothing takes any
     bool isAlive = true;
+    int blockers = 0;
 };
 
 struct Frame {

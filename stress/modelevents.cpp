@@ -30,7 +30,7 @@ bool Model::fits(const Subscription& one) const
 bool Model::isReached(const Subscription& one, const Frame& walk) const
 {
     return one.sender == walk.sender && one.event == walk.event && isCertain(one) &&
-           (one.takes == Sort::Nothing || one.takes == walk.sort) &&
+           one.blockers == 0 && (one.takes == Sort::Nothing || one.takes == walk.sort) &&
            (one.receiver == none || (!souls.at(one.receiver).receivedBlockers && fits(one)));
 }
 
@@ -188,6 +188,8 @@ Id Model::enter(Id id, Kind kind, Id receiver)
         mismatch("a handler gets a value of another type than it takes");
     if (isCertain(one) && one.receiver != none && souls.at(one.receiver).receivedBlockers)
         mismatch("a blocked receiver is called");
+    if (isCertain(one) && one.blockers > 0)
+        mismatch("a blocked subscription is called");
     if (one.receiver != none && isSettled(one.receiver) && !fits(one))
         mismatch("a handler is called on what is left of its receiver");
     if (!walk.isLoose)

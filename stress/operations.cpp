@@ -329,12 +329,17 @@ void World::failNext(const Operands& o) { m_failNext = o[0] + 1; }
 
 void World::countBlocker(const Blocked& blocked, int change)
 {
-    if (blocked.soul == none)
+    if (blocked.soul == none && blocked.subscription == none)
         return;
     // Where no handler runs the delivery may be over, and what it raised just goes.
     for (Frame& frame : m_model.frames)
         frame.isLoose =
-            frame.isLoose || (blocked.isSent ? frame.sender == blocked.soul : !frame.isRunning);
+            frame.isLoose || (blocked.soul != none && blocked.isSent ? frame.sender == blocked.soul
+                                                                     : !frame.isRunning);
+    if (blocked.subscription != none) {
+        m_model.subscriptions.at(blocked.subscription).blockers += change;
+        return;
+    }
     Soul& soul = m_model.souls.at(blocked.soul);
     (blocked.isSent ? soul.sentBlockers : soul.receivedBlockers) += change;
 }
@@ -355,8 +360,21 @@ void World::unblock(const Operands& o)
 {
     Blocked& held = m_blockers[std::size_t(o[0])];
     countBlocker(held, -1);
-    held.soul = none;
+    held.soul = held.subscription = none;
     held.blocker.reset();
+}
+
+/// Blocks the subscription of a handle.
+void World::hush(const Operands& o)
+{
+    const Id named = m_named[std::size_t(o[1])];
+    if (named == none)
+        return;
+    unblock(o);
+    Blocked& held = m_blockers[std::size_t(o[0])];
+    held.subscription = named;
+    held.blocker.emplace(m_handles[named]);
+    countBlocker(held, 1);
 }
 
 void World::reblock(const Operands& o)
@@ -369,6 +387,7 @@ void World::reblock(const Operands& o)
     countBlocker(held, -1);
     held.soul = other.soul;
     held.isSent = other.isSent;
+    held.subscription = other.subscription;
     *held.blocker = *other.blocker;
 }
 

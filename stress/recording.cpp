@@ -96,4 +96,11 @@ std::string World::differencesOfRecorders()
     }
     return "";
 }
+
+void World::monitor(const Operands& o)
+{
+    m_monitor.reset();
+    if (o[0] % 2 == 1)
+        library([&] { m_monitor.emplace([](const ZTMonitoredDelivery&) {}); });
+}
 } // namespace stress

@@ -38,12 +38,15 @@ std::span<const Rule> rules()
         {"change",      "v",        &World::changeArray,       { 3,  0,  0,  0,  1}}, // that is raised
         {"throw",       "",         &World::throwStop,         { 3, 10,  2,  0,  2}},
         {"block",       "hod",      &World::block,             { 2,  1,  0,  0,  1}},
+        {"hush",        "hh",       &World::hush,              { 8,  2,  0,  0,  3}}, // the second's
         {"unblock",     "h",        &World::unblock,           { 2,  1,  0,  0,  1}},
         {"reblock",     "hh",       &World::reblock,           { 3,  1,  1,  0,  0}}, // by the second
         // A listener of the event; some of its records go, or it goes.
         {"record",      "hoe",      &World::record,            { 5,  1,  1,  0,  3}},
         {"forget",      "hn",       &World::forget,            { 3,  1,  0,  0,  0}},
         {"stop",        "h",        &World::stopRecording,     { 1,  1,  0,  0,  1}},
+        // What is monitored from now on: all deliveries, for an odd number, or none.
+        {"monitor",     "n",        &World::monitor,           { 2,  1,  1,  1,  1}},
         {"weak",        "hO",       &World::refer<false>,      { 0,  4,  2,  3,  0}},
         {"strong",      "hO",       &World::refer<true>,       { 3,  6,  4,  3,  2}},
         {"set",         "opvnsssO", &World::setProperty,       { 2, 12,  0,  8,  0}},

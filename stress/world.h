@@ -79,6 +79,7 @@ private:
     void block(const Operands& o);
     void unblock(const Operands& o);
     void reblock(const Operands& o);
+    void hush(const Operands& o);
     template <bool isStrong>
     void refer(const Operands& o);
     // subscribing.cpp
@@ -96,10 +97,12 @@ private:
     void record(const Operands& o);
     void forget(const Operands& o);
     void stopRecording(const Operands& o);
+    void monitor(const Operands& o);
 
     struct Blocked {
         Id soul = none;
         bool isSent = false;
+        Id subscription = none; ///< in place of a soul
         std::optional<ZTEventBlocker> blocker{};
     };
     struct Held {
@@ -183,6 +186,7 @@ private:
     Holders<ZTRef<ZTBase>> m_weak;
     Holders<Grip> m_strong;
     Holders<Blocked> m_blockers;
+    std::optional<ZTEventMonitor> m_monitor; ///< which changes nothing
     Holders<Recorder> m_recorders;
     std::vector<Held> m_attic; ///< what members of dead objects held
     ZTArgumentArray m_array;
