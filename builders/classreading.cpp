@@ -12,12 +12,17 @@ namespace
 {
 constexpr std::string_view noSuperClass = "ZTNone";
 
-/// All that comes. A stream with a medium of its own tells its end only by failing at it.
-std::string rest(ZTDataStream& stream)
+/// A medium that never ends is not to take all memory.
+constexpr std::size_t mostBytes = 64 << 20;
+
+/// All that comes; nothing when that is too much. A stream with a medium of its own tells its end
+/// only by failing at it.
+std::optional<std::string> rest(ZTDataStream& stream)
 {
     std::string bytes;
-    for (char next = 0; stream.read(&next, 1).good();)
-        bytes += next;
+    for (char next = 0; stream.read(&next, 1).good(); bytes += next)
+        if (bytes.size() == mostBytes)
+            return std::nullopt;
     return bytes;
 }
 
@@ -35,7 +40,12 @@ void ZTClassReading::read(ZTDataStream& stream, std::optional<std::size_t> count
             if (!readOne(stream))
                 return;
     } else {
-        ZTDataStream whole(rest(stream));
+        const std::optional<std::string> bytes = rest(stream);
+        if (!bytes) {
+            fault = "it does not end within 64 MiB.";
+            return;
+        }
+        ZTDataStream whole(*bytes);
         read(whole, std::nullopt);
     }
 }

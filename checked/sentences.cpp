@@ -1,5 +1,6 @@
 #include "sentences.h"
 
+#include "../types/metatypeprivate.h"
 #include "nearestname.h"
 
 #include <zintar/base.h>
@@ -48,6 +49,8 @@ std::string shownObject(const ZTVariant& value)
     const std::string name = ztShortName(*object->metaClass());
     const bool isVowel =
         !name.empty() && std::string_view("AEIOUaeiou").find(name[0]) != std::string_view::npos;
+    if (ZTMetaTypePrivate::of(value.type()).name.starts_with("const "))
+        return "a const " + name;
     return (isVowel ? "an " : "a ") + name;
 }
 

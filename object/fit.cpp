@@ -27,6 +27,12 @@ Fit atLeast(Fit least, unsigned int steps)
     return static_cast<Fit>(static_cast<unsigned int>(least) + steps);
 }
 
+/// The core hands such a pointer on as one to an object that may change.
+bool isToConst(const ZTMetaType& pointer)
+{
+    return ZTMetaTypePrivate::of(pointer).name.starts_with("const ");
+}
+
 Fit fitOfPointer(const ZTVariant& value, const ZTMetaClass& target)
 {
     if (auto steps = stepsUp(value.type().metaClass(), &target))
@@ -51,7 +57,8 @@ Fit fitOf(const ZTVariant& value, const ZTMetaType& type, ZTVariant& converted)
         return Fit::None;
     if (const ZTMetaClass* target = type.metaClass()) {
         if (value.type().metaClass())
-            return fitOfPointer(value, *target);
+            return isToConst(value.type()) && !isToConst(type) ? Fit::None
+                                                               : fitOfPointer(value, *target);
         if (&value.type() == &::ztMetaType<std::nullptr_t>()) {
             converted = ZTVariant(type, nullptr);
             return Fit::Converted;

@@ -152,6 +152,12 @@ TEST_F(Checked, APointerFitsByTheObjectThatItPointsTo)
               "a Part does not fit Engine.wheel of type Wheel*");
     EXPECT_EQ(ztTrySet(&engine, "wheel", &engine).error(),
               "an Engine does not fit Engine.wheel of type Wheel*");
+    const Wheel& unchanging = wheel;
+    EXPECT_EQ(ztTrySet(&engine, "wheel", &unchanging).error(),
+              "a const Wheel does not fit Engine.wheel of type Wheel*");
+    EXPECT_EQ(ztTryCall(&engine, "attach", &unchanging).error(),
+              "a const Wheel does not fit parameter 1 of attach of type Wheel*");
+    EXPECT_TRUE(ztTryConvert(ZTVariant(&unchanging), ztMetaType<const Part*>()));
     EXPECT_EQ(engine.wheel, &wheel);
     EXPECT_TRUE(ztTrySet(&engine, "wheel", nullptr));
     EXPECT_EQ(engine.wheel, nullptr);

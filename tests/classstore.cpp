@@ -226,4 +226,20 @@ TEST_F(ClassStore, ReadsAMediumOfTheHostToItsEnd)
     EXPECT_TRUE(store.read(stream));
     EXPECT_EQ(namesIn(store), "A B(A)");
 }
+
+TEST_F(ClassStore, RefusesAMediumWithoutAnEnd)
+{
+    struct : ZTDataStream {
+        ZTDataStream& read(char* target, unsigned int count) override
+        {
+            std::fill_n(target, count, '\0');
+            return *this;
+        }
+        bool good() const override { return true; }
+    } endless;
+    ZTLogCapture log;
+    EXPECT_FALSE(store.read(endless));
+    EXPECT_NE(log.text().find("it does not end within 64 MiB"), std::string::npos) << log.text();
+    EXPECT_EQ(namesIn(store), "");
+}
 } // namespace

@@ -56,6 +56,10 @@ TEST_F(ClassBuilder, RemovesMembersByPosition)
     EXPECT_EQ(builder.classInfoCount() + builder.enumCount() + builder.propertyCount() +
                   builder.invokableCount(),
               8);
+    const std::size_t last = 1; // hosts count so as well
+    builder.removeInvokable(std::size_t{1} << 32);
+    EXPECT_EQ(builder.invokable(last).name(), "c");
+    EXPECT_EQ(builder.property(last).name(), "c");
     EXPECT_EQ(builder.classInfo(1).key(), "c");
     EXPECT_EQ(builder.metaEnum(1).name(), "c");
     EXPECT_EQ(builder.property(1).name(), "c");

@@ -25,7 +25,7 @@
 ///
 /// A value fits a type if it is of that type, or a registered converter takes it. A pointer fits a
 /// type of pointers to objects if the object that it points to is of that class; so it must be null
-/// or point to a living object.
+/// or point to a living object. One to a const object does not fit where the object may be changed.
 ///
 /// Threads: as the objects.
 

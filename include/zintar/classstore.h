@@ -63,7 +63,8 @@ public:
     /// a super class that nobody knows, classes that build on each other in a circle or a
     /// thousand deep are told in the log, and the store is as it was. A type that is not registered
     /// is told, too, and stands as the invalid type in its class.
-    /// @param stream  fails when a record is cut off; one with a medium of its own also at its end
+    /// @param stream  fails when a record is cut off; one with a medium of its own also at its end,
+    ///                which has to come within 64 MiB
     /// @param prepare  called for each class, super classes first
     /// Cost: n log n for n classes.
     bool read(ZTDataStream& stream, const Prepare& prepare = {});

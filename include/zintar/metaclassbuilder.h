@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zintar/detail/runtimefunctions.h>
+#include <zintar/detail/wideindex.h>
 #include <zintar/export.h>
 #include <zintar/fwd.h>
 #include <zintar/metaclass.h>
@@ -84,12 +85,27 @@ public:
     void setName(std::string_view name);
     [[nodiscard]] int count() const;
     [[nodiscard]] std::string_view enumerator(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::string_view enumerator(Index index) const
+    {
+        return enumerator(zt::detail::narrowIndex(index));
+    }
     /// -1 for an index out of range.
     [[nodiscard]] int value(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] int value(Index index) const
+    {
+        return value(zt::detail::narrowIndex(index));
+    }
     /// @return false, changing nothing, when the name or the value is there already
     bool add(std::string_view name, int value);
     /// An index out of range removes nothing.
     void remove(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    void remove(Index index)
+    {
+        remove(zt::detail::narrowIndex(index));
+    }
 
     /// The invalid type until it is set. It takes no part in conversions, and `ztEnumeration` does
     /// not find an enumeration that is made at run time.
@@ -191,10 +207,20 @@ public:
 
     /// Empty for one without a name.
     [[nodiscard]] std::string_view parameterName(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::string_view parameterName(Index index) const
+    {
+        return parameterName(zt::detail::narrowIndex(index));
+    }
     /// The names of the first parameters; those behind them have none.
     void setParameterNames(std::vector<std::string> names);
     /// Null for a parameter without one. Good until they are set anew.
     [[nodiscard]] const ZTVariant* defaultArgument(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] const ZTVariant* defaultArgument(Index index) const
+    {
+        return defaultArgument(zt::detail::narrowIndex(index));
+    }
     /// The default arguments of the last parameters. They are passed as they are, so give values of
     /// the parameters' types, or such as convert.
     void setDefaultArguments(std::vector<ZTVariant> arguments);
@@ -300,10 +326,25 @@ public:
 
     [[nodiscard]] unsigned int propInfoCount() const;
     [[nodiscard]] std::string_view propInfoKey(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::string_view propInfoKey(Index index) const
+    {
+        return propInfoKey(zt::detail::narrowIndex(index));
+    }
     [[nodiscard]] std::string_view propInfoValue(unsigned int index) const;
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] std::string_view propInfoValue(Index index) const
+    {
+        return propInfoValue(zt::detail::narrowIndex(index));
+    }
     /// Appends an annotation. Keys may repeat.
     void addPropInfo(std::string_view key, std::string_view value);
     void removePropInfo(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    void removePropInfo(Index index)
+    {
+        removePropInfo(zt::detail::narrowIndex(index));
+    }
 
     /// The class-wide index that the change event has now; -1 when there is none any more.
     [[nodiscard]] int changeEventIndex() const;
@@ -388,25 +429,65 @@ public:
     // handles alone, and those behind it move up. An index out of range removes nothing.
     ZTMetaClassInfoBuilder addClassInfo(const ZTMetaClassInfo* prototype = nullptr);
     [[nodiscard]] ZTMetaClassInfoBuilder classInfo(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] ZTMetaClassInfoBuilder classInfo(Index index)
+    {
+        return classInfo(zt::detail::narrowIndex(index));
+    }
     void removeClassInfo(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    void removeClassInfo(Index index)
+    {
+        removeClassInfo(zt::detail::narrowIndex(index));
+    }
     [[nodiscard]] int classInfoCount() const;
 
     ZTMetaEnumBuilder addEnum(const ZTMetaEnum* prototype = nullptr);
     [[nodiscard]] ZTMetaEnumBuilder metaEnum(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] ZTMetaEnumBuilder metaEnum(Index index)
+    {
+        return metaEnum(zt::detail::narrowIndex(index));
+    }
     void removeEnum(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    void removeEnum(Index index)
+    {
+        removeEnum(zt::detail::narrowIndex(index));
+    }
     [[nodiscard]] int enumCount() const;
 
     ZTMetaInvokableBuilder addInvokable(const ZTMetaInvokable* prototype = nullptr);
     [[nodiscard]] ZTMetaInvokableBuilder invokable(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] ZTMetaInvokableBuilder invokable(Index index)
+    {
+        return invokable(zt::detail::narrowIndex(index));
+    }
     /// A property whose change event it was has none then.
     void removeInvokable(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    void removeInvokable(Index index)
+    {
+        removeInvokable(zt::detail::narrowIndex(index));
+    }
     [[nodiscard]] int invokableCount() const;
 
     /// The change event of a prototype is found by its position: right for a prototype of the
     /// class whose invokables were copied before.
     ZTMetaPropertyBuilder addProperty(const ZTMetaProperty* prototype = nullptr);
     [[nodiscard]] ZTMetaPropertyBuilder property(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    [[nodiscard]] ZTMetaPropertyBuilder property(Index index)
+    {
+        return property(zt::detail::narrowIndex(index));
+    }
     void removeProperty(unsigned int index);
+    template <zt::detail::WideIndex Index>
+    void removeProperty(Index index)
+    {
+        removeProperty(zt::detail::narrowIndex(index));
+    }
     [[nodiscard]] int propertyCount() const;
 
     /// Adds a property whose value is kept by each object of the class, and the event that tells of
