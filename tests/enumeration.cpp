@@ -20,6 +20,12 @@ ZT_ENUM(Mode, Off, Heat, zt::enumerator("Cold", Cool))
 enum class Access : unsigned { Read = 1, Write = 2, Run = 4, Edit = 3, High = 0x80000000 };
 ZT_FLAGS(Access, Read, Write, Run, Edit, High)
 
+// No class lists these.
+enum class Season { Spring, Summer, Autumn };
+ZT_ENUM(Season, Spring, Summer, zt::enumerator("Fall", Autumn))
+enum class Days { Work = 1, Rest = 2 };
+ZT_FLAGS(Days, Work, Rest)
+
 enum class Rank { Low = 1, High = 2 };
 enum class Unlisted { Some };
 
@@ -109,6 +115,19 @@ TEST(Enumeration, IsListedByAnyNumberOfClasses)
     EXPECT_EQ(again->metaType(), ztMetaType<Mode>());
     EXPECT_EQ(again->nameOf(2), "Cold");
     EXPECT_NE(again, ztEnumeration(ztMetaType<Mode>())) << "the first one keeps the type";
+}
+
+TEST(Enumeration, IsKnownToItsTypeAlsoWhenNoClassListsIt)
+{
+    const ZTMetaEnum* season = ztEnumeration(ztMetaType<Season>());
+    ASSERT_TRUE(season);
+    EXPECT_EQ(season->name(), "Season");
+    EXPECT_EQ(season->metaType(), ztMetaType<Season>());
+    EXPECT_EQ(season->valueOf("Fall"), 2);
+    EXPECT_EQ(ztVariantValue<Season>(ZTVariant("Summer")), Season::Summer);
+    EXPECT_EQ(ztVariantValue<std::string>(ZTVariant(Season::Autumn)), "Fall");
+    EXPECT_EQ(ztKind(ztMetaType<Days>()), ZTKind::Flags);
+    EXPECT_EQ(ztVariantValue<std::string>(ZTVariant(Days(3))), "Work|Rest");
 }
 
 TEST(Enumeration, TellsValuesAndNames)

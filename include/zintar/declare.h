@@ -187,10 +187,13 @@ private:                                                                        
     {                                                                                              \
         using enum Enum;                                                                           \
         return ::zt::kind<Enum>(::zt::enumerators<__VA_ARGS__>);                                   \
-    }
+    }                                                                                              \
+    [[maybe_unused]] static const bool ZT_DETAIL_UNIQUE(ztEnumIsReady, __COUNTER__) =              \
+        ::zt::detail::LoneEnumeration<Enum>::publish();
 
 /// Declares an enumeration of a namespace, in that namespace: `ZT_ENUM(Mode, Off, Heat, Cool)`. Any
-/// number of classes list it then by `zt::enumeration<Mode>()`.
+/// number of classes list it then by `zt::enumeration<Mode>()`. Its type is registered when the
+/// program or plugin is loaded, and knows the enumeration though no class lists it.
 #define ZT_ENUM(Enum, ...) ZT_DETAIL_ENUM(enumeration, Enum, __VA_ARGS__)
 /// The same of one whose values may be several enumerators together.
 #define ZT_FLAGS(Enum, ...) ZT_DETAIL_ENUM(flags, Enum, __VA_ARGS__)

@@ -22,7 +22,8 @@
 /// registered for the pair stays, before or after.
 
 /// The enumeration of the first class that was loaded with it, which a class lists by
-/// `zt::enumeration` or `zt::flags`; null for any other type. It stays good until the process ends.
+/// `zt::enumeration` or `zt::flags`; where no class does, the one that `ZT_ENUM` or `ZT_FLAGS`
+/// declares; null for any other type. It stays good until the process ends.
 /// Threads: any call on any thread.
 [[nodiscard]] ZT_EXPORT const ZTMetaEnum* ztEnumeration(const ZTMetaType& type);
 

@@ -103,6 +103,19 @@ int positionInList(const MemberRecord* members, std::size_t count, const void* v
     return found;
 }
 
+namespace
+{
+/// Without its annotations and the names that differ from the enumerators.
+ZTStaticMetaEnumData enumerationIn(const MemberRecord& member)
+{
+    const ListedEnumeration& listed = member.enumeration;
+    ZTStaticMetaEnumData enumeration(member.name, member.count, listed.enumerators, listed.values);
+    enumeration.metaType = &listed.type->type();
+    enumeration.isFlags = listed.type->isFlags;
+    return enumeration;
+}
+} // namespace
+
 /// What few members have, behind their records.
 struct ClassTable::RareRecords {
     void describe(ZTStaticMetaEnumData& enumeration, const InfoText* texts, unsigned int count)
@@ -234,13 +247,9 @@ private:
 
     void addEnumeration(const MemberRecord& member, const InfoText* texts)
     {
-        const ListedEnumeration& listed = member.enumeration;
-        ZTStaticMetaEnumData enumeration(member.name, member.count, listed.enumerators,
-                                         listed.values);
-        enumeration.metaType = &listed.type->type();
-        enumeration.isFlags = listed.type->isFlags;
-        if (listed.textCount > 0)
-            rareRecords().describe(enumeration, texts + member.firstInfo, listed.textCount);
+        ZTStaticMetaEnumData enumeration = enumerationIn(member);
+        if (const unsigned int count = member.enumeration.textCount; count > 0)
+            rareRecords().describe(enumeration, texts + member.firstInfo, count);
         enums.add(enumeration);
     }
 
@@ -385,6 +394,20 @@ void convertByEnumeration(const ZTMetaType& type, const EnumerationType& listed)
 }
 } // namespace
 
+/// Never destroyed, like the type that knows it.
+struct ClassTable::LoneEnumeration : ZTStaticMetaEnum {
+    LoneEnumeration(const MemberRecord& member, const InfoText* texts)
+        : ZTStaticMetaEnum(&m_record), m_record(enumerationIn(member))
+    {
+        if (member.enumeration.textCount > 0)
+            m_rare.describe(m_record, texts, member.enumeration.textCount);
+    }
+
+private:
+    ZTStaticMetaEnumData m_record;
+    RareRecords m_rare;
+};
+
 void ClassTable::publishEnumerations() const
 {
     unsigned int position = enumOffset;
@@ -394,12 +417,40 @@ void ClassTable::publishEnumerations() const
             continue;
         const EnumerationType& listed = *member.enumeration.type;
         const ZTMetaType& type = listed.type();
-        const ZTMetaEnum* none = nullptr;
+        auto& known = ZTMetaTypePrivate::of(type).enumeration;
         const ZTMetaEnum* own = m_descriptor->metaEnum(position++);
-        if (ZTMetaTypePrivate::of(type).enumeration.compare_exchange_strong(
-                none, own, std::memory_order_acq_rel))
+        const ZTMetaEnum* replaced = known.load(std::memory_order_acquire);
+        const auto isLone = [](const ZTMetaEnum* one) {
+            return dynamic_cast<const LoneEnumeration*>(one) != nullptr;
+        };
+        while ((!replaced || isLone(replaced)) &&
+               !known.compare_exchange_weak(replaced, own, std::memory_order_acq_rel))
+            continue;
+        if (!replaced)
             convertByEnumeration(type, listed);
     }
+}
+
+bool ClassTable::publishEnumeration(const MemberRecord& record, const InfoText* texts)
+{
+    const EnumerationType& listed = *record.enumeration.type;
+    const ZTMetaType& type = listed.type();
+    auto& known = ZTMetaTypePrivate::of(type).enumeration;
+    // Each file that includes the declaration comes here.
+    if (known.load(std::memory_order_acquire))
+        return true;
+    auto lone = std::make_unique<const LoneEnumeration>(record, texts);
+    const ZTMetaEnum* none = nullptr;
+    if (known.compare_exchange_strong(none, lone.get(), std::memory_order_acq_rel)) {
+        (void)lone.release();
+        convertByEnumeration(type, listed);
+    }
+    return true;
+}
+
+bool publishEnumeration(const MemberRecord& record, const InfoText* texts)
+{
+    return ClassTable::publishEnumeration(record, texts);
 }
 
 int ClassTable::positionOf(const void* function) const

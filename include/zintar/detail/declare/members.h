@@ -192,6 +192,14 @@ concept DeclaredEnumeration = requires
 {
     ztDeclaredEnumeration(EnumerationTag<Enum>());
 };
+
+/// What `ZT_ENUM` says of an enumeration, in a place that stays.
+template <class Enum>
+struct LoneEnumeration {
+    static constexpr auto entry = ztDeclaredEnumeration(EnumerationTag<Enum>());
+
+    static bool publish() { return publishEnumeration(entry.record, entry.infos.data()); }
+};
 } // namespace detail
 
 /// An enumeration that `ZT_ENUM` or `ZT_FLAGS` declares beside it, for as many classes as list it:

@@ -3,6 +3,7 @@
 #include <zintar/detail/declare/names.h>
 #include <zintar/detail/signature.h>
 #include <zintar/detail/staticrecords.h>
+#include <zintar/export.h>
 
 #include <cstddef>
 #include <string_view>
@@ -99,4 +100,9 @@ struct MemberRecord {
         return kind == MemberKind::Method || kind == MemberKind::Event;
     }
 };
+
+/// Makes an enumeration that stands by itself the one of its type, where it has none yet.
+/// @param texts  of the record; both stay good
+/// @return true, for a static of the host
+ZT_EXPORT bool publishEnumeration(const MemberRecord& record, const InfoText* texts);
 } // namespace zt::detail

@@ -56,9 +56,10 @@ public:
 
     [[nodiscard]] const ZTMetaClass& metaClass() const { return *m_descriptor; }
 
-    /// Makes the enumerations those of their types, where these have none yet, and their values
-    /// convert. To be called on the one table of a class.
+    /// Makes the enumerations those of their types, where no class has listed them yet, and their
+    /// values convert. To be called on the one table of a class.
     void publishEnumerations() const;
+    static bool publishEnumeration(const MemberRecord& record, const InfoText* texts);
 
     // Among the own invokables, of the last one that fits; -1 when there is none.
     [[nodiscard]] int positionOf(const void* function) const;
@@ -68,6 +69,7 @@ public:
 private:
     struct Records;
     struct RareRecords;
+    struct LoneEnumeration;
 
     void joinSuperClass();
     void linkChangeEvents();
