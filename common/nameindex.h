@@ -157,6 +157,7 @@ private:
         }
         return nullptr;
     }
+    /// For a name that is not plain.
     template <class Fits>
     [[nodiscard, gnu::noinline]] const Thing* searchApart(std::string_view name, Fits fits) const
     {

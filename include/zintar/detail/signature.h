@@ -50,7 +50,6 @@ struct Parameters {
     static constexpr unsigned int count = sizeof...(P);
     static constexpr bool plain = (isPlainParameter<P> && ...);
     static constexpr const TypeGetter* types = parameterTypes<P...>;
-    using Values = std::tuple<Held<P>...>;
 
     static std::type_index signature() { return typeid(void (*)(P...)); }
 
