@@ -163,8 +163,9 @@ Id Model::enter(Id id, Kind kind, Id receiver)
         const Frame& walk = frames.back();
         for (id = walk.next; id < Id(subscriptions.size()); ++id) {
             const Subscription& one = subscriptions.at(id);
-            if (one.isAlive && one.sender == walk.sender && one.event == walk.event &&
-                one.kind == kind && (kind == Kind::Function || one.receiver == receiver))
+            if (one.isAlive && one.blockers == 0 && one.sender == walk.sender &&
+                one.event == walk.event && one.kind == kind &&
+                (kind == Kind::Function || one.receiver == receiver))
                 break;
         }
         if (walk.type != Frame::Raise || walk.isRunning || !subscriptions.count(id))
