@@ -42,6 +42,7 @@ std::string shownProperties(const ZTBase& object, const std::vector<std::string_
                             const Names& names)
 {
     std::vector<std::string> texts;
+    texts.reserve(keys.size());
     for (std::string_view key : keys)
         texts.push_back(std::string(key) + "=" + shown(object.property(key), names));
     return listed(texts);
