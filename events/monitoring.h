@@ -3,6 +3,7 @@
 #include <zintar/eventmonitor.h>
 
 #include <chrono>
+#include <cstddef>
 
 /// One delivery in the eyes of the monitors, from its begin on.
 class ZTMonitoring
