@@ -38,23 +38,13 @@ public:
     [[nodiscard]] Node* first() { return nodeAt(m_head.m_next); }
     [[nodiscard]] Node* next(Node& node) { return nodeAt(linkOf(node).m_next); }
     /// Adds a node that is in no such ring, as the last one.
-    void add(Node& node) noexcept { insertBefore(linkOf(node), m_head); }
-    /// Adds all nodes of another ring.
-    void take(Ring& other) noexcept
+    void add(Node& node) noexcept
     {
-        if (other.isEmpty())
-            return;
-        RingLink<Tag>& theirs = other.m_head;
-        theirs.m_next->m_previous = m_head.m_previous;
-        m_head.m_previous->m_next = theirs.m_next;
-        theirs.m_previous->m_next = &m_head;
-        m_head.m_previous = theirs.m_previous;
-        theirs.m_previous = theirs.m_next = &theirs;
-    }
-    /// Puts a node that is in no such ring in front of one that is in this.
-    void insertBefore(Node& node, Node& following) noexcept
-    {
-        insertBefore(linkOf(node), linkOf(following));
+        RingLink<Tag>& link = node;
+        link.m_previous = m_head.m_previous;
+        link.m_next = &m_head;
+        link.m_previous->m_next = &link;
+        m_head.m_previous = &link;
     }
     /// `action` may take the node that it is given out of the ring.
     template <class Action>
@@ -69,13 +59,6 @@ public:
 
 private:
     static RingLink<Tag>& linkOf(Node& node) { return node; }
-    static void insertBefore(RingLink<Tag>& link, RingLink<Tag>& following) noexcept
-    {
-        link.m_previous = following.m_previous;
-        link.m_next = &following;
-        link.m_previous->m_next = &link;
-        following.m_previous = &link;
-    }
     [[nodiscard]] Node* nodeAt(RingLink<Tag>* link)
     {
         return link == &m_head ? nullptr : static_cast<Node*>(link);

@@ -40,7 +40,7 @@ void ZTEventQueue::postHandler(const ZTBase* receiver, std::chrono::nanoseconds 
     ZTBasePrivate* record = ZTBasePrivate::of(receiver);
     if (!handler || (receiver && !record))
         return;
-    auto post = ZTQueuedEvent::makePost(ZTQueuedSubscription::addPost(m_core, record, owned));
+    ZTQueuedEvent post(ZTQueuedSubscription::addPost(m_core, record, owned));
     if (delay > std::chrono::nanoseconds(0))
         m_core->pushAt(std::move(post), m_core->now() + delay);
     else

@@ -5,6 +5,19 @@
 #include <algorithm>
 #include <utility>
 
+using zt::detail::Pace;
+
+namespace
+{
+bool isPaced(const ZTQueuedEvent& event) { return event.subscription()->pace != Pace::All; }
+
+void endNow(ZTQueuedSubscription& subscription)
+{
+    ZTLetGo ended;
+    (void)ZTQueuedSubscription::end(subscription, ended);
+}
+} // namespace
+
 ZTQueueCore::ZTQueueCore(ZTEventQueue::Options options)
     : m_capacity(options.capacity),
       m_overflow(options.overflow),
@@ -14,103 +27,78 @@ ZTQueueCore::ZTQueueCore(ZTEventQueue::Options options)
       m_thread(std::this_thread::get_id())
 {}
 
-namespace
-{
-void giveAllBack(ZTEventBlock* block) noexcept
-{
-    while (block)
-        ZTEventBlock::giveBack(std::exchange(block, block->next));
-}
-} // namespace
-
-ZTQueueCore::~ZTQueueCore()
-{
-    giveAllBack(m_spare);
-    giveAllBack(m_delivered);
-}
-
 ZTQueueCore::Time ZTQueueCore::now() const { return m_now ? m_now() : ZTEventQueue::Clock::now(); }
 
-namespace
+ZTQueuedEvent& ZTQueueCore::append(ZTQueuedEvent&& event)
 {
-bool isPaced(const ZTQueuedEvent& event)
-{
-    return event.subscription.pace != zt::detail::Pace::All;
-}
-} // namespace
-
-void ZTQueueCore::append(ZTQueuedEvent& event)
-{
-    event.sequence = ++m_lastSequence;
-    m_ready.add(event);
+    const bool isOneOfPace = isPaced(event);
+    ZTQueuedEvent& added = m_ready.emplace_back(std::move(event));
+    added.sequence = ++m_lastSequence;
     ++m_readyCount;
-    m_pacedCount += isPaced(event);
+    m_pacedCount += isOneOfPace;
+    return added;
 }
 
-void ZTQueueCore::appendTimed(ZTQueuedEvent& event, Time time)
+/// Notes which event of a subscription waits, where there is at most one.
+void ZTQueueCore::keepWaiting(ZTQueuedSubscription& subscription, ZTQueuedEvent& event)
 {
-    event.timed = m_timed.emplace(time, &event);
-    event.isTimed = true;
-}
-
-/// Out of the queue, into the hands of the caller.
-ZTQueuedEvent::Owner ZTQueueCore::takeOut(ZTQueuedEvent& event)
-{
-    if (event.isTimed) {
-        m_timed.erase(event.timed);
-        event.isTimed = false;
-    } else {
-        event.unlink();
-        --m_readyCount;
-        m_pacedCount -= isPaced(event);
-        if (m_overflow == ZTOverflow::Wait)
-            m_room.notify_one();
-    }
-    ZTQueuedSubscription& subscription = event.subscription;
-    if (subscription.waiting == &event)
-        subscription.waiting = nullptr;
-    return ZTQueuedEvent::Owner(&event);
-}
-
-/// Gives a new event the place of the one of its subscription that waits, which is left over.
-ZTQueuedEvent::Owner ZTQueueCore::replaceWaiting(ZTQueuedEvent::Owner& event)
-{
-    ZTQueuedSubscription& subscription = event->subscription;
-    ZTQueuedEvent& old = *subscription.waiting;
-    ZTQueuedEvent& replacing = *event.release();
-    if (old.isTimed) {
-        replacing.timed = old.timed;
-        replacing.timed->second = &replacing;
-        replacing.isTimed = true;
-        old.isTimed = false;
-    } else {
-        replacing.sequence = old.sequence;
-        m_ready.insertBefore(replacing, old);
-        old.unlink();
-    }
-    subscription.waiting = &replacing;
-    return ZTQueuedEvent::Owner(&old);
+    subscription.waiting = subscription.pace == Pace::All ? nullptr : &event;
 }
 
 /// Puts an event of a subscription that is thinned out in its place.
-void ZTQueueCore::pace(ZTQueuedEvent::Owner& event, Time time)
+void ZTQueueCore::addPaced(ZTQueuedEvent&& event, Time time)
 {
-    ZTQueuedSubscription& subscription = event->subscription;
-    using zt::detail::Pace;
-    if (subscription.pace == Pace::Debounced) {
-        appendTimed(*event, time + subscription.interval);
-    } else if (subscription.pace == Pace::Throttled && time < subscription.nextTime) {
-        appendTimed(*event, subscription.nextTime);
+    ZTQueuedSubscription& subscription = *event.subscription();
+    const bool isDebounced = subscription.pace == Pace::Debounced;
+    if (isDebounced || (subscription.pace == Pace::Throttled && time < subscription.nextTime)) {
+        const Time due = isDebounced ? time + subscription.interval : subscription.nextTime;
+        subscription.waitingTime = due;
+        subscription.waiting = &m_timed.emplace(due, std::move(event))->second;
     } else {
-        append(*event);
         subscription.nextTime = time + subscription.interval;
+        subscription.waitingTime.reset();
+        subscription.waiting = &append(std::move(event));
     }
-    subscription.waiting = event.get();
+}
+
+/// The event of the subscription that waits. Where it was ready it leaves a gap.
+ZTQueueCore::Event ZTQueueCore::takeWaiting(ZTQueuedSubscription& subscription)
+{
+    ZTQueuedEvent* waiting = std::exchange(subscription.waiting, nullptr);
+    Event taken(std::move(*waiting));
+    if (subscription.waitingTime) {
+        auto [timed, end] = m_timed.equal_range(*subscription.waitingTime);
+        m_timed.erase(std::find_if(timed, end, [&](auto& one) { return &one.second == waiting; }));
+    } else {
+        --m_readyCount;
+        --m_pacedCount;
+        dropGaps();
+    }
+    return taken;
+}
+
+void ZTQueueCore::dropGaps()
+{
+    while (!m_ready.empty() && !m_ready.front().subscription())
+        m_ready.pop_front();
+}
+
+/// The first one that is ready; there is one.
+ZTQueueCore::Event ZTQueueCore::takeReady()
+{
+    Event taken(std::move(m_ready.front()));
+    m_ready.pop_front();
+    taken->subscription()->waiting = nullptr;
+    --m_readyCount;
+    m_pacedCount -= isPaced(*taken);
+    dropGaps();
+    if (m_overflow == ZTOverflow::Wait)
+        m_room.notify_one();
+    return taken;
 }
 
 /// @return false where the new event is the one to be dropped
-bool ZTQueueCore::makeRoom(Lock& lock, const ZTQueuedSubscription& subscription,
-                           ZTQueuedEvent::Owner& dropped)
+bool ZTQueueCore::makeRoom(Lock& lock, const ZTQueuedSubscription& subscription, Event& dropped)
 {
     if (!isFull())
         return true;
@@ -123,60 +111,56 @@ bool ZTQueueCore::makeRoom(Lock& lock, const ZTQueuedSubscription& subscription,
     ++m_droppedCount;
     if (m_overflow == ZTOverflow::RefuseNewest)
         return false;
-    dropped = takeOut(*m_ready.first());
+    dropped = takeReady();
     return true;
 }
 
-void ZTQueueCore::push(ZTQueuedEvent::Owner event)
+void ZTQueueCore::push(ZTQueuedEvent event)
 {
-    using zt::detail::Pace;
-    ZTQueuedSubscription& subscription = event->subscription;
-    const bool isTimed =
-        subscription.pace == Pace::Throttled || subscription.pace == Pace::Debounced;
-    const Time time = isTimed ? now() : Time();
-    ZTQueuedEvent::Owner dropped; // behind the lock
-    std::shared_ptr<const std::function<void()>> wake;
+    ZTQueuedSubscription& subscription = *event.subscription();
+    const Pace pace = subscription.pace;
+    const Time time = pace == Pace::Throttled || pace == Pace::Debounced ? now() : Time();
+    Event dropped; // behind the lock
+    Wake wake;
     {
         Lock lock(m_mutex);
-        if (subscription.waiting) {
-            if (subscription.pace != Pace::Debounced) {
-                dropped = replaceWaiting(event);
-                return;
-            }
-            dropped = takeOut(*subscription.waiting);
+        if (subscription.waiting && pace != Pace::Debounced) {
+            event.sequence = subscription.waiting->sequence;
+            dropped.emplace(std::exchange(*subscription.waiting, std::move(event)));
+            return;
         }
-        if (subscription.pace != Pace::Debounced && !makeRoom(lock, subscription, dropped))
+        if (subscription.waiting)
+            dropped = takeWaiting(subscription);
+        if (pace != Pace::Debounced && !makeRoom(lock, subscription, dropped))
             return;
         if (m_isClosed || subscription.isEnded())
             return;
-        const bool wasEmpty = m_ready.isEmpty();
-        const auto* firstTimed = m_timed.empty() ? nullptr : m_timed.begin()->second;
-        if (subscription.pace == Pace::All)
-            append(*event);
+        const bool wasEmpty = m_ready.empty();
+        const auto* firstTimed = m_timed.empty() ? nullptr : &m_timed.begin()->second;
+        if (pace == Pace::All)
+            append(std::move(event));
         else
-            pace(event, time);
-        if (m_spare && !subscription.spare)
-            subscription.spare = std::exchange(m_spare, m_spare->next);
-        const ZTQueuedEvent* added = event.release();
-        const bool isNews = added->isTimed ? m_timed.begin()->second != firstTimed : wasEmpty;
-        if (isNews && m_waitingThreads > 0)
-            m_arrived.notify_one();
-        if (isNews)
+            addPaced(std::move(event), time);
+        const auto* nowTimed = m_timed.empty() ? nullptr : &m_timed.begin()->second;
+        if (wasEmpty != m_ready.empty() || firstTimed != nowTimed) {
             wake = m_wake;
+            if (m_waitingThreads > 0)
+                m_arrived.notify_one();
+        }
     }
     if (wake)
         (*wake)();
 }
 
-void ZTQueueCore::pushAt(ZTQueuedEvent::Owner event, Time time)
+void ZTQueueCore::pushAt(ZTQueuedEvent event, Time time)
 {
-    std::shared_ptr<const std::function<void()>> wake;
+    Wake wake;
     {
         const Lock lock(m_mutex);
-        if (m_isClosed)
+        if (m_isClosed || event.subscription()->isEnded())
             return;
-        appendTimed(*event, time);
-        if (m_timed.begin()->second == event.release()) {
+        const auto added = m_timed.emplace(time, std::move(event));
+        if (added == m_timed.begin()) {
             m_arrived.notify_one();
             wake = m_wake;
         }
@@ -208,7 +192,7 @@ std::size_t ZTQueueCore::droppedCount() const
 std::optional<ZTQueueCore::Time> ZTQueueCore::nextTime() const
 {
     const Lock lock(m_mutex);
-    if (!m_ready.isEmpty() || m_takenCount.load(std::memory_order_relaxed) > 0)
+    if (m_readyCount > 0 || m_takenCount.load(std::memory_order_relaxed) > 0)
         return Time::min();
     if (!m_timed.empty())
         return m_timed.begin()->first;
@@ -219,11 +203,12 @@ std::optional<ZTQueueCore::Time> ZTQueueCore::nextTime() const
 void ZTQueueCore::makeReady(Time time)
 {
     while (!m_timed.empty() && m_timed.begin()->first <= time) {
-        ZTQueuedEvent& event = *m_timed.begin()->second;
-        m_timed.erase(m_timed.begin());
-        event.isTimed = false;
-        event.subscription.nextTime = time + event.subscription.interval;
-        append(event);
+        const auto due = m_timed.begin();
+        ZTQueuedSubscription& subscription = *due->second.subscription();
+        subscription.nextTime = time + subscription.interval;
+        subscription.waitingTime.reset();
+        keepWaiting(subscription, append(std::move(due->second)));
+        m_timed.erase(due);
     }
 }
 
@@ -245,8 +230,6 @@ std::uint64_t ZTQueueCore::begin()
 {
     Lock lock(m_mutex);
     m_thread = std::this_thread::get_id();
-    if (!m_spare)
-        m_spare = std::exchange(m_delivered, nullptr);
     if (!m_timed.empty()) {
         lock.unlock();
         const Time time = now();
@@ -257,48 +240,41 @@ std::uint64_t ZTQueueCore::begin()
     return m_lastSequence;
 }
 
-/// Takes all that has come out of the hands of the threads that raise, unless they have something
+/// Takes all that is ready out of the hands of the threads that raise, unless they have something
 /// to do with it still: a bound counts what waits, and the value of a subscription that is thinned
 /// out may change up to its turn.
 void ZTQueueCore::takeMore()
 {
-    if (m_capacity > 0 || m_pacedCount > 0)
+    if (m_capacity > 0 || m_pacedCount > 0 || !m_taken.empty())
         return;
-    m_taken.take(m_ready);
-    countTaken(static_cast<std::ptrdiff_t>(std::exchange(m_readyCount, 0)));
+    m_taken.swap(m_ready);
+    m_readyCount = 0;
     m_takenUpTo = m_lastSequence;
+    setTakenCount();
 }
 
-ZTQueuedEvent::Owner ZTQueueCore::takeFirst(std::uint64_t last)
+ZTQueueCore::Event ZTQueueCore::takeFirst(std::uint64_t last)
 {
-    if (m_taken.isEmpty()) {
-        if (m_takenUpTo >= last)
-            return nullptr;
+    if (m_taken.empty() && m_takenUpTo < last) {
         const Lock lock(m_mutex);
-        ZTQueuedEvent* first = m_ready.first();
-        return first && first->sequence <= last ? takeOut(*first) : nullptr;
+        takeMore();
+        if (m_taken.empty())
+            return !m_ready.empty() && m_ready.front().sequence <= last ? takeReady() : Event();
     }
-    ZTQueuedEvent* first = m_taken.first();
-    if (first->sequence > last)
-        return nullptr;
-    first->unlink();
-    countTaken(-1);
-    return ZTQueuedEvent::Owner(first);
+    Event taken;
+    while (!taken && !m_taken.empty() && m_taken.front().sequence <= last) {
+        if (m_taken.front().subscription()) // no gap
+            taken.emplace(std::move(m_taken.front()));
+        m_taken.pop_front();
+    }
+    setTakenCount();
+    return taken;
 }
-
-namespace
-{
-void endNow(ZTQueuedSubscription& subscription)
-{
-    ZTLetGo ended;
-    (void)ZTQueuedSubscription::end(subscription, ended);
-}
-} // namespace
 
 /// @return whether the handler was called
 bool ZTQueueCore::run(ZTQueuedEvent& event)
 {
-    ZTQueuedSubscription& subscription = event.subscription;
+    ZTQueuedSubscription& subscription = *event.subscription();
     if (subscription.isEnded())
         return false;
     if (!subscription.isBound()) {
@@ -318,27 +294,15 @@ bool ZTQueueCore::run(ZTQueuedEvent& event)
 void ZTQueueCore::finish()
 {
     ZTLetGo ended;
-    std::shared_ptr<const std::function<void()>> wake;
+    Wake wake;
     {
         const Lock lock(m_mutex);
         ended.take(m_ended);
-        if (!m_ready.isEmpty() || !m_taken.isEmpty())
+        if (m_readyCount > 0 || !m_taken.empty())
             wake = m_wake;
     }
     if (wake)
         (*wake)();
-}
-
-/// For the threads that raise, when they have used up what they have.
-void ZTQueueCore::keepMemory(ZTEventBlock* block)
-{
-    constexpr std::size_t most = 1000;
-    if (!m_delivered)
-        m_deliveredCount = 0;
-    if (!block || m_deliveredCount == most)
-        return ZTEventBlock::giveBack(block);
-    block->next = std::exchange(m_delivered, block);
-    ++m_deliveredCount;
 }
 
 std::size_t ZTQueueCore::deliver(std::size_t most)
@@ -348,12 +312,11 @@ std::size_t ZTQueueCore::deliver(std::size_t most)
     const std::uint64_t last = begin();
     std::size_t count = 0;
     while (count < most) {
-        ZTQueuedEvent::Owner event = takeFirst(last);
+        Event event = takeFirst(last);
         if (!event)
             break;
         if (run(*event))
             ++count;
-        keepMemory(ZTQueuedEvent::destroy(event.release()));
     }
     return count;
 }
@@ -367,7 +330,7 @@ bool ZTQueueCore::wait(std::chrono::nanoseconds timeout)
         const Time time = now();
         Lock lock(m_mutex);
         makeReady(time);
-        if (!m_ready.isEmpty() || !m_taken.isEmpty())
+        if (m_readyCount > 0 || !m_taken.empty())
             return true;
         auto left = end - ZTEventQueue::Clock::now();
         if (left <= std::chrono::nanoseconds(0))
@@ -382,29 +345,20 @@ bool ZTQueueCore::wait(std::chrono::nanoseconds timeout)
 
 void ZTQueueCore::close()
 {
-    std::shared_ptr<const std::function<void()>> wake; // behind the lock
+    // All of it goes behind the lock.
+    Wake wake;
     ZTLetGo ended;
-    {
-        const Lock lock(m_mutex);
-        m_isClosed = true;
-        wake = std::move(m_wake);
-        ended.take(m_ended);
-        m_room.notify_all();
-    }
-    // Nothing comes any more.
-    while (ZTQueuedEvent* first = m_taken.first()) {
-        first->unlink();
-        countTaken(-1);
-        const ZTQueuedEvent::Owner left(first);
-    }
-    while (true) {
-        ZTQueuedEvent::Owner left;
-        const Lock lock(m_mutex);
-        ZTQueuedEvent* first = m_ready.first();
-        if (!first && !m_timed.empty())
-            first = m_timed.begin()->second;
-        if (!first)
-            return;
-        left = takeOut(*first);
-    }
+    const auto taken = std::move(m_taken);
+    std::deque<ZTQueuedEvent> ready;
+    std::multimap<Time, ZTQueuedEvent> timed;
+    const Lock lock(m_mutex);
+    m_isClosed = true;
+    wake = std::move(m_wake);
+    ended.take(m_ended);
+    ready.swap(m_ready);
+    timed.swap(m_timed);
+    m_readyCount = m_pacedCount = 0;
+    m_taken.clear();
+    setTakenCount();
+    m_room.notify_all();
 }

@@ -9,6 +9,9 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -21,7 +24,6 @@ public:
     using Time = ZTEventQueue::Clock::time_point;
 
     explicit ZTQueueCore(ZTEventQueue::Options options);
-    ~ZTQueueCore();
     ZTQueueCore(const ZTQueueCore&) = delete;
     ZTQueueCore& operator=(const ZTQueueCore&) = delete;
 
@@ -31,8 +33,8 @@ public:
     }
 
     // On any thread.
-    void push(ZTQueuedEvent::Owner event);
-    void pushAt(ZTQueuedEvent::Owner event, Time time);
+    void push(ZTQueuedEvent event);
+    void pushAt(ZTQueuedEvent event, Time time);
     [[nodiscard]] Time now() const;
     /// Sees to the end of a handler: leaves it in `ended` on the thread that delivers.
     void letGo(zt::detail::KeptHandler* handler, ZTLetGo& ended);
@@ -51,34 +53,31 @@ public:
 
 private:
     using Lock = std::unique_lock<std::mutex>;
+    using Event = std::optional<ZTQueuedEvent>;
+    using Wake = std::shared_ptr<const std::function<void()>>;
     class Delivering;
 
     // Under the lock.
-    void append(ZTQueuedEvent& event);
-    void appendTimed(ZTQueuedEvent& event, Time time);
-    [[nodiscard]] ZTQueuedEvent::Owner takeOut(ZTQueuedEvent& event);
-    [[nodiscard]] ZTQueuedEvent::Owner replaceWaiting(ZTQueuedEvent::Owner& event);
-    bool makeRoom(Lock& lock, const ZTQueuedSubscription& subscription,
-                  ZTQueuedEvent::Owner& dropped);
+    ZTQueuedEvent& append(ZTQueuedEvent&& event);
+    void addPaced(ZTQueuedEvent&& event, Time time);
+    void keepWaiting(ZTQueuedSubscription& subscription, ZTQueuedEvent& event);
+    [[nodiscard]] Event takeWaiting(ZTQueuedSubscription& subscription);
+    [[nodiscard]] Event takeReady();
+    bool makeRoom(Lock& lock, const ZTQueuedSubscription& subscription, Event& dropped);
     void makeReady(Time now);
-    void pace(ZTQueuedEvent::Owner& event, Time now);
-
+    void dropGaps();
     [[nodiscard]] bool isFull() const
     {
         return m_capacity > 0 && m_readyCount >= m_capacity && !m_isClosed;
     }
-    void takeMore();
+
     std::uint64_t begin();
-    [[nodiscard]] ZTQueuedEvent::Owner takeFirst(std::uint64_t last);
-    /// Only the thread that delivers changes the count.
-    void countTaken(std::ptrdiff_t change)
-    {
-        const std::size_t count = m_takenCount.load(std::memory_order_relaxed);
-        m_takenCount.store(count + static_cast<std::size_t>(change), std::memory_order_relaxed);
-    }
+    [[nodiscard]] Event takeFirst(std::uint64_t last);
+    void takeMore();
     static bool run(ZTQueuedEvent& event);
-    void keepMemory(ZTEventBlock* block);
     void finish();
+    /// Only the thread that delivers changes the count.
+    void setTakenCount() { m_takenCount.store(m_taken.size(), std::memory_order_relaxed); }
 
     const std::size_t m_capacity;
     const ZTOverflow m_overflow;
@@ -88,12 +87,12 @@ private:
     std::condition_variable m_arrived;
     std::condition_variable m_room;
     /// Shared with whoever calls it just now.
-    std::shared_ptr<const std::function<void()>> m_wake;
-    zt::detail::Ring<ZTQueuedEvent, ZTReadyRing> m_ready;
-    ZTQueuedEvent::Timed m_timed;
-    ZTEventBlock* m_spare = nullptr; ///< memory of events that have been delivered
-    std::size_t m_readyCount = 0;
-    std::size_t m_pacedCount = 0; ///< of those that are ready, how many are thinned out
+    Wake m_wake;
+    /// In the order of delivery. The first one is no gap.
+    std::deque<ZTQueuedEvent> m_ready;
+    std::multimap<Time, ZTQueuedEvent> m_timed;
+    std::size_t m_readyCount = 0; ///< without gaps
+    std::size_t m_pacedCount = 0; ///< of these, how many are thinned out
     std::size_t m_droppedCount = 0;
     std::uint64_t m_lastSequence = 0;
     unsigned int m_waitingThreads = 0;
@@ -103,10 +102,9 @@ private:
     ZTLetGo m_ended;
 
     // For the thread that delivers, the count apart.
-    zt::detail::Ring<ZTQueuedEvent, ZTReadyRing> m_taken;
+    /// What is next to be delivered, out of the hands of the threads that raise.
+    std::deque<ZTQueuedEvent> m_taken;
     std::atomic<std::size_t> m_takenCount = 0;
-    ZTEventBlock* m_delivered = nullptr; ///< memory of events that were taken
-    std::size_t m_deliveredCount = 0;
-    /// What was raised up to then is taken.
+    /// What was raised up to then has been taken.
     std::uint64_t m_takenUpTo = 0;
 };

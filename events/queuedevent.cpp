@@ -4,16 +4,15 @@
 #include "delivery.h"
 #include "eventvalues.h"
 
-#include <zintar/detail/blocks.h>
 #include <zintar/detail/lent.h>
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 #include <utility>
 
 using zt::detail::Handler;
-using zt::detail::HandlerView;
+
+static_assert(sizeof(ZTQueuedEvent) == 64);
 
 namespace
 {
@@ -22,52 +21,70 @@ unsigned int descriptorsEndedNow()
     return zt::detail::descriptorsEnded.load(std::memory_order_relaxed) & ~zt::detail::areMonitored;
 }
 
-std::size_t sizeFor(unsigned int room)
-{
-    return sizeof(ZTQueuedEvent) + room * ZTQueuedEvent::valueSize;
-}
+/// An invokable may look at more values than it has parameters for.
+bool takesAll(const Handler& handler) { return isInvokable(handler) || handler.kind->takesArray; }
 } // namespace
 
-void ZTEventBlock::giveBack(ZTEventBlock* block) noexcept
+ZTQueuedEvent::ZTQueuedEvent(ZTQueuedSubscription& subscription) noexcept
+    : m_subscription(&subscription), m_array(nullptr)
 {
-    if (block)
-        zt::detail::giveBlockBack(block, sizeFor(room));
+    subscription.addEvent();
 }
 
-ZTQueuedEvent::Owner ZTQueuedEvent::makeWithRoom(ZTQueuedSubscription& subscription,
-                                                 unsigned int room)
+ZTQueuedEvent::ZTQueuedEvent(ZTQueuedSubscription& subscription, const ZTMetaInvokable& event,
+                             ZTEventValues& values)
+    : ZTQueuedEvent(subscription)
 {
-    static_assert(alignof(Value) <= alignof(ZTQueuedEvent) && sizeof(Value) == valueSize);
-    room = std::max(room, ZTEventBlock::room);
-    void* block = room == ZTEventBlock::room ? std::exchange(subscription.spare, nullptr) : nullptr;
-    if (!block)
-        block = zt::detail::takeBlock(sizeFor(room));
-    Owner made(new (block) ZTQueuedEvent(subscription));
-    made->m_room = static_cast<unsigned char>(room);
-    return made;
+    m_event = &event;
+    m_descriptorsEnded = descriptorsEndedNow();
+    addValues(event, values); // behind the first constructor, so that a failing copy clears up
 }
 
-ZTEventBlock* ZTQueuedEvent::destroy(ZTQueuedEvent* event) noexcept
+ZTQueuedEvent::ZTQueuedEvent(ZTQueuedEvent&& other) noexcept { take(other); }
+
+ZTQueuedEvent& ZTQueuedEvent::operator=(ZTQueuedEvent&& other) noexcept
 {
-    const unsigned int room = event->m_room;
-    event->~ZTQueuedEvent();
-    if (room == ZTEventBlock::room)
-        return new (event) ZTEventBlock;
-    zt::detail::giveBlockBack(event, sizeFor(room));
-    return nullptr;
+    if (this != &other) {
+        clear();
+        take(other);
+    }
+    return *this;
 }
 
-void ZTQueuedEvent::Drop::operator()(ZTQueuedEvent* dropped) const noexcept
+void ZTQueuedEvent::take(ZTQueuedEvent& other) noexcept
 {
-    ZTEventBlock::giveBack(destroy(dropped));
+    sequence = other.sequence;
+    m_subscription = std::exchange(other.m_subscription, nullptr);
+    m_event = other.m_event;
+    m_descriptorsEnded = other.m_descriptorsEnded;
+    m_count = std::exchange(other.m_count, 0);
+    m_room = std::exchange(other.m_room, 0);
+    m_plain = other.m_plain;
+    if (m_room > room) {
+        m_array = other.m_array;
+        return;
+    }
+    for (unsigned int i = 0; i < m_count; ++i) {
+        Value& value = other.m_values[i];
+        if (isPlain(i)) {
+            std::memcpy(&m_values[i].plain, &value.plain, sizeof(value.plain));
+        } else {
+            new (&m_values[i].variant) ZTVariant(std::move(value.variant));
+            value.variant.~ZTVariant();
+        }
+    }
 }
 
-ZTQueuedEvent::~ZTQueuedEvent()
+void ZTQueuedEvent::clear() noexcept
 {
     for (unsigned int i = 0; i < m_count; ++i)
         if (!isPlain(i))
             values()[i].variant.~ZTVariant();
-    subscription.removeEvent();
+    if (m_room > room)
+        delete[] m_array;
+    m_count = m_room = 0;
+    if (ZTQueuedSubscription* last = std::exchange(m_subscription, nullptr))
+        last->removeEvent();
 }
 
 void ZTQueuedEvent::addVariant(const ZTVariant& value)
@@ -104,43 +121,31 @@ void ZTQueuedEvent::addTyped(const ZTMetaType& type, const void* value)
         addVariant(ZTVariant(type, value));
 }
 
-void ZTQueuedEvent::addArray(unsigned int count, const ZTArgumentArray& array)
+void ZTQueuedEvent::addValues(const ZTMetaInvokable& event, ZTEventValues& given)
 {
-    for (unsigned int i = 0; i < count; ++i)
-        addVariant(array[i]);
-}
-
-ZTQueuedEvent::Owner ZTQueuedEvent::make(ZTQueuedSubscription& subscription,
-                                         const ZTMetaInvokable& event, ZTEventValues& values)
-{
-    const Handler& handler = subscription.handler;
-    // An invokable may look at more values than it has parameters for.
-    const bool takesAll = isInvokable(handler) || handler.kind->takesArray;
+    const Handler& handler = m_subscription->handler;
+    const bool isAll = takesAll(handler);
     const unsigned int count =
-        takesAll ? zt::detail::suppliedCount(event) : handler.kind->parameterCount;
-    Owner made = makeWithRoom(subscription, count);
-    made->event = &event;
-    made->index = subscription.eventIndex;
-    made->descriptorsEnded = descriptorsEndedNow();
-    void* const* addresses = values.typedAddresses();
-    if (!addresses)
-        made->addArray(count, values.array());
-    for (unsigned int i = 0; addresses && i < count; ++i)
-        made->addTyped(takesAll ? event.parameterMetaType(i) : handler.kind->types[i](),
-                       addresses[i]);
-    return made;
-}
-
-ZTQueuedEvent::Owner ZTQueuedEvent::makePost(ZTQueuedSubscription& subscription)
-{
-    return makeWithRoom(subscription, 0);
+        isAll ? zt::detail::suppliedCount(event) : handler.kind->parameterCount;
+    if (count > room) {
+        m_array = new Value[count];
+        m_room = static_cast<unsigned char>(count);
+    }
+    void* const* addresses = given.typedAddresses();
+    for (unsigned int i = 0; i < count; ++i) {
+        if (addresses)
+            addTyped(isAll ? event.parameterMetaType(i) : handler.kind->types[i](), addresses[i]);
+        else
+            addVariant(given.array()[i]);
+    }
 }
 
 /// Another descriptor may stand where that of an event of a run-time class was.
 const ZTMetaInvokable* ZTQueuedEvent::livingEvent() const
 {
-    const bool isThere = subscription.isEventForEver || descriptorsEnded == descriptorsEndedNow();
-    return isThere ? event : nullptr;
+    const bool isThere =
+        m_subscription->isEventForEver || m_descriptorsEnded == descriptorsEndedNow();
+    return isThere ? m_event : nullptr;
 }
 
 void* ZTQueuedEvent::addressFor(unsigned int position, zt::detail::TypeGetter typeTaken)
@@ -156,11 +161,11 @@ void* ZTQueuedEvent::addressFor(unsigned int position, zt::detail::TypeGetter ty
 
 void ZTQueuedEvent::call()
 {
-    const Handler handler = subscription.handler;
-    const ZTBasePrivate* receiver = subscription.receiver;
+    const Handler handler = m_subscription->handler;
+    const ZTBasePrivate* receiver = m_subscription->receiver;
     const ZTBase* object = receiver ? receiver->object : nullptr;
-    const ZTDelivery delivery(livingEvent(), index, receiver);
-    if (isInvokable(handler) || handler.kind->takesArray) {
+    const ZTDelivery delivery(livingEvent(), m_subscription->eventIndex, receiver);
+    if (takesAll(handler)) {
         zt::detail::LentArguments array;
         for (unsigned int i = 0; i < m_count; ++i) {
             Value& value = values()[i];

@@ -50,8 +50,6 @@ ZTQueuedSubscription::ZTQueuedSubscription(zt::detail::SubscriptionOptions& opti
       interval(options.nanoseconds)
 {}
 
-ZTQueuedSubscription::~ZTQueuedSubscription() { ZTEventBlock::giveBack(spare); }
-
 ZTSubscription ZTQueuedSubscription::add(ZTBasePrivate& sender, const ZTMetaInvokable& event,
                                          ZTBasePrivate* receiver, zt::detail::OwnedHandler& handler,
                                          zt::detail::SubscriptionOptions& options)
@@ -116,7 +114,7 @@ ZTQueuedSubscription& ZTQueuedSubscription::addPost(std::shared_ptr<ZTQueueCore>
 
 void ZTQueuedSubscription::enqueue(const ZTMetaInvokable& raised, ZTEventValues& values)
 {
-    auto queued = ZTQueuedEvent::make(*this, raised, values);
+    ZTQueuedEvent queued(*this, raised, values);
     if (isOnce) {
         const Lock lock(changing);
         if (!isActive())

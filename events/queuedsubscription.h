@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 // The rules of subscriptions through queues. Sender and receiver may belong to two threads; the
 // queue belongs to the thread that delivers, as the receivers of its handlers do. Any thread may
@@ -34,8 +35,7 @@
 
 struct ZTEventValues;
 class ZTQueueCore;
-struct ZTQueuedEvent;
-struct ZTEventBlock;
+class ZTQueuedEvent;
 
 /// One subscription through a queue, or one callable that was posted.
 struct ZTQueuedSubscription final : ZTSpecialSubscription,
@@ -47,8 +47,6 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
 
     ZTQueuedSubscription(zt::detail::SubscriptionOptions& options,
                          std::shared_ptr<ZTQueueCore> through, ZTBasePrivate* receiverRecord);
-
-    ~ZTQueuedSubscription();
 
     /// Null for one that does not go through a queue.
     static ZTQueuedSubscription* of(ZTSubscriptionPrivate& record)
@@ -103,8 +101,6 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     const std::shared_ptr<ZTQueueCore> queue;
     /// Read on its own thread alone, as long as the subscription has not ended.
     ZTBasePrivate* const receiver;
-    /// Memory for the next event, for the thread of the sender; null where there is none.
-    ZTEventBlock* spare = nullptr;
     /// Those of the sender, as long as it lives.
     ZTQueueEnds* senderEnds = nullptr;
     std::atomic<State> state = Living;
@@ -118,8 +114,9 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     const std::chrono::nanoseconds interval;
 
     // Under the lock of the queue.
-    /// The one that waits, where there is at most one.
+    /// The one that waits, where there is at most one, and its time, where that has not come.
     ZTQueuedEvent* waiting = nullptr;
+    std::optional<Time> waitingTime;
     /// When the next one may be delivered.
     Time nextTime{};
 
