@@ -9,6 +9,7 @@
 #include <zintar/detail/typedevent.h>
 
 #include <zintar/base.h>
+#include <zintar/bind.h>
 #include <zintar/checked.h>
 #include <zintar/classes.h>
 #include <zintar/classrecord.h>

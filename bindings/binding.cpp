@@ -1,0 +1,243 @@
+#include "../checked/sentences.h"
+#include "bindingend.h"
+
+#include <zintar/bind.h>
+#include <zintar/checked.h>
+#include <zintar/log.h>
+#include <zintar/shortname.h>
+
+#include <memory>
+#include <string>
+
+// A binding is owned by the handlers of its subscriptions, so it ends with them. Code of the host
+// runs at each read, conversion and set, and may end the binding and both objects: whoever goes on
+// behind it keeps the record, and asks the ends for their objects again.
+
+using zt::detail::BindingFunction;
+
+struct ZTBindingPrivate : std::enable_shared_from_this<ZTBindingPrivate> {
+    ZTBindingPrivate(ZTBindingEnd from, ZTBindingEnd to, zt::detail::BindingOptions given)
+        : source(std::move(from)), target(std::move(to)), options(std::move(given))
+    {}
+
+    [[nodiscard]] bool isBinding() const { return !hasEnded && source.root() && target.root(); }
+    [[nodiscard]] std::string refusal() const;
+    void watchSource();
+    void watchTarget();
+    void moveSource();
+    void moveTarget();
+    void end();
+    void update() { transfer(source, target, options.there); }
+    void updateBack() { transfer(target, source, options.back); }
+
+    ZTBindingEnd source;
+    ZTBindingEnd target;
+    const zt::detail::BindingOptions options;
+    bool hasEnded = false;
+
+private:
+    [[nodiscard]] std::function<void()> reaction(void (ZTBindingPrivate::*member)());
+    void transfer(const ZTBindingEnd& from, const ZTBindingEnd& to,
+                  const BindingFunction& function);
+    void set(const ZTBindingEnd& to, const ZTVariant& value) const;
+    [[nodiscard]] std::string text() const;
+
+    /// How many updates set off by this one are under way.
+    int m_depth = 0;
+};
+
+namespace
+{
+/// A circle of bindings that has not come to rest by then never will.
+constexpr int mostNested = 16;
+
+/// Whether values of the one type may become values of the other. The invalid type stands for what
+/// is not known.
+bool areJoined(const ZTMetaType& from, const ZTMetaType& to)
+{
+    const ZTMetaType& any = ::ztMetaType<ZTVariant>();
+    if (!from || !to || &from == &to || &from == &any || &to == &any || from.canConvert(to))
+        return true;
+    const ZTMetaClass* a = from.metaClass();
+    const ZTMetaClass* b = to.metaClass();
+    return a && b && (a->isDerivedFrom(b) || b->isDerivedFrom(a));
+}
+
+std::string refusalOfTypes(const ZTMetaType& from, const BindingFunction& function,
+                           const ZTMetaType& to)
+{
+    const ZTMetaType& taken = function.function ? *function.taken : to;
+    if (!areJoined(from, taken))
+        return "no converter makes a " + ztShortName(taken) + " of a " + ztShortName(from);
+    if (function.function && !areJoined(*function.given, to))
+        return "no converter makes a " + ztShortName(to) + " of a " + ztShortName(*function.given);
+    return {};
+}
+} // namespace
+
+std::string ZTBindingPrivate::refusal() const
+{
+    const ZTMetaType* from = nullptr;
+    const ZTMetaType* to = nullptr;
+    std::string why = source.refusal(true, options.isBothWays, from);
+    if (why.empty())
+        why = target.refusal(options.isBothWays, true, to);
+    if (why.empty() && options.isBothWays &&
+        bool(options.there.function) != bool(options.back.function))
+        why = "a transformation both ways needs one back";
+    if (why.empty())
+        why = refusalOfTypes(*from, options.there, *to);
+    if (why.empty() && options.isBothWays)
+        why = refusalOfTypes(*to, options.back, *from);
+    return why;
+}
+
+std::string ZTBindingPrivate::text() const
+{
+    const auto name = [](const ZTBindingEnd& end) {
+        const ZTBase* holder = end.holder();
+        return holder ? zt::detail::memberName(*holder->metaClass(), end.name()) : end.name();
+    };
+    return "The binding of " + name(target) + " to " + name(source);
+}
+
+/// What happens then, if the binding is still there.
+std::function<void()> ZTBindingPrivate::reaction(void (ZTBindingPrivate::*member)())
+{
+    return [self = shared_from_this(), member] {
+        if (self->isBinding())
+            ((*self).*member)();
+        else
+            self->end();
+    };
+}
+
+void ZTBindingPrivate::watchSource()
+{
+    source.watch(target.root(),
+                 {reaction(&ZTBindingPrivate::moveSource), reaction(&ZTBindingPrivate::update)});
+}
+
+void ZTBindingPrivate::watchTarget()
+{
+    target.watch(source.root(),
+                 {reaction(&ZTBindingPrivate::moveTarget),
+                  options.isBothWays ? reaction(&ZTBindingPrivate::updateBack) : nullptr});
+}
+
+void ZTBindingPrivate::moveSource()
+{
+    watchSource();
+    update();
+}
+
+/// Another object takes the value that there is.
+void ZTBindingPrivate::moveTarget()
+{
+    watchTarget();
+    update();
+}
+
+void ZTBindingPrivate::end()
+{
+    const auto kept = shared_from_this();
+    hasEnded = true;
+    source.unwatch();
+    target.unwatch();
+}
+
+void ZTBindingPrivate::transfer(const ZTBindingEnd& from, const ZTBindingEnd& to,
+                                const BindingFunction& function)
+{
+    if (!from.holder() || !to.holder())
+        return;
+    if (m_depth == mostNested) {
+        ztLog("Zintar Warning: " + text() + " does not come to rest, and is stopped.",
+              ZTLogType::Warning);
+        return;
+    }
+    const auto kept = shared_from_this();
+    struct Nested {
+        explicit Nested(int& count) : depth(++count) {}
+        ~Nested() { --depth; }
+        int& depth;
+    } nested(m_depth);
+    ZTOutcome<ZTVariant> value = ztTryGet(from.holder(), from.name());
+    if (value && function.function) {
+        value = ztTryConvert(*value, *function.taken);
+        if (value)
+            value = function.function(*value);
+    }
+    if (!value)
+        ztLog("Zintar Warning: " + text() + ": " + value.error(), ZTLogType::Warning);
+    else if (isBinding())
+        set(to, *value);
+}
+
+void ZTBindingPrivate::set(const ZTBindingEnd& to, const ZTVariant& value) const
+{
+    if (!to.holder())
+        return;
+    if (const ZTOutcome<ZTVariant> present = ztTryGet(to.holder(), to.name())) {
+        if (&present->type() == &value.type() && *present == value)
+            return;
+        const ZTOutcome<ZTVariant> fitting = ztTryConvert(value, present->type());
+        if (fitting && *fitting == *present)
+            return;
+    }
+    if (!isBinding() || !to.holder())
+        return;
+    if (const ZTOutcome<> done = ztTrySet(to.holder(), to.name(), value); !done)
+        ztLog("Zintar Warning: " + text() + ": " + done.error(), ZTLogType::Warning);
+}
+
+ZTBinding::operator bool() const noexcept
+{
+    const auto record = m_record.lock();
+    return record && record->isBinding();
+}
+
+void ZTBinding::end()
+{
+    if (const auto record = m_record.lock())
+        record->end();
+}
+
+ZTOutcome<ZTBinding> zt::detail::bind(ZTBase* source, std::string_view sourcePath, ZTBase* target,
+                                      std::string_view targetPath, BindingOptions options)
+{
+    const auto record = std::make_shared<ZTBindingPrivate>(
+        ZTBindingEnd(source, sourcePath), ZTBindingEnd(target, targetPath), std::move(options));
+    std::string why = record->refusal();
+    if (!why.empty())
+        return ZTOutcome<ZTBinding>::failure(std::move(why));
+    record->watchSource();
+    record->watchTarget();
+    record->update();
+    return ZTBinding(record);
+}
+
+std::vector<ZTSubscription> zt::detail::subscribeToChanges(const ZTBase* object,
+                                                           const ZTBase* receiver,
+                                                           ChangeFunction function)
+{
+    std::vector<ZTSubscription> made;
+    if (!object || !receiver || !function)
+        return made;
+    const auto shared = std::make_shared<ChangeFunction>(std::move(function));
+    const ZTMetaClass& metaClass = *object->metaClass();
+    made.reserve(metaClass.propertyCount() + 1);
+    for (unsigned int i = 0; i < metaClass.propertyCount(); ++i) {
+        const ZTMetaProperty* property = metaClass.property(i);
+        if (const ZTMetaInvokable* event = property->changeEvent())
+            made.push_back(ZTBase::subscribe(object, event, receiver,
+                                             [shared, property](const ZTArgumentArray&) {
+                                                 const ZTBase* sender = ZTBase::delivery().sender;
+                                                 (*shared)(property->name(), property->get(sender));
+                                             }));
+    }
+    made.push_back(ZTBase::subscribe(
+        object, &ZTBase::dynamicPropertyChanged, receiver,
+        [shared](const std::string& name, const ZTVariant& value) { (*shared)(name, value); }));
+    return made;
+}
