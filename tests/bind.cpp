@@ -96,7 +96,7 @@ TEST_F(Bind, FollowsTheSource)
 
 TEST_F(Bind, IsRefusedWithAReason)
 {
-    EXPECT_EQ(refusal("levl", "level").substr(0, 52),
+    EXPECT_EQ(refusal("levl", "level").substr(0, 51),
               "Part has no property \"levl\" (did you mean \"level\"?)");
     EXPECT_EQ(refusal("quiet", "level"), "Part.quiet has no change event");
     EXPECT_EQ(refusal("level", "serial"), "Part.serial can only be read");
