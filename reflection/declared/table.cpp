@@ -394,7 +394,8 @@ void convertByEnumeration(const ZTMetaType& type, const EnumerationType& listed)
 }
 } // namespace
 
-/// Never destroyed, like the type that knows it.
+/// Never destroyed, also when a class has listed the enumeration meanwhile: somebody may have asked
+/// before.
 struct ClassTable::LoneEnumeration : ZTStaticMetaEnum {
     LoneEnumeration(const MemberRecord& member, const InfoText* texts)
         : ZTStaticMetaEnum(&m_record), m_record(enumerationIn(member))
@@ -402,8 +403,17 @@ struct ClassTable::LoneEnumeration : ZTStaticMetaEnum {
         if (member.enumeration.textCount > 0)
             m_rare.describe(m_record, texts, member.enumeration.textCount);
     }
+    /// Keeps it within reach.
+    void keep()
+    {
+        static constinit std::atomic<const LoneEnumeration*> kept = nullptr;
+        m_next = kept.load(std::memory_order_relaxed);
+        while (!kept.compare_exchange_weak(m_next, this, std::memory_order_release))
+            continue;
+    }
 
 private:
+    const LoneEnumeration* m_next = nullptr;
     ZTStaticMetaEnumData m_record;
     RareRecords m_rare;
 };
@@ -439,10 +449,10 @@ bool ClassTable::publishEnumeration(const MemberRecord& record, const InfoText* 
     // Each file that includes the declaration comes here.
     if (known.load(std::memory_order_acquire))
         return true;
-    auto lone = std::make_unique<const LoneEnumeration>(record, texts);
+    auto lone = std::make_unique<LoneEnumeration>(record, texts);
     const ZTMetaEnum* none = nullptr;
     if (known.compare_exchange_strong(none, lone.get(), std::memory_order_acq_rel)) {
-        (void)lone.release();
+        lone.release()->keep();
         convertByEnumeration(type, listed);
     }
     return true;
