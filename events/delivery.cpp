@@ -2,7 +2,7 @@
 
 #include "eventvalues.h"
 #include "monitoring.h"
-#include "queuedsubscription.h"
+#include "queuedevent.h"
 
 #include <zintar/detail/lent.h>
 #include <zintar/metaclass.h>
@@ -28,7 +28,8 @@ inline ZTDelivery::ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot,
     activeEvents.enter(*this);
 }
 
-ZTDelivery::ZTDelivery(const ZTMetaInvokable* event, int index, const ZTBasePrivate* receiver)
+inline ZTDelivery::ZTDelivery(const ZTMetaInvokable* event, int index,
+                              const ZTBasePrivate* receiver)
     : m_sender(nullptr),
       m_slot(nullptr),
       m_event(event),
@@ -261,6 +262,13 @@ void ZTDelivery::runArray(ZTBasePrivate& sender, ZTEventSlot& slot,
                           const ZTArgumentArray& arguments)
 {
     run(sender, slot, arguments);
+}
+
+void ZTDelivery::runQueued(ZTQueuedEvent& queued, const ZTMetaInvokable* event, int index,
+                           const ZTBasePrivate* receiver)
+{
+    const ZTDelivery delivery(event, index, receiver);
+    queued.callHandler();
 }
 
 const ZTMetaInvokable* ZTBase::activeEvent() const

@@ -6,6 +6,7 @@
 #include <cstddef>
 
 struct ZTEventValues;
+class ZTQueuedEvent;
 
 /// A walk over a slot, among the active events of its thread.
 class ZTDelivery
@@ -17,6 +18,11 @@ public:
                          void** addresses);
     static void runArray(ZTBasePrivate& sender, ZTEventSlot& slot,
                          const ZTArgumentArray& arguments);
+    /// Calls the handler of one event that has come out of a queue.
+    /// @param event     null where there is none any more
+    /// @param receiver  may be null
+    static void runQueued(ZTQueuedEvent& queued, const ZTMetaInvokable* event, int index,
+                          const ZTBasePrivate* receiver);
     /// The innermost delivery that calls a handler for the object; null if there is none.
     static const ZTDelivery* activeEvent(const ZTBasePrivate* receiver);
     /// The innermost delivery of this thread; null if there is none.
@@ -27,11 +33,6 @@ public:
     template <class Action>
     static void forEachOf(const ZTEventSlot& slot, const Action& action);
 
-    /// Among the active events of its thread as long as it lives; a queue has its own walk.
-    /// @param event     null where there is none any more
-    /// @param receiver  may be null
-    ZTDelivery(const ZTMetaInvokable* event, int index, const ZTBasePrivate* receiver);
-    ~ZTDelivery();
     ZTDelivery(const ZTDelivery&) = delete;
     ZTDelivery& operator=(const ZTDelivery&) = delete;
 
@@ -49,6 +50,8 @@ private:
 
     ZTDelivery(ZTBasePrivate& sender, ZTEventSlot& slot, const ZTMetaInvokable& event,
                void* const* typed);
+    ZTDelivery(const ZTMetaInvokable* event, int index, const ZTBasePrivate* receiver);
+    ~ZTDelivery();
 
     template <class... Values>
     static void run(ZTBasePrivate& sender, ZTEventSlot& slot, const Values&... given);

@@ -161,10 +161,15 @@ void* ZTQueuedEvent::addressFor(unsigned int position, zt::detail::TypeGetter ty
 
 void ZTQueuedEvent::call()
 {
+    ZTDelivery::runQueued(*this, livingEvent(), m_subscription->eventIndex,
+                          m_subscription->receiver);
+}
+
+void ZTQueuedEvent::callHandler()
+{
     const Handler handler = m_subscription->handler;
     const ZTBasePrivate* receiver = m_subscription->receiver;
     const ZTBase* object = receiver ? receiver->object : nullptr;
-    const ZTDelivery delivery(livingEvent(), m_subscription->eventIndex, receiver);
     if (takesAll(handler)) {
         zt::detail::LentArguments array;
         for (unsigned int i = 0; i < m_count; ++i) {

@@ -24,8 +24,9 @@ public:
     ZTQueuedEvent& operator=(ZTQueuedEvent&& other) noexcept;
     ~ZTQueuedEvent() { clear(); }
 
-    /// Calls the handler.
+    /// Calls the handler, as an active event of the thread.
     void call();
+    void callHandler();
     /// Null once the event was moved from or replaced, which leaves a gap in its place.
     [[nodiscard]] ZTQueuedSubscription* subscription() const { return m_subscription; }
 

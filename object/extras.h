@@ -38,7 +38,7 @@ public:
     };
 
     ZTExtras() = default;
-    ZTExtras(ZTExtras && other) noexcept : m_word(other.m_word.exchange(0)) {}
+    ZTExtras(ZTExtras&& other) noexcept : m_word(other.m_word.exchange(0)) {}
     ZTExtras& operator=(ZTExtras&&) = delete;
     ~ZTExtras() { delete parts(); }
 
