@@ -96,7 +96,7 @@ TEST_F(Listener, OfAnObjectTellsTheEventOfEachRecord)
     EXPECT_EQ(all->eventAt(0U), type.invokable(4U));
     EXPECT_EQ(all->argument<int>(2, 1), 1);
     EXPECT_EQ(all->eventAt(3), nullptr);
-    EXPECT_EQ(all->eventAt(-1), nullptr);
+    EXPECT_EQ(all->eventAt(~0U), nullptr);
     all->remove(1);
     EXPECT_EQ(names(), "said1 told2 ");
     all->clear();
