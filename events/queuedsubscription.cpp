@@ -104,7 +104,7 @@ ZTQueuedSubscription& ZTQueuedSubscription::addPost(std::shared_ptr<ZTQueueCore>
                                                                  std::move(queue), receiver);
     made->handler = handler.release();
     made->self = made;
-    made->state = Drained;
+    made->setState(Drained);
     const Lock lock(changing);
     if (received)
         received->received.add(*made);
@@ -128,7 +128,7 @@ void ZTQueuedSubscription::enqueue(const ZTMetaInvokable& raised, ZTEventValues&
 void ZTQueuedSubscription::drainLocked(ZTQueuedSubscription& subscription)
 {
     subscription.active.store(false, std::memory_order_release);
-    subscription.state.store(Drained, std::memory_order_seq_cst);
+    subscription.setState(Drained);
     subscription.SentLink::unlink();
     if (subscription.place == Place::InSlot) {
         subscription.place = Place::Leaving;
@@ -140,7 +140,7 @@ void ZTQueuedSubscription::drainLocked(ZTQueuedSubscription& subscription)
 void ZTQueuedSubscription::endLocked(ZTQueuedSubscription& subscription, ZTLetGo& ended)
 {
     subscription.active.store(false, std::memory_order_release);
-    subscription.state.store(Ended, std::memory_order_seq_cst);
+    subscription.setState(Ended);
     subscription.SentLink::unlink();
     subscription.ReceivedLink::unlink();
     subscription.QueueLink::unlink();
@@ -161,10 +161,17 @@ void ZTQueuedSubscription::letGoOfSelf() noexcept
         const auto last = std::move(self); // it may be gone behind this
 }
 
-void ZTQueuedSubscription::settle() noexcept
+void ZTQueuedSubscription::setState(State newState) noexcept
+{
+    state.store(newState, std::memory_order_release);
+    m_events.fetch_or(isLeaving, std::memory_order_acq_rel);
+}
+
+void ZTQueuedSubscription::removeLeaving() noexcept
 {
     ZTLetGo ended;
     const Lock lock(changing);
+    m_events.fetch_sub(oneEvent, std::memory_order_acq_rel);
     if (state.load(std::memory_order_relaxed) == Drained && !hasEvents())
         endLocked(*this, ended);
     else

@@ -69,13 +69,16 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     /// Pushes the values of an event. The subscription may be gone behind this.
     void enqueue(const ZTMetaInvokable& raised, ZTEventValues& values);
     // An event of the subscription keeps it.
-    void addEvent() noexcept { eventCount.fetch_add(1, std::memory_order_relaxed); }
+    void addEvent() noexcept { m_events.fetch_add(oneEvent, std::memory_order_relaxed); }
+    /// The subscription may be gone behind this.
     void removeEvent() noexcept
     {
-        // Before the state is read: whoever changes that reads this behind it.
-        if (eventCount.fetch_sub(1, std::memory_order_seq_cst) == 1 &&
-            state.load(std::memory_order_seq_cst) != Living)
-            settle();
+        std::size_t events = m_events.load(std::memory_order_acquire);
+        while (!(events & isLeaving))
+            if (m_events.compare_exchange_weak(events, events - oneEvent,
+                                               std::memory_order_acq_rel))
+                return;
+        removeLeaving();
     }
 
     // Ending. What may be destroyed on this thread is left in `ended`.
@@ -92,7 +95,11 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     void addBlocker() { m_blockers.fetch_add(1, std::memory_order_relaxed); }
     void removeBlocker() { m_blockers.fetch_sub(1, std::memory_order_relaxed); }
     [[nodiscard]] bool isBlocked() const { return m_blockers.load(std::memory_order_relaxed) > 0; }
-    [[nodiscard]] bool hasEvents() const { return eventCount.load(std::memory_order_seq_cst) > 0; }
+    /// Whether any waits or is being delivered.
+    [[nodiscard]] bool hasEvents() const
+    {
+        return m_events.load(std::memory_order_acquire) >= oneEvent;
+    }
 
     enum State : unsigned char { Living, Drained, Ended };
     /// Where the sender has it.
@@ -109,8 +116,6 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     /// Whether the descriptor of the event is one that never ends.
     bool isEventForEver = false;
 
-    /// How many events there are that wait or are being delivered.
-    std::atomic<std::size_t> eventCount = 0;
     const std::chrono::nanoseconds interval;
 
     // Under the lock of the queue.
@@ -121,8 +126,9 @@ struct ZTQueuedSubscription final : ZTSpecialSubscription,
     Time nextTime{};
 
 private:
-    /// Ends a drained one, and lets go of one that has ended, now that there are no events.
-    void settle() noexcept;
+    /// Ends a drained one, and lets go of one that has ended, with its last event.
+    void removeLeaving() noexcept;
+    void setState(State newState) noexcept;
     void letGoOfSelf() noexcept;
     static void endLocked(ZTQueuedSubscription& subscription, ZTLetGo& ended);
     static void drainLocked(ZTQueuedSubscription& subscription);
@@ -130,4 +136,10 @@ private:
     bool tryToEnterSlot();
 
     std::atomic<unsigned int> m_blockers = 0;
+    /// How many events there are, times `oneEvent`. The last bit is set, under the lock, once the
+    /// subscription is not living any more: from then on the count falls under the lock alone, so
+    /// that who takes the last event out does not meet who lets go of the subscription.
+    std::atomic<std::size_t> m_events = 0;
+    static constexpr std::size_t isLeaving = 1;
+    static constexpr std::size_t oneEvent = 2;
 };

@@ -54,7 +54,7 @@ protected:
     }
 
     Time time{1h};
-    int wakes = 0;
+    std::atomic<int> wakes = 0;
     std::unique_ptr<ZTEventQueue> queue = std::make_unique<ZTEventQueue>();
     std::unique_ptr<Hearer> a = std::make_unique<Hearer>("a", diary);
     Hearer b{"b", diary};
