@@ -164,7 +164,8 @@ void ZTBindingPrivate::transfer(const ZTBindingEnd& from, const ZTBindingEnd& to
     } nested(m_depth);
     ZTOutcome<ZTVariant> value = ztTryGet(from.holder(), from.name());
     if (value && function.function) {
-        value = ztTryConvert(*value, *function.taken);
+        if (function.taken != &::ztMetaType<ZTVariant>())
+            value = ztTryConvert(*value, *function.taken);
         if (value)
             value = function.function(*value);
     }

@@ -39,12 +39,6 @@ ZTQueuedEvent& ZTQueueCore::append(ZTQueuedEvent&& event)
     return added;
 }
 
-/// Notes which event of a subscription waits, where there is at most one.
-void ZTQueueCore::keepWaiting(ZTQueuedSubscription& subscription, ZTQueuedEvent& event)
-{
-    subscription.waiting = subscription.pace == Pace::All ? nullptr : &event;
-}
-
 /// Puts an event of a subscription that is thinned out in its place.
 void ZTQueueCore::addPaced(ZTQueuedEvent&& event, Time time)
 {
@@ -52,12 +46,12 @@ void ZTQueueCore::addPaced(ZTQueuedEvent&& event, Time time)
     const bool isDebounced = subscription.pace == Pace::Debounced;
     if (isDebounced || (subscription.pace == Pace::Throttled && time < subscription.nextTime)) {
         const Time due = isDebounced ? time + subscription.interval : subscription.nextTime;
-        subscription.waitingTime = due;
         subscription.waiting = &m_timed.emplace(due, std::move(event))->second;
+        subscription.waitingTime = due;
     } else {
-        subscription.nextTime = time + subscription.interval;
-        subscription.waitingTime.reset();
         subscription.waiting = &append(std::move(event));
+        subscription.waitingTime.reset();
+        subscription.nextTime = time + subscription.interval;
     }
 }
 
@@ -205,9 +199,10 @@ void ZTQueueCore::makeReady(Time time)
     while (!m_timed.empty() && m_timed.begin()->first <= time) {
         const auto due = m_timed.begin();
         ZTQueuedSubscription& subscription = *due->second.subscription();
-        subscription.nextTime = time + subscription.interval;
+        ZTQueuedEvent& ready = append(std::move(due->second));
+        subscription.waiting = subscription.pace == Pace::All ? nullptr : &ready;
         subscription.waitingTime.reset();
-        keepWaiting(subscription, append(std::move(due->second)));
+        subscription.nextTime = time + subscription.interval;
         m_timed.erase(due);
     }
 }

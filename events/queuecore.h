@@ -60,7 +60,6 @@ private:
     // Under the lock.
     ZTQueuedEvent& append(ZTQueuedEvent&& event);
     void addPaced(ZTQueuedEvent&& event, Time time);
-    void keepWaiting(ZTQueuedSubscription& subscription, ZTQueuedEvent& event);
     [[nodiscard]] Event takeWaiting(ZTQueuedSubscription& subscription);
     [[nodiscard]] Event takeReady();
     bool makeRoom(Lock& lock, const ZTQueuedSubscription& subscription, Event& dropped);

@@ -148,6 +148,7 @@ void ZTQueuedSubscription::endLocked(ZTQueuedSubscription& subscription, ZTLetGo
     if (subscription.place == Place::Arriving) {
         subscription.NewsLink::unlink();
         subscription.place = Place::Nowhere;
+        ended.add(subscription.condition.release()); // nobody asks it yet
     } else if (subscription.place == Place::InSlot) {
         subscription.place = Place::Leaving;
         addNews(*subscription.senderEnds, subscription);
@@ -241,6 +242,7 @@ void ZTQueuedSubscription::leaveSender(ZTQueueEnds& sender, ZTLetGo& ended)
     sender.sent.forEach([&](ZTQueuedSubscription& one) {
         const auto kept = one.self;
         one.place = Place::Nowhere;
+        ended.add(one.condition.release());
         drainLocked(one);
         if (!one.hasEvents())
             endLocked(one, ended);

@@ -126,6 +126,12 @@ TEST_F(Bind, TransformsOneWayAndBothWays)
     c.setProperty("text", "30");
     EXPECT_EQ(a.level, 30);
     EXPECT_EQ(b.text, "30");
+    // Any value at all.
+    ASSERT_TRUE(ztBind(&a, "level", &c, "quiet", zt::through([](const ZTVariant& value) {
+        return value == 7.0 ? ZTVariant(1.0) : value;
+    })));
+    a.setProperty("level", 7.0);
+    EXPECT_EQ(c.quiet, 1);
 }
 
 TEST_F(Bind, CirclesComeToRest)

@@ -383,6 +383,12 @@ TEST_F(Queue, AsksConditionsAndBlockersWhereTheyBelong)
     const ZTSubscription first = listenLater(b, zt::unique);
     EXPECT_EQ(listenLater(b, zt::unique), first);
     EXPECT_EQ(sayLater(4), "a:4 b:4");
+    // A condition that the sender has not seen yet goes where the subscription is ended.
+    auto captured = std::make_shared<int>(0);
+    const ZTSubscription unseen =
+        listenLater(b, zt::when([captured](int) { return *captured == 0; }));
+    EXPECT_TRUE(ZTBase::unsubscribe(unseen));
+    EXPECT_EQ(captured.use_count(), 1);
     // Bound to something that goes while it waits.
     auto owner = std::make_shared<int>(0);
     listenLater(b, zt::boundTo(owner));

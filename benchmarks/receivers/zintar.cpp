@@ -1,35 +1,11 @@
 #include "receivers/lives.h"
-
-#include <zintar/zintar.h>
+#include "sender.h"
 
 #include <cstddef>
 #include <memory>
 
 namespace
 {
-class Sender : public ZTBase
-{
-    ZT_OBJECT(Sender, ZTBase)
-public:
-    void changed(int value) { sendEvent<&Self::changed>(value); }
-
-private:
-    static constexpr auto members() { return zt::members(zt::event<&Self::changed>()); }
-};
-
-class Receiver : public ZTBase
-{
-    ZT_OBJECT(Receiver, ZTBase)
-public:
-    void take(int value) { m_sum += value; }
-
-private:
-    static constexpr auto members() { return zt::members(); }
-    long m_sum = 0;
-};
-ZT_CLASS(Sender)
-ZT_CLASS(Receiver)
-
 void receivers(benchmark::State& state, std::size_t count, bool random)
 {
     Sender sender;

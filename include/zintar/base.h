@@ -186,9 +186,7 @@ public:
     /// const, where the event gives a pointer to an object.
     /// Whatever the compiler can see to be wrong does not compile.
     template <class Sender, class Event, class Receiver, class Handler>
-        requires(!(zt::detail::isInvokableOrNull<Event> &&
-                   zt::detail::isInvokableOrNull<
-                       Handler>)&&zt::detail::isReceiverAndHandler<Receiver, Handler>)
+        requires zt::detail::isSubscribeTemplate<Event, Receiver, Handler>
     static ZTSubscription subscribe(const Sender& sender, Event event, const Receiver& receiver,
                                     Handler handler)
     {
@@ -362,7 +360,7 @@ private:
                                         const ZTBase* subscriber, zt::detail::Handler handler,
                                         zt::detail::SubscriptionOptions& options);
     /// @param queue     null where the handler is called at once
-    /// @param receiver  a null pointer of type `std::nullptr_t` where there is none
+    /// @param receiver  a `NoReceiver` where there is none
     template <bool hasQueue, class Sender, class Event, class Receiver, class Handler,
               class... Options>
     static ZTSubscription subscribeWithOptions(const Sender& sender, Event event,

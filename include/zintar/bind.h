@@ -83,8 +83,10 @@ struct BindingFunctionOf<Callable, Parameters<P>> {
     static BindingFunction make(Callable callable)
     {
         return {[callable = std::move(callable)](const ZTVariant& value) mutable {
-                    return ZTVariant(callable(passAs<P>(
-                        *static_cast<const Held<P>*>(static_cast<const void*>(value.data())))));
+                    if constexpr (std::is_same_v<Held<P>, ZTVariant>)
+                        return ZTVariant(callable(value));
+                    else
+                        return ZTVariant(callable(passAs<P>(*static_cast<Held<P>*>(value.data()))));
                 },
                 &::ztMetaType<Held<P>>(), &::ztMetaType<Result>()};
     }

@@ -31,6 +31,7 @@
 #include <zintar/log.h>
 #include <zintar/logcapture.h>
 #include <zintar/loghandler.h>
+#include <zintar/memberbuilders.h>
 #include <zintar/metaclass.h>
 #include <zintar/metaclassbuilder.h>
 #include <zintar/metatype.h>

@@ -132,6 +132,12 @@ template <class Receiver, class Handler>
 inline constexpr bool isReceiverAndHandler =
     !std::is_same_v<Receiver, ZTEventQueue> && !IsSubscribeOption<Handler>;
 
+/// Whether a call with four arguments is not the one with descriptors alone, which is no template.
+template <class Event, class Receiver, class Handler>
+inline constexpr bool isSubscribeTemplate =
+    isReceiverAndHandler<Receiver, Handler> &&
+    !(isInvokableOrNull<Event> && isInvokableOrNull<Handler>);
+
 /// What can be wrong with options.
 template <class Handler, class EventParams, bool hasQueue, class... Options>
 constexpr void tellOfOptions()
