@@ -100,7 +100,8 @@ void endAtOnce(ZTSubscriptionPrivate& record)
 } // namespace
 
 /// Calls any handler on the present receiver.
-void ZTDelivery::callHandler(const zt::detail::Handler& handler, ZTEventValues& values) const
+[[gnu::always_inline]] inline void ZTDelivery::callHandler(const zt::detail::Handler& handler,
+                                                           ZTEventValues& values) const
 {
     const ZTBase* subscriber = m_receiver ? m_receiver->object : nullptr;
     if (isInvokable(handler))

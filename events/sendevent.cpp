@@ -94,11 +94,12 @@ namespace
 /// stack here.
 void ZTBase::sendValues(const zt::detail::DeclaredEvent& declared, void** addresses) const
 {
-    ZTEventSlot* slot = priv ? priv->events.eventSlots.findSingle(declared.index) : nullptr;
+    const int index = declared.index;
+    ZTEventSlot* slot = priv ? priv->events.eventSlots.findSingle(index) : nullptr;
     if (slot && slot->listed > 0 && priv->extras.areNone())
         return ZTDelivery::runTyped(*priv, *slot, declared.descriptor, addresses);
-    if (!priv || (priv->events.eventSlots.areNone() && priv->extras.areNone() &&
-                  declared.index >= 0)) [[likely]]
+    if (!priv || (index >= 0 && priv->events.eventSlots.areNone() && priv->extras.areNone()))
+        [[likely]]
         return;
     sendOtherwise(*priv, declared, addresses);
 }
