@@ -16,6 +16,9 @@
 /// 2. What a handle on another thread reads, `active` apart, does not change from the moment on
 ///    when there is a handle.
 struct ZTSubscriptionPrivate {
+    /// A special one has options, a queued one goes through a queue besides.
+    enum class Kind : unsigned char { Plain, Special, Queued };
+
     ZTSubscriptionPrivate() : ZTSubscriptionPrivate(Kind::Plain) {}
     ZTSubscriptionPrivate(const ZTSubscriptionPrivate&) = delete;
     ZTSubscriptionPrivate& operator=(const ZTSubscriptionPrivate&) = delete;
@@ -47,11 +50,9 @@ struct ZTSubscriptionPrivate {
     bool takesEvent = true;
     /// Whether it takes them, and nothing blocks the subscription.
     bool isCalled = true;
+    const Kind kind;
     /// How many blockers the subscription has by itself.
     std::uint32_t blockers = 0;
-    /// Which record it is: a special one has options, a queued one goes through a queue besides.
-    enum class Kind : unsigned char { Plain, Special, Queued };
-    const Kind kind;
 
 protected:
     explicit ZTSubscriptionPrivate(Kind kindOfRecord) : kind(kindOfRecord) {}
