@@ -41,6 +41,7 @@ private:
                   const BindingFunction& function);
     void set(const ZTBindingEnd& to, const ZTVariant& value) const;
     [[nodiscard]] std::string text() const;
+    void tell(const std::string& why) const;
 
     /// How many updates set off by this one are under way.
     int m_depth = 0;
@@ -50,6 +51,28 @@ namespace
 {
 /// A circle of bindings that has not come to rest by then never will.
 constexpr int mostNested = 16;
+
+/// What the function makes of a value.
+/// @param why  why there is no value, or gets why the function does not take it
+ZTVariant transformed(ZTVariant value, const BindingFunction& function, std::string& why)
+{
+    if (why.empty() && function.taken != &::ztMetaType<ZTVariant>()) {
+        ZTOutcome<ZTVariant> taken = ztTryConvert(value, *function.taken);
+        why = taken.error();
+        if (taken)
+            value = *std::move(taken);
+    }
+    return why.empty() ? function.function(value) : ZTVariant();
+}
+
+/// Whether a value, in the type of the one that is present, is the same.
+bool isThere(const ZTVariant& value, const ZTVariant& present)
+{
+    if (&value.type() == &present.type())
+        return value == present;
+    const ZTOutcome<ZTVariant> fitting = ztTryConvert(value, present.type());
+    return fitting && *fitting == present;
+}
 
 /// Whether values of the one type may become values of the other. The invalid type stands for what
 /// is not known.
@@ -99,6 +122,11 @@ std::string ZTBindingPrivate::text() const
         return holder ? zt::detail::memberName(*holder->metaClass(), end.name()) : end.name();
     };
     return "The binding of " + name(target) + " to " + name(source);
+}
+
+void ZTBindingPrivate::tell(const std::string& why) const
+{
+    ztLog("Zintar Warning: " + text() + ": " + why, ZTLogType::Warning);
 }
 
 /// What happens then, if the binding is still there.
@@ -162,34 +190,26 @@ void ZTBindingPrivate::transfer(const ZTBindingEnd& from, const ZTBindingEnd& to
         ~Nested() { --depth; }
         int& depth;
     } nested(m_depth);
-    ZTOutcome<ZTVariant> value = ztTryGet(from.holder(), from.name());
-    if (value && function.function) {
-        if (function.taken != &::ztMetaType<ZTVariant>())
-            value = ztTryConvert(*value, *function.taken);
-        if (value)
-            value = function.function(*value);
-    }
-    if (!value)
-        ztLog("Zintar Warning: " + text() + ": " + value.error(), ZTLogType::Warning);
+    std::string why;
+    const ZTVariant value =
+        function.function ? transformed(from.value(why), function, why) : from.value(why);
+    if (!why.empty())
+        tell(why);
     else if (isBinding())
-        set(to, *value);
+        set(to, value);
 }
 
 void ZTBindingPrivate::set(const ZTBindingEnd& to, const ZTVariant& value) const
 {
     if (!to.holder())
         return;
-    if (const ZTOutcome<ZTVariant> present = ztTryGet(to.holder(), to.name())) {
-        if (&present->type() == &value.type() && *present == value)
-            return;
-        const ZTOutcome<ZTVariant> fitting = ztTryConvert(value, present->type());
-        if (fitting && *fitting == *present)
-            return;
-    }
-    if (!isBinding() || !to.holder())
+    std::string why;
+    const ZTVariant present = to.value(why);
+    if ((why.empty() && isThere(value, present)) || !isBinding() || !to.holder())
         return;
-    if (const ZTOutcome<> done = ztTrySet(to.holder(), to.name(), value); !done)
-        ztLog("Zintar Warning: " + text() + ": " + done.error(), ZTLogType::Warning);
+    why = to.set(value);
+    if (!why.empty())
+        tell(why);
 }
 
 ZTBinding::operator bool() const noexcept

@@ -1,12 +1,15 @@
 #include "bindingend.h"
 
 #include "../checked/sentences.h"
+#include "../reflection/descriptorlives.h"
 
 #include <zintar/checked.h>
+#include <zintar/detail/lent.h>
 #include <zintar/typedvalue.h>
 
 #include <algorithm>
 
+using zt::detail::LentVariant;
 using zt::detail::memberName;
 
 namespace
@@ -103,8 +106,7 @@ void ZTBindingEnd::watchProperty(ZTBase& object, const std::string& name, const 
     const ZTMetaInvokable* event = property ? property->changeEvent() : nullptr;
     ZTSubscription watched;
     if (event)
-        watched = ZTBase::subscribe(&object, event, receiver,
-                                    [changed](const ZTArgumentArray&) { changed(); });
+        watched = ZTBase::subscribe(&object, event, receiver, [changed] { changed(); });
     else if (!property)
         watched = ZTBase::subscribe(&object, &ZTBase::dynamicPropertyChanged, receiver,
                                     [changed, name](const std::string& which, const ZTVariant&) {
@@ -128,6 +130,39 @@ void ZTBindingEnd::watch(const ZTBase* receiver, const Reactions& reactions)
             object.reset(objectIn(object->property(m_names[i])));
     }
     m_holder = object;
+}
+
+ZTVariant ZTBindingEnd::value(std::string& why) const
+{
+    const ZTBase* object = holder();
+    const ZTMetaProperty* property = propertyOf(*object->metaClass());
+    if (property && property->canGet()) [[likely]]
+        return property->get(LentVariant(object));
+    ZTOutcome<ZTVariant> got = ztTryGet(object, name());
+    why = got.error();
+    return got ? *std::move(got) : ZTVariant();
+}
+
+std::string ZTBindingEnd::set(const ZTVariant& value) const
+{
+    ZTBase* object = holder();
+    const ZTMetaProperty* property = propertyOf(*object->metaClass());
+    if (!property || &property->metaType() != &value.type() || !property->canSet()) [[unlikely]]
+        return ztTrySet(object, name(), value).error();
+    property->set(LentVariant(object), value);
+    return {};
+}
+
+const ZTMetaProperty* ZTBindingEnd::propertyOf(const ZTMetaClass& metaClass) const
+{
+    const unsigned int ended = zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
+    if (&metaClass == m_class && ended == m_descriptorsEnded) [[likely]]
+        return m_property;
+    const ZTMetaProperty* property = metaClass.property(name());
+    m_class = metaClass.isDynamic() ? nullptr : &metaClass;
+    m_property = property;
+    m_descriptorsEnded = ended;
+    return property;
 }
 
 void ZTBindingEnd::unwatch()

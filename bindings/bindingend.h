@@ -35,7 +35,16 @@ public:
     [[nodiscard]] ZTBase* holder() const { return m_holder.get(); }
     [[nodiscard]] const std::string& name() const { return m_names.back(); }
 
+    /// The value that the property has now. There has to be a holder.
+    /// @param why  gets why there is none; left alone otherwise
+    [[nodiscard]] ZTVariant value(std::string& why) const;
+    /// Sets it. There has to be a holder.
+    /// @return why it was not; empty if it was
+    [[nodiscard]] std::string set(const ZTVariant& value) const;
+
 private:
+    /// The property of that class; null if it has none of the name.
+    [[nodiscard]] const ZTMetaProperty* propertyOf(const ZTMetaClass& metaClass) const;
     void watchProperty(ZTBase& object, const std::string& name, const ZTBase* receiver,
                        const std::function<void()>& changed);
 
@@ -43,4 +52,9 @@ private:
     std::vector<std::string> m_names;
     ZTRef<ZTBase> m_holder;
     std::vector<ZTSubscription> m_watched;
+
+    // The answer of a class that does not change, which holds until a descriptor ends.
+    mutable const ZTMetaClass* m_class = nullptr;
+    mutable const ZTMetaProperty* m_property = nullptr;
+    mutable unsigned int m_descriptorsEnded = 0;
 };

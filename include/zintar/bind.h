@@ -25,7 +25,7 @@
 ///         })) ...
 ///
 /// A binding sets the target when it is made, and each time when the source's change event comes.
-/// It reads the property then; nothing is kept. A value that is already there is not set again, so
+/// It reads the property then; no value is kept. A value that is already there is not set again, so
 /// bindings both ways, chains and circles come to rest; a circle that does not is stopped, with one
 /// line in the log.
 ///
