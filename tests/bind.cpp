@@ -3,6 +3,7 @@
 #include <zintar/dynamicbase.h>
 #include <zintar/logcapture.h>
 #include <zintar/metaclassbuilder.h>
+#include <zintar/propertyname.h>
 #include <zintar/reference.h>
 #include <zintar/standardconverters.h>
 
@@ -34,13 +35,14 @@ public:
 private:
     static constexpr auto members()
     {
-        return zt::members(
-            zt::event<&Self::levelChanged>(), zt::event<&Self::textChanged>(),
-            zt::event<&Self::nextChanged>(), zt::event<&Self::oddChanged>(),
-            zt::property<&Self::level>().notify<&Self::levelChanged>(),
-            zt::property<&Self::text>().notify<&Self::textChanged>(),
-            zt::property<&Self::next>().notify<&Self::nextChanged>(), zt::property<&Self::quiet>(),
-            zt::property<&Self::odd>().notify<&Self::oddChanged>(), zt::property<&Self::serial>());
+        return zt::members(zt::event<&Self::levelChanged>(), zt::event<&Self::textChanged>(),
+                           zt::event<&Self::nextChanged>(), zt::event<&Self::oddChanged>(),
+                           zt::property<&Self::level>().notify<&Self::levelChanged>(),
+                           zt::property<&Self::text>().notify<&Self::textChanged>(),
+                           zt::property<&Self::next>().notify<&Self::nextChanged>(),
+                           zt::property<&Self::quiet>(),
+                           zt::property<&Self::odd>().notify<&Self::oddChanged>(),
+                           zt::method<&Self::serial>(), zt::property<&Self::serial>().as("number"));
     }
 };
 
@@ -69,10 +71,14 @@ protected:
     Part a, b, c;
 };
 
+// By the name that the list gives, also where a method has the same function.
+static_assert(zt::propertyName<&Part::level> == "level");
+static_assert(zt::propertyName<&Part::serial> == "number");
+
 TEST_F(Bind, FollowsTheSource)
 {
     a.level = 1;
-    const auto made = ztBind(&a, "level", &b, "level");
+    const auto made = ztBind(&a, zt::propertyName<&Part::level>, &b, "level");
     ASSERT_TRUE(made);
     ZTBinding binding = *made;
     EXPECT_EQ(b.level, 1);
@@ -99,7 +105,7 @@ TEST_F(Bind, IsRefusedWithAReason)
     EXPECT_EQ(refusal("levl", "level").substr(0, 51),
               "Part has no property \"levl\" (did you mean \"level\"?)");
     EXPECT_EQ(refusal("quiet", "level"), "Part.quiet has no change event");
-    EXPECT_EQ(refusal("level", "serial"), "Part.serial can only be read");
+    EXPECT_EQ(refusal("level", "number"), "Part.number can only be read");
     EXPECT_EQ(refusal("level", "quiet", zt::bothWays), "Part.quiet has no change event");
     EXPECT_EQ(refusal("odd", "text"),
               "the change event oddChanged(int) of Part.odd brings something "

@@ -147,7 +147,8 @@ template <class There, class Back>
 /// Binds a property of the target to one of the source.
 ///
 /// @param sourcePath  the name of a property with a change event, or a path of names with a "."
-///                    between two; likewise `targetPath` of one that can be set
+///                    between two; likewise `targetPath` of one that can be set.
+///                    `zt::propertyName` (propertyname.h) gives the name of a member
 /// @param options     `zt::bothWays`, `zt::through(...)`
 /// @return why there is none, in one line: a property is missing, has no change event or cannot be
 ///         set, or no converter joins the types

@@ -37,6 +37,7 @@
 #include <zintar/metatype.h>
 #include <zintar/metatypeof.h>
 #include <zintar/outcome.h>
+#include <zintar/propertyname.h>
 #include <zintar/record.h>
 #include <zintar/reference.h>
 #include <zintar/shortname.h>
