@@ -50,6 +50,15 @@ bool fit(const ZTArgumentArray& arguments, const ZTMetaInvokable& event)
             return false;
     return true;
 }
+
+/// Whether the event is kept for later. Then the sender may have ended.
+/// @param given  what values of an event are made of
+template <class... Values>
+[[gnu::always_inline]] inline bool isKept(ZTBasePrivate& sender, int index, const Values&... given)
+{
+    return !sender.extras.areNone() && sender.extras.heldChanges() &&
+           ZTHeldChanges::keep(sender, index, ZTEventValues(given...));
+}
 } // namespace
 
 void ZTDelivery::reportNoEvent(const ZTBase& sender, int index) { (void)hasEvent(sender, index); }
@@ -74,17 +83,25 @@ void ZTBase::sendEvent(int index, const ZTArgumentArray& arguments) const
         tellOfMisfits(*event, senderClass.typeName(), arguments);
         sender = watch.record();
     }
-    if (ZTEventSlot* slot = sender ? sender->heardSlot(index) : nullptr)
+    ZTEventSlot* slot = sender ? sender->heardSlot(index) : nullptr;
+    if (slot && !isKept(*sender, index, arguments))
         ZTDelivery::runArray(*sender, *slot, arguments);
 }
 
 namespace
 {
+void deliver(ZTBasePrivate& sender, ZTEventSlot& slot, const zt::detail::DeclaredEvent& declared,
+             void** addresses)
+{
+    if (!isKept(sender, slot.index, declared.descriptor, addresses))
+        ZTDelivery::runTyped(sender, slot, declared.descriptor, addresses);
+}
+
 [[gnu::noinline]] void sendOtherwise(ZTBasePrivate& sender,
                                      const zt::detail::DeclaredEvent& declared, void** addresses)
 {
     if (ZTEventSlot* slot = sender.heardSlot(declared.index))
-        ZTDelivery::runTyped(sender, *slot, declared.descriptor, addresses);
+        deliver(sender, *slot, declared, addresses);
     else if (declared.index < 0)
         (void)hasEvent(*sender.object, declared.index);
 }
@@ -107,7 +124,7 @@ void ZTBase::sendValues(const zt::detail::DeclaredEvent& declared, void** addres
 void ZTBase::sendValues(ZTEventSlot& slot, const zt::detail::DeclaredEvent& declared,
                         void** addresses) const
 {
-    ZTDelivery::runTyped(*priv, slot, declared.descriptor, addresses);
+    deliver(*priv, slot, declared, addresses);
 }
 
 void zt::detail::EventRaiser::raise(const ZTBase& sender, int index,
@@ -121,7 +138,7 @@ void zt::detail::EventRaiser::raise(const ZTLifeWatch& sender, const DeclaredEve
 {
     ZTBasePrivate* record = sender.record();
     if (ZTEventSlot* slot = record ? record->heardSlot(declared.index) : nullptr)
-        ZTDelivery::runTyped(*record, *slot, declared.descriptor, addresses);
+        deliver(*record, *slot, declared, addresses);
 }
 
 /// What the class of the object does not have under that index is not raised.

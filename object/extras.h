@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../events/eventblockers.h"
+#include "../events/heldchanges.h"
 #include "../events/queueends.h"
 #include "../events/receivedindex.h"
 #include "dynamicproperties.h"
@@ -28,6 +29,8 @@ public:
         std::unique_ptr<ZTDynamicProperties> storedValues;
         ZTEventBlockers blockers;
         std::unique_ptr<ZTReceivedIndex> receivedIndex;
+        /// Null as long as none were held back.
+        std::unique_ptr<ZTHeldChanges> heldChanges;
         /// Owned; null as long as no subscription through a queue needed them.
         std::atomic<ZTQueueEnds*> queueEnds = nullptr;
 
@@ -54,6 +57,12 @@ public:
     {
         const Parts* all = parts();
         return all ? all->receivedIndex.get() : nullptr;
+    }
+    /// Null as long as none of the object's were held back.
+    [[nodiscard]] ZTHeldChanges* heldChanges() const
+    {
+        const Parts* all = parts();
+        return all ? all->heldChanges.get() : nullptr;
     }
     /// Null as long as the object has had no subscription through a queue.
     [[nodiscard]] ZTQueueEnds* queueEnds() const

@@ -41,6 +41,9 @@
 //                         end of a handler that has ended     when it has returned: Call
 //  through a queue        copies of the values                keeps the subscription
 //                         the condition of a subscription     keeps it, asks whether it is active
+//  held back              copies of the values                watches the sender, looks the hold up
+// the end of a hold       handlers                            asks its reference for the object
+// a binding's update      getters, conversions, setters       keeps itself, asks its ends for objects
 // delivery of a queue     handlers, ends of dropped values    keeps the queue, takes out one by one
 //                         ends of handlers that others ended  last act
 // declared property,      copies, conversions of values       watches the object

@@ -33,6 +33,7 @@ struct ZTStaticMetaInvokable;
 struct ZTBase;
 struct ZTDynamicBase;
 struct ZTDeliveryInfo;
+class ZTChangeHold;
 class ZTEventBlocker;
 class ZTSubscription;
 class ZTScopedSubscription;

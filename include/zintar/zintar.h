@@ -10,6 +10,7 @@
 
 #include <zintar/base.h>
 #include <zintar/bind.h>
+#include <zintar/changehold.h>
 #include <zintar/checked.h>
 #include <zintar/classes.h>
 #include <zintar/classrecord.h>
