@@ -232,9 +232,14 @@ ZTOutcome<ZTBinding> zt::detail::bind(ZTBase* source, std::string_view sourcePat
     std::string why = record->refusal();
     if (!why.empty())
         return ZTOutcome<ZTBinding>::failure(std::move(why));
-    record->watchSource();
-    record->watchTarget();
-    record->update();
+    try {
+        record->watchSource();
+        record->watchTarget();
+        record->update();
+    } catch (...) {
+        record->end();
+        throw;
+    }
     return ZTBinding(record);
 }
 
@@ -248,17 +253,22 @@ std::vector<ZTSubscription> zt::detail::subscribeToChanges(const ZTBase* object,
     const auto shared = std::make_shared<ChangeFunction>(std::move(function));
     const ZTMetaClass& metaClass = *object->metaClass();
     made.reserve(metaClass.propertyCount() + 1);
-    for (unsigned int i = 0; i < metaClass.propertyCount(); ++i) {
-        const ZTMetaProperty* property = metaClass.property(i);
-        if (const ZTMetaInvokable* event = property->changeEvent())
-            made.push_back(ZTBase::subscribe(object, event, receiver,
-                                             [shared, property](const ZTArgumentArray&) {
-                                                 const ZTBase* sender = ZTBase::delivery().sender;
-                                                 (*shared)(property->name(), property->get(sender));
-                                             }));
+    try {
+        for (unsigned int i = 0; i < metaClass.propertyCount(); ++i) {
+            const ZTMetaProperty* property = metaClass.property(i);
+            if (const ZTMetaInvokable* event = property->changeEvent())
+                made.push_back(ZTBase::subscribe(object, event, receiver, [shared, property] {
+                    const ZTBase* sender = ZTBase::delivery().sender;
+                    (*shared)(property->name(), property->get(sender));
+                }));
+        }
+        made.push_back(ZTBase::subscribe(
+            object, &ZTBase::dynamicPropertyChanged, receiver,
+            [shared](const std::string& name, const ZTVariant& value) { (*shared)(name, value); }));
+    } catch (...) {
+        for (const ZTSubscription& one : made)
+            ZTBase::unsubscribe(one);
+        throw;
     }
-    made.push_back(ZTBase::subscribe(
-        object, &ZTBase::dynamicPropertyChanged, receiver,
-        [shared](const std::string& name, const ZTVariant& value) { (*shared)(name, value); }));
     return made;
 }

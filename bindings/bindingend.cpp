@@ -104,6 +104,7 @@ void ZTBindingEnd::watchProperty(ZTBase& object, const std::string& name, const 
 {
     const ZTMetaProperty* property = object.metaClass()->property(name);
     const ZTMetaInvokable* event = property ? property->changeEvent() : nullptr;
+    m_watched.reserve(m_watched.size() + 1); // so that none is lost that was made
     ZTSubscription watched;
     if (event)
         watched = ZTBase::subscribe(&object, event, receiver, [changed] { changed(); });

@@ -118,6 +118,8 @@ void ZTQueueCore::push(ZTQueuedEvent event)
     Wake wake;
     {
         Lock lock(m_mutex);
+        if (isInVain(subscription))
+            return;
         if (subscription.waiting && pace != Pace::Debounced) {
             event.sequence = subscription.waiting->sequence;
             dropped.emplace(std::exchange(*subscription.waiting, std::move(event)));
@@ -127,7 +129,7 @@ void ZTQueueCore::push(ZTQueuedEvent event)
             dropped = takeWaiting(subscription);
         if (pace != Pace::Debounced && !makeRoom(lock, subscription, dropped))
             return;
-        if (m_isClosed || subscription.isEnded())
+        if (isInVain(subscription)) // by now
             return;
         const bool wasEmpty = m_ready.empty();
         const auto* firstTimed = m_timed.empty() ? nullptr : &m_timed.begin()->second;
@@ -151,7 +153,7 @@ void ZTQueueCore::pushAt(ZTQueuedEvent event, Time time)
     Wake wake;
     {
         const Lock lock(m_mutex);
-        if (m_isClosed || event.subscription()->isEnded())
+        if (isInVain(*event.subscription()))
             return;
         const auto added = m_timed.emplace(time, std::move(event));
         if (added == m_timed.begin()) {
@@ -340,20 +342,19 @@ bool ZTQueueCore::wait(std::chrono::nanoseconds timeout)
 
 void ZTQueueCore::close()
 {
-    // All of it goes behind the lock.
     Wake wake;
     ZTLetGo ended;
-    const auto taken = std::move(m_taken);
-    std::deque<ZTQueuedEvent> ready;
-    std::multimap<Time, ZTQueuedEvent> timed;
-    const Lock lock(m_mutex);
-    m_isClosed = true;
-    wake = std::move(m_wake);
-    ended.take(m_ended);
-    ready.swap(m_ready);
-    timed.swap(m_timed);
-    m_readyCount = m_pacedCount = 0;
+    {
+        const Lock lock(m_mutex);
+        m_isClosed = true;
+        wake = std::move(m_wake);
+        ended.take(m_ended);
+        m_readyCount = m_pacedCount = 0;
+        m_room.notify_all();
+    }
+    // No other thread looks at what waits from here on.
     m_taken.clear();
+    m_ready.clear();
+    m_timed.clear();
     setTakenCount();
-    m_room.notify_all();
 }

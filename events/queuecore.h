@@ -58,6 +58,12 @@ private:
     class Delivering;
 
     // Under the lock.
+    /// Whether an event of that subscription would reach nobody. Behind the end of the queue no
+    /// thread may look at what waits.
+    [[nodiscard]] bool isInVain(const ZTQueuedSubscription& subscription) const
+    {
+        return m_isClosed || subscription.isEnded();
+    }
     ZTQueuedEvent& append(ZTQueuedEvent&& event);
     void addPaced(ZTQueuedEvent&& event, Time time);
     [[nodiscard]] Event takeWaiting(ZTQueuedSubscription& subscription);

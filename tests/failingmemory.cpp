@@ -309,10 +309,9 @@ struct Host {
     }
 };
 
-// clang-format off
-#define DO(...) {#__VA_ARGS__, [](Host& s) { (void)s; __VA_ARGS__; }}
-#define ENDS(...) {#__VA_ARGS__, [](Host& s) { (void)s; __VA_ARGS__; }, true}
+using State = Host;
 
+// clang-format off
 TEST_F(FailingMemory, Values)
 {
     tryAll<Host>({

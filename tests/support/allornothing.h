@@ -16,6 +16,12 @@
 /// `std::bad_alloc` out, all is as it was, and it succeeds when it is tried again. What ends
 /// something asks for no memory.
 
+/// Operations on what a test file calls `State`, as lines of a list.
+// clang-format off
+#define DO(...) {#__VA_ARGS__, [](State& s) { (void)s; __VA_ARGS__; }}
+#define ENDS(...) {#__VA_ARGS__, [](State& s) { (void)s; __VA_ARGS__; }, true}
+// clang-format on
+
 namespace support
 {
 /// Nobody reads what is logged. An operation that lets no failure through is named before the end.
