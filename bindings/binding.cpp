@@ -11,7 +11,8 @@
 
 // A binding is owned by the handlers of its subscriptions, so it ends with them. Code of the host
 // runs at each read, conversion and set, and may end the binding and both objects: whoever goes on
-// behind it keeps the record, and asks the ends for their objects again.
+// behind it asks the ends for their objects again. The record is there to the end of an update,
+// since a handler that runs keeps what it captured, and whoever makes the binding keeps it, too.
 
 using zt::detail::BindingFunction;
 
@@ -184,7 +185,6 @@ void ZTBindingPrivate::transfer(const ZTBindingEnd& from, const ZTBindingEnd& to
               ZTLogType::Warning);
         return;
     }
-    const auto kept = shared_from_this();
     struct Nested {
         explicit Nested(int& count) : depth(++count) {}
         ~Nested() { --depth; }

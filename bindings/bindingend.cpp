@@ -136,9 +136,8 @@ void ZTBindingEnd::watch(const ZTBase* receiver, const Reactions& reactions)
 ZTVariant ZTBindingEnd::value(std::string& why) const
 {
     const ZTBase* object = holder();
-    const ZTMetaProperty* property = propertyOf(*object->metaClass());
-    if (property && property->canGet()) [[likely]]
-        return property->get(LentVariant(object));
+    if (const ZTMetaProperty* getter = find(*object->metaClass()).getter) [[likely]]
+        return getter->get(LentVariant(object));
     ZTOutcome<ZTVariant> got = ztTryGet(object, name());
     why = got.error();
     return got ? *std::move(got) : ZTVariant();
@@ -147,23 +146,25 @@ ZTVariant ZTBindingEnd::value(std::string& why) const
 std::string ZTBindingEnd::set(const ZTVariant& value) const
 {
     ZTBase* object = holder();
-    const ZTMetaProperty* property = propertyOf(*object->metaClass());
-    if (!property || &property->metaType() != &value.type() || !property->canSet()) [[unlikely]]
+    const Found& found = find(*object->metaClass());
+    if (!found.setter || found.type != &value.type()) [[unlikely]]
         return ztTrySet(object, name(), value).error();
-    property->set(LentVariant(object), value);
+    found.setter->set(LentVariant(object), value);
     return {};
 }
 
-const ZTMetaProperty* ZTBindingEnd::propertyOf(const ZTMetaClass& metaClass) const
+const ZTBindingEnd::Found& ZTBindingEnd::find(const ZTMetaClass& metaClass) const
 {
     const unsigned int ended = zt::detail::descriptorsEnded.load(std::memory_order_relaxed);
     if (&metaClass == m_class && ended == m_descriptorsEnded) [[likely]]
-        return m_property;
+        return m_found;
     const ZTMetaProperty* property = metaClass.property(name());
+    m_found = {property && property->canGet() ? property : nullptr,
+               property && property->canSet() ? property : nullptr,
+               property ? &property->metaType() : nullptr};
     m_class = metaClass.isDynamic() ? nullptr : &metaClass;
-    m_property = property;
     m_descriptorsEnded = ended;
-    return property;
+    return m_found;
 }
 
 void ZTBindingEnd::unwatch()

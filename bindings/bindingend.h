@@ -43,8 +43,13 @@ public:
     [[nodiscard]] std::string set(const ZTVariant& value) const;
 
 private:
-    /// The property of that class; null if it has none of the name.
-    [[nodiscard]] const ZTMetaProperty* propertyOf(const ZTMetaClass& metaClass) const;
+    /// What a class knows under the name; all of it empty where that is nothing.
+    struct Found {
+        const ZTMetaProperty* getter = nullptr;
+        const ZTMetaProperty* setter = nullptr;
+        const ZTMetaType* type = nullptr;
+    };
+    [[nodiscard]] const Found& find(const ZTMetaClass& metaClass) const;
     void watchProperty(ZTBase& object, const std::string& name, const ZTBase* receiver,
                        const std::function<void()>& changed);
 
@@ -55,6 +60,6 @@ private:
 
     // The answer of a class that does not change, which holds until a descriptor ends.
     mutable const ZTMetaClass* m_class = nullptr;
-    mutable const ZTMetaProperty* m_property = nullptr;
+    mutable Found m_found;
     mutable unsigned int m_descriptorsEnded = 0;
 };

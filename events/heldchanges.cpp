@@ -51,10 +51,12 @@ void send(const ZTBase& sender, const ZTHeldChanges::Change& change)
 void ZTHeldChanges::enter(ZTExtras& extras)
 {
     auto& held = extras.needParts().heldChanges;
-    if (held)
+    if (held) {
         ++held->m_holds;
-    else
-        held = std::make_unique<ZTHeldChanges>();
+        return;
+    }
+    held = std::make_unique<ZTHeldChanges>();
+    extras.noteForEvents();
 }
 
 std::vector<ZTHeldChanges::Change> ZTHeldChanges::leave(ZTExtras& extras)

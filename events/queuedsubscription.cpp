@@ -23,6 +23,7 @@ ZTQueueEnds& needQueueEnds(ZTBasePrivate& object)
     if (!ends) {
         ends = new ZTQueueEnds;
         parts.queueEnds.store(ends, std::memory_order_release);
+        object.extras.noteForEvents();
     }
     return *ends;
 }

@@ -56,7 +56,7 @@ bool fit(const ZTArgumentArray& arguments, const ZTMetaInvokable& event)
 template <class... Values>
 [[gnu::always_inline]] inline bool isKept(ZTBasePrivate& sender, int index, const Values&... given)
 {
-    return !sender.extras.areNone() && sender.extras.heldChanges() &&
+    return !sender.extras.leaveEventsAlone() && sender.extras.heldChanges() &&
            ZTHeldChanges::keep(sender, index, ZTEventValues(given...));
 }
 } // namespace
@@ -113,10 +113,10 @@ void ZTBase::sendValues(const zt::detail::DeclaredEvent& declared, void** addres
 {
     const int index = declared.index;
     ZTEventSlot* slot = priv ? priv->events.eventSlots.findSingle(index) : nullptr;
-    if (slot && slot->listed > 0 && priv->extras.areNone())
+    if (slot && slot->listed > 0 && priv->extras.leaveEventsAlone())
         return ZTDelivery::runTyped(*priv, *slot, declared.descriptor, addresses);
-    if (!priv || (index >= 0 && priv->events.eventSlots.areNone() && priv->extras.areNone()))
-        [[likely]]
+    if (!priv || (index >= 0 && priv->events.eventSlots.areNone() &&
+                  priv->extras.leaveEventsAlone())) [[likely]]
         return;
     sendOtherwise(*priv, declared, addresses);
 }

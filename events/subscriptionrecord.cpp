@@ -1,7 +1,7 @@
 #include "subscriptionrecord.h"
 
-// With the block that it shares with its handles it fills what malloc gives for 104 bytes. A program
-// has many of them; a member more would cost each of them 16.
+// With the block that it shares with its handles it fills what malloc gives for 104 bytes. A
+// program has many of them; a member more would cost each of them 16.
 static_assert(sizeof(ZTSubscriptionPrivate) <= 88);
 
 bool ZTSubscriptionPattern::means(const ZTSubscriptionPrivate& record) const

@@ -42,7 +42,7 @@ struct ZTBasePrivate final : zt::detail::InBlocks, ZTTreeNode {
     /// Sees to the slots of subscriptions through queues that have come or gone meanwhile.
     void takeQueueNews() const
     {
-        ZTQueueEnds* ends = extras.areNone() ? nullptr : extras.queueEnds();
+        ZTQueueEnds* ends = extras.leaveEventsAlone() ? nullptr : extras.queueEnds();
         if (ends && ends->hasNews.load(std::memory_order_relaxed)) [[unlikely]]
             takeNewsOf(*ends); // events/queuedsubscription.cpp
     }
@@ -63,17 +63,17 @@ private:
 
 inline bool ZTBasePrivate::isBlockingSent() const
 {
-    return !extras.areNone() && extras.blockers().blockSent();
+    return !extras.leaveEventsAlone() && extras.blockers().blockSent();
 }
 
 inline bool ZTBasePrivate::isBlockingSent(int eventIndex) const
 {
-    return !extras.areNone() && extras.blockers().blockSent(eventIndex);
+    return !extras.leaveEventsAlone() && extras.blockers().blockSent(eventIndex);
 }
 
 inline bool ZTBasePrivate::isBlockingReceived() const
 {
-    return !extras.areNone() && extras.blockers().blockReceived();
+    return !extras.leaveEventsAlone() && extras.blockers().blockReceived();
 }
 
 inline ZTEventSlot* ZTBasePrivate::heardSlot(int index) const

@@ -46,6 +46,15 @@ public:
     ~ZTExtras() { delete parts(); }
 
     [[nodiscard]] bool areNone() const { return m_word.load(std::memory_order_relaxed) == 0; }
+    /// Whether nothing of them has to be seen to where an event is raised or delivered, as with the
+    /// references to an object and its dynamic properties.
+    [[nodiscard]] bool leaveEventsAlone() const
+    {
+        return (m_word.load(std::memory_order_relaxed) & (isBlocker | concernsEvents)) == 0;
+    }
+    /// To be called when something has come that has to be.
+    /// Threads: any, as long as the object lives.
+    void noteForEvents() { m_word.fetch_or(concernsEvents); }
     /// Null as long as nobody needed them.
     [[nodiscard]] Parts* parts() const { return partsIn(word()); }
     /// May throw, and changes nothing then.
@@ -83,25 +92,34 @@ public:
         ZTEventBlockers changed = blockers();
         change(changed);
         const std::uintptr_t after =
-            changed.areNone() ? 0 : reinterpret_cast<std::uintptr_t>(changed.first()) + 1;
+            changed.areNone() ? 0 : reinterpret_cast<std::uintptr_t>(changed.first()) | isBlocker;
         // Parts that have come meanwhile have the blockers of before.
-        if (partsIn(before) || !m_word.compare_exchange_strong(before, after))
+        if (partsIn(before) || !m_word.compare_exchange_strong(before, after)) {
             parts()->blockers = changed;
+            noteForEvents();
+        }
     }
 
 private:
     [[nodiscard]] std::uintptr_t word() const { return m_word.load(std::memory_order_acquire); }
     static Parts* partsIn(std::uintptr_t word)
     {
-        return word & 1 ? nullptr : zt::detail::pointerIn<Parts>(word);
+        return word & isBlocker ? nullptr : zt::detail::pointerIn<Parts>(word & ~concernsEvents);
     }
     static ZTEventBlockers blockersIn(std::uintptr_t word)
     {
-        return word & 1 ? ZTEventBlockers(zt::detail::pointerIn<ZTEventBlocker>(word - 1))
-                        : ZTEventBlockers();
+        return word & isBlocker
+                   ? ZTEventBlockers(zt::detail::pointerIn<ZTEventBlocker>(word & ~isBlocker))
+                   : ZTEventBlockers();
     }
 
-    /// The address of the parts, or one more than that of the first blocker; 0 for none.
+    // In the last bits of the address.
+    static constexpr std::uintptr_t isBlocker = 1; ///< that of the first blocker; there is no more
+    /// That of parts of which one concerns events, or did once: what another thread may have set is
+    /// not taken back.
+    static constexpr std::uintptr_t concernsEvents = 2;
+
+    /// The address of the parts or of the first blocker, and what it is; 0 for none.
     std::atomic<std::uintptr_t> m_word = 0;
 };
 
@@ -110,12 +128,14 @@ inline ZTExtras::Parts& ZTExtras::needParts()
     std::uintptr_t now = word();
     if (!partsIn(now)) {
         auto made = std::make_unique<Parts>();
+        std::uintptr_t after = 0;
         do {
             if (partsIn(now))
                 return *partsIn(now);
             made->blockers = blockersIn(now);
-        } while (!m_word.compare_exchange_weak(now, reinterpret_cast<std::uintptr_t>(made.get()),
-                                               std::memory_order_acq_rel));
+            after = reinterpret_cast<std::uintptr_t>(made.get()) |
+                    (made->blockers.areNone() ? 0 : concernsEvents);
+        } while (!m_word.compare_exchange_weak(now, after, std::memory_order_acq_rel));
         return *made.release();
     }
     return *partsIn(now);
